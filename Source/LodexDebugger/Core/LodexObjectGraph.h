@@ -1,0 +1,79 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include <string>
+#include <vector>
+
+/**
+ * Opaque reference to one object of the host's object graph. The editor wraps a UObject pointer,
+ * the headless host an entry of a scene snapshot. A null handle means "no object".
+ */
+struct FLodexObject
+{
+	const void* Ptr = nullptr;
+
+	FLodexObject() = default;
+	explicit FLodexObject(const void* InPtr)
+		: Ptr(InPtr)
+	{
+	}
+
+	bool IsNull() const { return Ptr == nullptr; }
+	explicit operator bool() const { return Ptr != nullptr; }
+	bool operator==(const FLodexObject& Other) const { return Ptr == Other.Ptr; }
+	bool operator!=(const FLodexObject& Other) const { return Ptr != Other.Ptr; }
+};
+
+/** The classes the path builder tests an object against (the class itself or a class derived from it). */
+enum class ELodexClass
+{
+	Actor,
+	WidgetTree,
+	Widget,
+	UserWidget,
+	ActorComponent,
+};
+
+/** The kind of an object met on a Lodestring walk, from the first class test that matches. */
+enum class ELodexObjectKind
+{
+	Actor,
+	WidgetTree,
+	Widget,
+	Component,
+	Other,
+};
+
+/**
+ * The view of the host's object graph that the Lodestring builder walks. Every call receives a
+ * non-null object and must not change it.
+ */
+class ILodexObjectGraph
+{
+public:
+	virtual ~ILodexObjectGraph() = default;
+
+	/** Whether the object's class is the given class or derives from it. */
+	virtual bool IsOfClass(FLodexObject Object, ELodexClass Class) const = 0;
+
+	/** The object's own name as UTF-8 text (never a display label). */
+	virtual std::string GetName(FLodexObject Object) const = 0;
+
+	/** The object that contains this one, or null. */
+	virtual FLodexObject GetOuter(FLodexObject Object) const = 0;
+
+	/** For an actor: the actor its root component is attached to, or null. */
+	virtual FLodexObject GetAttachParent(FLodexObject Object) const = 0;
+
+	/** For a widget: the panel widget that holds it as a child, or null. */
+	virtual FLodexObject GetWidgetParent(FLodexObject Object) const = 0;
+
+	/** For a widget tree: its root widget, or null. */
+	virtual FLodexObject GetRootWidget(FLodexObject Object) const = 0;
+
+	/**
+	 * The elements of the object's "Tags" array in order. Returns false, leaving OutTags empty, when the
+	 * object has no array property of that name.
+	 */
+	virtual bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const = 0;
+};

@@ -1,0 +1,127 @@
+// Copyright Lodex contributors.
+#include "HostOutput.h"
+#include "ListSelection.h"
+#include "LodexCli.h"
+#include "SceneSnapshot.h"
+
+#include "LodexDebugger/Core/Lodestring.h"
+#include "LodexDebugger/Core/PathCommands.h"
+
+#include <CLI/CLI.hpp>
+
+namespace
+{
+	/** Loads the scene and resolves the named objects; on failure writes one line and returns false. */
+	bool LoadSceneAndObjects(const std::string& ScenePath, const std::vector<std::string>& Names,
+		FSceneSnapshot& OutScene, std::vector<FLodexObject>& OutObjects, FLodexCliIo& Io)
+	{
+		std::string Error;
+		if (!FSceneSnapshot::LoadFile(ScenePath, OutScene, Error))
+		{
+			Io.Err << "lodex: " << Error << "\n";
+			return false;
+		}
+		for (const std::string& Name : Names)
+		{
+			const FLodexObject Object = OutScene.FindObject(Name, Error);
+			if (!Object)
+			{
+				Io.Err << "lodex: " << ScenePath << ": " << Error << "\n";
+				return false;
+			}
+			OutObjects.push_back(Object);
+		}
+		return true;
+	}
+
+	class FPathCommand final : public ILodexCommand
+	{
+	public:
+		CLI::App* Register(CLI::App& Parent) override
+		{
+			CLI::App* Sub = Parent.add_subcommand("path", "Print the Lodestring of each object, one a line");
+			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
+			Sub->add_option("--mode", Mode,
+				"Absolute, Relative or Tag (exact case); any other text gives no node steps")
+				->default_val("Absolute");
+			Sub->add_option("objects", Objects, "Object ids, or names that exactly one object has")->required();
+			return Sub;
+		}
+
+		int Run(FLodexCliIo& Io) override
+		{
+			FSceneSnapshot Scene;
+			std::vector<FLodexObject> Resolved;
+			if (!LoadSceneAndObjects(ScenePath, Objects, Scene, Resolved, Io))
+			{
+				return LodexExitFailure;
+			}
+			std::string Text;
+			for (const FLodexObject Object : Resolved)
+			{
+				Text += BuildLodestring(Scene, Object, Mode);
+				Text += "\n";
+			}
+			Io.Out << Text;
+			return LodexExitOk;
+		}
+
+	private:
+		std::string ScenePath;
+		std::string Mode = LodestringModes::Absolute;
+		std::vector<std::string> Objects;
+	};
+
+	class FCopyCommand final : public ILodexCommand
+	{
+	public:
+		CLI::App* Register(CLI::App& Parent) override
+		{
+			CLI::App* Sub = Parent.add_subcommand("copy",
+				"Run a \"MenuTool\" command on a selection: log each Lodestring, copy it to the clipboard");
+			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
+			std::vector<std::string> Modes;
+			for (const FLodexCommandInfo& Command : GetMenuToolCommandSet().Commands)
+			{
+				Modes.emplace_back(Command.Mode);
+			}
+			Sub->add_option("--mode", Mode, "The command: Relative (\"Lodestring Relative\") or Absolute")
+				->required()
+				->check(CLI::IsMember(Modes));
+			Sub->add_option("--clipboard", ClipboardFile,
+				"Write the clipboard to this file instead of the system clipboard");
+			Sub->add_option("objects", Objects, "The selection, in order: object ids or unique names");
+			return Sub;
+		}
+
+		int Run(FLodexCliIo& Io) override
+		{
+			FSceneSnapshot Scene;
+			std::vector<FLodexObject> Resolved;
+			if (!LoadSceneAndObjects(ScenePath, Objects, Scene, Resolved, Io))
+			{
+				return LodexExitFailure;
+			}
+			FHostOutput Output(Io.Out, Io.Err, ClipboardFile.empty() ? EClipboardTarget::System : EClipboardTarget::File,
+				ClipboardFile);
+			PrintSelectedActorLodestrings(Scene, FListSelection(std::move(Resolved)), Output, Mode);
+			return Output.AllCopiesSucceeded() ? LodexExitOk : LodexExitFailure;
+		}
+
+	private:
+		std::string ScenePath;
+		std::string Mode;
+		std::string ClipboardFile;
+		std::vector<std::string> Objects;
+	};
+}
+
+std::unique_ptr<ILodexCommand> MakePathCommand()
+{
+	return std::make_unique<FPathCommand>();
+}
+
+std::unique_ptr<ILodexCommand> MakeCopyCommand()
+{
+	return std::make_unique<FCopyCommand>();
+}
