@@ -12,7 +12,10 @@ namespace
 {
 	using FJson = nlohmann::json;
 
-	/** Line and column (both from 1) of the byte at Offset (from 1, as the JSON parser counts). */
+	/**
+	 * Line and column (both from 1) of the byte at Offset (from 1, as the JSON parser counts). Columns count
+	 * characters, not bytes, so that they match an editor's on lines with non-ASCII names.
+	 */
 	std::string DescribePosition(const std::string& Text, std::size_t Offset)
 	{
 		std::size_t Line = 1;
@@ -25,7 +28,7 @@ namespace
 				++Line;
 				Column = 1;
 			}
-			else
+			else if ((static_cast<unsigned char>(Text[Index]) & 0xC0) != 0x80)
 			{
 				++Column;
 			}

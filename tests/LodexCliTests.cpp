@@ -1,0 +1,290 @@
+// Copyright Lodex contributors.
+#include "LodexCli.h"
+#include "TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <sstream>
+#include <sys/wait.h>
+
+namespace
+{
+	struct FRun
+	{
+		int Exit = -1;
+		std::string Out;
+		std::string Err;
+	};
+
+	FRun RunLodex(const std::vector<std::string>& Args)
+	{
+		std::ostringstream Out;
+		std::ostringstream Err;
+		FRun Run;
+		Run.Exit = RunLodexCli(Args, Out, Err);
+		Run.Out = Out.str();
+		Run.Err = Err.str();
+		return Run;
+	}
+
+	int CountLines(const std::string& Text)
+	{
+		int Lines = 0;
+		for (const char Char : Text)
+		{
+			Lines += Char == '\n' ? 1 : 0;
+		}
+		return Lines;
+	}
+
+	/** Every shape of the walk, one object each. */
+	const char* const EdgeScene = R"({"objects": [
+  {"id": "lvl", "kind": "other", "name": "PersistentLevel"},
+  {"id": "house", "kind": "actor", "name": "House", "outer": "lvl", "tags": ["bldg"]},
+  {"id": "door", "kind": "actor", "name": "Door", "outer": "lvl", "attachParent": "house", "tags": ["locked", "red"]},
+  {"id": "hinge", "kind": "component", "name": "Hinge", "outer": "door"},
+  {"id": "shed", "kind": "actor", "name": "Shed", "outer": "lvl"},
+  {"id": "shedDoor", "kind": "actor", "name": "ShedDoor", "outer": "lvl", "attachParent": "shed", "tags": ["locked"]},
+  {"id": "a", "kind": "actor", "name": "A", "outer": "lvl", "tags": ["t1", "t2", "t3"]},
+  {"id": "a1", "kind": "actor", "name": "A1", "outer": "lvl", "tags": ["t1"]},
+  {"id": "a0", "kind": "actor", "name": "A0", "outer": "lvl", "tags": []},
+  {"id": "comp", "kind": "component", "name": "Comp", "outer": "a"},
+  {"id": "levelComp", "kind": "component", "name": "Comp", "outer": "lvl"},
+  {"id": "fog", "kind": "other", "name": "Fog", "outer": "lvl"},
+  {"id": "panel", "kind": "widget", "name": "Panel"},
+  {"id": "w", "kind": "widget", "name": "W", "widgetParent": "panel"},
+  {"id": "user", "kind": "userWidget", "name": "UserWidget", "widgetParent": "panel"},
+  {"id": "bob", "kind": "actor", "name": "Bob's", "outer": "lvl"}
+]})";
+
+	struct FPathRow
+	{
+		const char* Object;
+		const char* Mode;
+		const char* Expected;
+	};
+
+	class LodexCli : public ::testing::Test
+	{
+	protected:
+		void SetUp() override
+		{
+			ASSERT_FALSE(Dir.Path.empty());
+			ScenePath = Dir.Write("scene.json", EdgeScene);
+		}
+		FTempDir Dir;
+		std::string ScenePath;
+	};
+
+	TEST_F(LodexCli, PathPrintsEveryShapeExactly)
+	{
+		const FPathRow Rows[] = {
+			{"hinge", "Absolute", "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')"},
+			{"hinge", "Relative", "//Door/fn:component('Hinge')"},
+			{"hinge", "Tag", "/*[@tag = 'bldg']"},
+			{"door", "Absolute", "/*[@name = 'House']/*[@name = 'Door']"},
+			{"door", "Relative", "//Door"},
+			{"house", "Tag", "/*[@tag = 'bldg']"},
+			{"shedDoor", "Tag", "/*[]"},
+			{"hinge", "absolute", "/fn:component('Hinge')"},
+			{"a", "Absolute", "/*[@name = 'A']"},
+			{"comp", "Relative", "//A/fn:component('Comp')"},
+			{"comp", "Absolute", "/*[@name = 'A']/fn:component('Comp')"},
+			{"levelComp", "Absolute", "/fn:component('Comp')"},
+			{"levelComp", "Relative", "/fn:component('Comp')"},
+			{"levelComp", "Tag", "/fn:component('Comp')"},
+			{"a", "Tag", "/*[@tag = 't1' or @tag = 't2' or @tag = 't3']"},
+			{"a1", "Tag", "/*[@tag = 't1']"},
+			{"a0", "Tag", "/*[]"},
+			{"w", "Absolute", "/*[@name = 'W']"},
+			{"w", "Relative", "//W"},
+			{"user", "Absolute", "/*[@name = 'Panel']/*[@name = 'UserWidget']"},
+			{"comp", "Tag ", "/fn:component('Comp')"},
+			{"comp", "relative", "/fn:component('Comp')"},
+			{"a", "Tag ", ""},
+			{"a", "relative", ""},
+			{"fog", "Absolute", ""},
+			{"bob", "Absolute", "/*[@name = 'Bob's']"},
+		};
+		for (const FPathRow& Row : Rows)
+		{
+			const FRun Run = RunLodex({"path", "--scene", ScenePath, "--mode", Row.Mode, Row.Object});
+			EXPECT_EQ(Run.Exit, 0) << Run.Err;
+			EXPECT_EQ(Run.Out, std::string(Row.Expected) + "\n") << Row.Object << ", \"" << Row.Mode << "\"";
+			EXPECT_EQ(Run.Err, "");
+		}
+	}
+
+	TEST_F(LodexCli, PathTakesSeveralObjectsByIdOrNameAndDefaultsToAbsolute)
+	{
+		const FRun Run = RunLodex({"path", "--scene", ScenePath, "hinge", "Fog", "House"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n\n/*[@name = 'House']\n");
+		const FRun Empty = RunLodex({"path", "--scene", ScenePath, "--mode", "", "door"});
+		EXPECT_EQ(Empty.Exit, 0) << Empty.Err;
+		EXPECT_EQ(Empty.Out, "\n");
+	}
+
+	TEST_F(LodexCli, PathRefusesUnknownAndAmbiguousObjects)
+	{
+		const FRun Unknown = RunLodex({"path", "--scene", ScenePath, "door", "Nobody"});
+		EXPECT_EQ(Unknown.Exit, 1);
+		EXPECT_EQ(Unknown.Out, "") << "nothing is printed when one object is wrong";
+		EXPECT_EQ(Unknown.Err, "lodex: " + ScenePath + ": no object has the id or name 'Nobody'\n");
+		const FRun Ambiguous = RunLodex({"path", "--scene", ScenePath, "Comp"});
+		EXPECT_EQ(Ambiguous.Exit, 1);
+		EXPECT_EQ(Ambiguous.Err, "lodex: " + ScenePath + ": 2 objects are named 'Comp'; name one by its id\n");
+	}
+
+	TEST_F(LodexCli, CopyLogsEveryActorAndLeavesTheLastOnTheClipboard)
+	{
+		const std::string Clipboard = Dir.File("clipboard.txt");
+		const FRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard, "a", "bob"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : /*[@name = 'A'] \nLogTemp: Lodestring : /*[@name = 'Bob's'] \n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "/*[@name = 'Bob's']");
+		EXPECT_FALSE(FTempDir::Exists(Clipboard + ".lodex-tmp"));
+
+		const FRun Relative = RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door"});
+		EXPECT_EQ(Relative.Out, "LogTemp: Lodestring : //Door \n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "//Door");
+	}
+
+	TEST_F(LodexCli, CopyWithEmptySelectionLeavesTheClipboardUntouched)
+	{
+		const std::string Clipboard = Dir.Write("clipboard.txt", "earlier text\n");
+		const FRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
+	}
+
+	TEST_F(LodexCli, CopyToAnUnwritableClipboardKeepsTheLogAndFails)
+	{
+		const std::string Clipboard = Dir.File("missing-folder/clipboard.txt");
+		const FRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "a"});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : //A \n");
+		EXPECT_EQ(CountLines(Run.Err), 1) << Run.Err;
+		EXPECT_NE(Run.Err.find(Clipboard), std::string::npos) << Run.Err;
+	}
+
+	TEST_F(LodexCli, UsageErrorsPrintTheUsageAndExitTwo)
+	{
+		const std::vector<std::vector<std::string>> Calls = {
+			{},
+			{"frobnicate"},
+			{"path", "door"},
+			{"path", "--scene", ScenePath},
+			{"path", "--scene", ScenePath, "--colour", "red", "door"},
+			{"copy", "--scene", ScenePath, "door"},
+			{"copy", "--scene", ScenePath, "--mode", "absolute", "door"},
+			{"copy", "--scene", ScenePath, "--mode", "Tag", "door"},
+		};
+		for (const std::vector<std::string>& Call : Calls)
+		{
+			const FRun Run = RunLodex(Call);
+			EXPECT_EQ(Run.Exit, 2) << ::testing::PrintToString(Call);
+			EXPECT_EQ(Run.Out, "");
+			EXPECT_NE(Run.Err.find("Usage:"), std::string::npos) << Run.Err;
+		}
+	}
+
+	TEST_F(LodexCli, HelpEverywhere)
+	{
+		for (const std::vector<std::string>& Call : std::vector<std::vector<std::string>>{
+				 {"--help"}, {"path", "--help"}, {"copy", "--help"}, {"demo", "--help"}})
+		{
+			const FRun Run = RunLodex(Call);
+			EXPECT_EQ(Run.Exit, 0) << ::testing::PrintToString(Call);
+			EXPECT_NE(Run.Out.find("Usage:"), std::string::npos) << Run.Out;
+		}
+		EXPECT_NE(RunLodex({"copy", "--help"}).Out.find("--clipboard"), std::string::npos);
+	}
+
+	TEST_F(LodexCli, BadSceneFilesFailWithOneLineAndNoOutput)
+	{
+		const std::string Broken = Dir.Write("broken.json", "{\"objects\": [\n  {\"id\": \"a\" \"kind\": \"actor\"}\n]}");
+		const std::string Dangling = Dir.Write("dangling.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "outer": "x"}]})");
+		struct FRow
+		{
+			std::string Path;
+			std::string Error;
+		};
+		const FRow Rows[] = {
+			{Broken, "lodex: " + Broken +
+					":2:19: syntax error while parsing object - unexpected string literal; expected '}'\n"},
+			{Dangling, "lodex: " + Dangling + ": objects[0] (id 'a'): field 'outer': no object has the id 'x'\n"},
+			{Dir.File("absent.json"), "lodex: " + Dir.File("absent.json") + ": cannot open the file\n"},
+		};
+		for (const FRow& Row : Rows)
+		{
+			for (const char* Command : {"path", "copy"})
+			{
+				const FRun Run = RunLodex({Command, "--scene", Row.Path, "--mode", "Absolute", "a"});
+				EXPECT_EQ(Run.Exit, 1);
+				EXPECT_EQ(Run.Out, "");
+				EXPECT_EQ(Run.Err, Row.Error);
+			}
+		}
+	}
+
+	TEST(LodexDemo, ShowsTheSampleLevelAndTheAbsoluteCommand)
+	{
+		const FRun Run = RunLodex({"demo"});
+		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		for (const char* Expected : {
+				 "LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \n",
+				 "LogTemp: Lodestring : /*[@name = 'Lamp_2'] \n",
+				 "Clipboard: /*[@name = 'Lamp_2']\n",
+				 "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')  //Door/fn:component('Hinge')",
+				 "/*[@tag = 'light' or @tag = 'porch' or @tag = 'night']",
+				 "/*[@name = 'Tür']",
+			 })
+		{
+			EXPECT_NE(Run.Out.find(Expected), std::string::npos) << Expected;
+		}
+	}
+
+	/** The installed binary, as a user runs it: exit status and the two streams kept apart. */
+	FRun RunBinary(const std::string& Arguments, const std::string& Environment = "")
+	{
+		FTempDir Dir;
+		const std::string Command = Environment + " '" LODEX_BINARY "' " + Arguments + " >'" + Dir.File("out") + "' 2>'" +
+			Dir.File("err") + "'";
+		FRun Run;
+		const int Status = std::system(Command.c_str());
+		Run.Exit = WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
+		Run.Out = FTempDir::Read(Dir.File("out"));
+		Run.Err = FTempDir::Read(Dir.File("err"));
+		return Run;
+	}
+
+	TEST(LodexBinary, DemoRunsOnTheEmbeddedSampleFromAnyFolder)
+	{
+		const FRun Run = RunBinary("demo", "cd / &&");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_NE(Run.Out.find("Clipboard: /*[@name = 'Lamp_2']"), std::string::npos);
+	}
+
+	TEST(LodexBinary, CopyWithoutAClipboardToolSaysSoOnceAndKeepsTheLog)
+	{
+		const FRun Run = RunBinary(std::string("copy --scene '") + LODEX_SOURCE_DIR + "/samples/level.json' --mode Absolute door lamp",
+			"env -u DISPLAY -u WAYLAND_DISPLAY PATH=/nonexistent");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = 'Lamp_2'] \n");
+		EXPECT_EQ(CountLines(Run.Err), 1) << Run.Err;
+		EXPECT_NE(Run.Err.find("--clipboard"), std::string::npos) << Run.Err;
+	}
+
+	TEST(LodexBinary, UsageErrorExitsTwo)
+	{
+		const FRun Run = RunBinary("path");
+		EXPECT_EQ(Run.Exit, 2);
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_NE(Run.Err.find("Usage:"), std::string::npos);
+	}
+}
