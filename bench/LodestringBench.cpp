@@ -49,7 +49,10 @@ namespace
 		}
 		std::string GetName(FLodexObject Object) const override { return Get(Object).Name; }
 		FLodexObject GetOuter(FLodexObject Object) const override { return FLodexObject(Get(Object).Outer); }
-		FLodexObject GetAttachParent(FLodexObject Object) const override { return FLodexObject(Get(Object).AttachParent); }
+		FLodexObject GetAttachParent(FLodexObject Object) const override
+		{
+			return FLodexObject(Get(Object).AttachParent);
+		}
 		FLodexObject GetWidgetParent(FLodexObject) const override { return FLodexObject(); }
 		FLodexObject GetRootWidget(FLodexObject) const override { return FLodexObject(); }
 		bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override

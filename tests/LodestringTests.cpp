@@ -46,8 +46,9 @@ namespace
 		FHouseScene Scene;
 		for (const FWorkedExampleRow& Row : Rows)
 		{
-			const FTestGraph::FNode& Node =
-				std::string(Row.Object) == "Hinge" ? Scene.Hinge : (std::string(Row.Object) == "Door" ? Scene.Door : Scene.House);
+			const FTestGraph::FNode& Node = std::string(Row.Object) == "Hinge"
+				? Scene.Hinge
+				: (std::string(Row.Object) == "Door" ? Scene.Door : Scene.House);
 			EXPECT_EQ(Scene.Build(Node, Row.Mode), Row.Expected) << Row.Object << ", \"" << Row.Mode << "\"";
 		}
 	}
@@ -95,7 +96,8 @@ namespace
 		const FTestGraph::FNode& Hand = Graph.Add(EKind::Component, "Hand", &Plain);
 		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(Hand), "Absolute"),
 			"/*[@name = 'A']/fn:component('Arm')/fn:component('Hand')");
-		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(Hand), "Relative"), "//A/fn:component('Arm')/fn:component('Hand')");
+		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(Hand), "Relative"),
+			"//A/fn:component('Arm')/fn:component('Hand')");
 	}
 
 	TEST(LodestringActors, RelativeStopsAtTheNearestActor)
@@ -200,7 +202,8 @@ namespace
 			"/*[@name = 'PlainPanel']/*[@name = 'UserWidget']");
 		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(User), "Relative"), "//UserWidget");
 		// A user widget held by another user widget keeps walking up.
-		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(Panel), "Absolute"), "/*[@name = 'Outer']/*[@name = 'Panel']");
+		EXPECT_EQ(
+			BuildLodestring(Graph, FTestGraph::Handle(Panel), "Absolute"), "/*[@name = 'Outer']/*[@name = 'Panel']");
 	}
 
 	TEST(LodestringWidgets, WidgetTreeWalksToItsRootWidget)
@@ -210,7 +213,8 @@ namespace
 		FTestGraph::FNode& Tree = Graph.Add(EKind::WidgetTree, "WidgetTree");
 		Tree.RootWidget = &Root;
 		FTestGraph::FNode& EmptyTree = Graph.Add(EKind::WidgetTree, "EmptyTree");
-		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(Tree), "Absolute"), "/*[@name = 'Root']/*[@name = 'WidgetTree']");
+		EXPECT_EQ(
+			BuildLodestring(Graph, FTestGraph::Handle(Tree), "Absolute"), "/*[@name = 'Root']/*[@name = 'WidgetTree']");
 		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(EmptyTree), "Absolute"), "/*[@name = 'EmptyTree']");
 	}
 
@@ -249,7 +253,8 @@ namespace
 		const FTestGraph::FNode& Lower = Graph.Add(EKind::Component, "Comp", &LowerLevel);
 		FTestGraph::FNode& ExactLevel = Graph.Add(EKind::Other, "PersistentLevel", &A);
 		const FTestGraph::FNode& Exact = Graph.Add(EKind::Component, "Comp", &ExactLevel);
-		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(Lower), "Absolute"), "/*[@name = 'A']/fn:component('Comp')");
+		EXPECT_EQ(
+			BuildLodestring(Graph, FTestGraph::Handle(Lower), "Absolute"), "/*[@name = 'A']/fn:component('Comp')");
 		EXPECT_EQ(BuildLodestring(Graph, FTestGraph::Handle(Exact), "Absolute"), "/fn:component('Comp')");
 	}
 
@@ -279,7 +284,10 @@ namespace
 		FTestGraph::FNode& Tree = Graph.Add(EKind::WidgetTree, "Tree", &User);
 		Tree.RootWidget = &Panel;
 
-		auto Parent = [&](const FTestGraph::FNode& Node) { return GetLodestringParent(Graph, FTestGraph::Handle(Node)); };
+		auto Parent = [&](const FTestGraph::FNode& Node)
+		{
+			return GetLodestringParent(Graph, FTestGraph::Handle(Node));
+		};
 		EXPECT_EQ(Parent(Door), FTestGraph::Handle(House));
 		EXPECT_TRUE(Parent(House).IsNull());
 		EXPECT_EQ(Parent(Hinge), FTestGraph::Handle(Door));
@@ -364,7 +372,8 @@ namespace
 				const FLodexObject Handle = FTestGraph::Handle(Comp);
 				const FLodexObject OwnerHandle = FTestGraph::Handle(*Owner);
 
-				EXPECT_EQ(BuildLodestring(Graph, Handle, "Absolute"), BuildLodestring(Graph, OwnerHandle, "Absolute") + Step);
+				EXPECT_EQ(
+					BuildLodestring(Graph, Handle, "Absolute"), BuildLodestring(Graph, OwnerHandle, "Absolute") + Step);
 				EXPECT_EQ(BuildLodestring(Graph, Handle, "Relative"), "//" + Owner->Name + Step);
 
 				const FTestGraph::FNode* Top = Owner;
@@ -374,11 +383,13 @@ namespace
 					Top = Top->AttachParent;
 					++Depth;
 				}
-				EXPECT_EQ(BuildLodestring(Graph, Handle, "Tag"), BuildLodestring(Graph, FTestGraph::Handle(*Top), "Tag"));
+				EXPECT_EQ(
+					BuildLodestring(Graph, Handle, "Tag"), BuildLodestring(Graph, FTestGraph::Handle(*Top), "Tag"));
 				const std::string Absolute = BuildLodestring(Graph, OwnerHandle, "Absolute");
 				EXPECT_EQ(Absolute.rfind("/*[@name = '" + Top->Name + "']", 0), 0u) << Absolute;
 				int Steps = 0;
-				for (std::size_t At = Absolute.find("/*[@name"); At != std::string::npos; At = Absolute.find("/*[@name", At + 1))
+				for (std::size_t At = Absolute.find("/*[@name"); At != std::string::npos;
+					 At = Absolute.find("/*[@name", At + 1))
 				{
 					++Steps;
 				}

@@ -141,13 +141,15 @@ namespace
 	TEST_F(LodexCli, CopyLogsEveryActorAndLeavesTheLastOnTheClipboard)
 	{
 		const std::string Clipboard = Dir.File("clipboard.txt");
-		const FRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard, "a", "bob"});
+		const FRun Run =
+			RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard, "a", "bob"});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : /*[@name = 'A'] \nLogTemp: Lodestring : /*[@name = 'Bob's'] \n");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "/*[@name = 'Bob's']");
 		EXPECT_FALSE(FTempDir::Exists(Clipboard + ".lodex-tmp"));
 
-		const FRun Relative = RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door"});
+		const FRun Relative =
+			RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door"});
 		EXPECT_EQ(Relative.Out, "LogTemp: Lodestring : //Door \n");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "//Door");
 	}
@@ -207,15 +209,18 @@ namespace
 
 	TEST_F(LodexCli, BadSceneFilesFailWithOneLineAndNoOutput)
 	{
-		const std::string Broken = Dir.Write("broken.json", "{\"objects\": [\n  {\"id\": \"a\" \"kind\": \"actor\"}\n]}");
-		const std::string Dangling = Dir.Write("dangling.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "outer": "x"}]})");
+		const std::string Broken =
+			Dir.Write("broken.json", "{\"objects\": [\n  {\"id\": \"a\" \"kind\": \"actor\"}\n]}");
+		const std::string Dangling =
+			Dir.Write("dangling.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "outer": "x"}]})");
 		struct FRow
 		{
 			std::string Path;
 			std::string Error;
 		};
 		const FRow Rows[] = {
-			{Broken, "lodex: " + Broken +
+			{Broken,
+				"lodex: " + Broken +
 					":2:19: syntax error while parsing object - unexpected string literal; expected '}'\n"},
 			{Dangling, "lodex: " + Dangling + ": objects[0] (id 'a'): field 'outer': no object has the id 'x'\n"},
 			{Dir.File("absent.json"), "lodex: " + Dir.File("absent.json") + ": cannot open the file\n"},
@@ -253,8 +258,8 @@ namespace
 	FRun RunBinary(const std::string& Arguments, const std::string& Environment = "")
 	{
 		FTempDir Dir;
-		const std::string Command = Environment + " '" LODEX_BINARY "' " + Arguments + " >'" + Dir.File("out") + "' 2>'" +
-			Dir.File("err") + "'";
+		const std::string Command = Environment + " '" LODEX_BINARY "' " + Arguments + " >'" + Dir.File("out") +
+			"' 2>'" + Dir.File("err") + "'";
 		FRun Run;
 		const int Status = std::system(Command.c_str());
 		Run.Exit = WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
@@ -272,10 +277,13 @@ namespace
 
 	TEST(LodexBinary, CopyWithoutAClipboardToolSaysSoOnceAndKeepsTheLog)
 	{
-		const FRun Run = RunBinary(std::string("copy --scene '") + LODEX_SOURCE_DIR + "/samples/level.json' --mode Absolute door lamp",
+		const FRun Run = RunBinary(
+			std::string("copy --scene '") + LODEX_SOURCE_DIR + "/samples/level.json' --mode Absolute door lamp",
 			"env -u DISPLAY -u WAYLAND_DISPLAY PATH=/nonexistent");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = 'Lamp_2'] \n");
+		EXPECT_EQ(Run.Out,
+			"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = 'Lamp_2'] "
+			"\n");
 		EXPECT_EQ(CountLines(Run.Err), 1) << Run.Err;
 		EXPECT_NE(Run.Err.find("--clipboard"), std::string::npos) << Run.Err;
 	}

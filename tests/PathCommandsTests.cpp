@@ -36,8 +36,10 @@ namespace
 		Scene.Selection.Objects = {FTestGraph::Handle(Scene.B), FTestGraph::Handle(Scene.A)};
 		Scene.Run("Absolute");
 		EXPECT_EQ(Scene.Output.Messages(),
-			(std::vector<std::string>{"Lodestring : /*[@name = 'B'] ", "Lodestring : /*[@name = 'Parent']/*[@name = 'A'] "}));
-		EXPECT_EQ(Scene.Output.Copies, (std::vector<std::string>{"/*[@name = 'B']", "/*[@name = 'Parent']/*[@name = 'A']"}));
+			(std::vector<std::string>{
+				"Lodestring : /*[@name = 'B'] ", "Lodestring : /*[@name = 'Parent']/*[@name = 'A'] "}));
+		EXPECT_EQ(
+			Scene.Output.Copies, (std::vector<std::string>{"/*[@name = 'B']", "/*[@name = 'Parent']/*[@name = 'A']"}));
 		for (const FRecordingOutput::FLine& Line : Scene.Output.Lines)
 		{
 			EXPECT_EQ(Line.Verbosity, ELodexLogVerbosity::Log);
@@ -53,7 +55,8 @@ namespace
 		Selection.Objects = {FTestGraph::Handle(A), FTestGraph::Handle(B)};
 		FRecordingOutput Output;
 		PrintSelectedActorLodestrings(Graph, Selection, Output, "Absolute");
-		EXPECT_EQ(Output.Messages(), (std::vector<std::string>{"Lodestring : /*[@name = 'A'] ", "Lodestring : /*[@name = 'B'] "}));
+		EXPECT_EQ(Output.Messages(),
+			(std::vector<std::string>{"Lodestring : /*[@name = 'A'] ", "Lodestring : /*[@name = 'B'] "}));
 		ASSERT_FALSE(Output.Copies.empty());
 		EXPECT_EQ(Output.Copies.back(), "/*[@name = 'B']");
 		EXPECT_EQ(Output.Copies.size(), 2u) << "one copy per actor, never joined";
@@ -290,13 +293,14 @@ namespace
 	{
 		FRecordingMenuToolHost Host;
 		StartMenuTool(Host);
-		EXPECT_EQ(Host.Calls, (std::vector<std::string>{
-								  "CreateCommandList",
-								  "RegisterCommandSet MenuTool",
-								  "MapPrintAction MenuCommand1 Relative",
-								  "MapPrintAction MenuCommand2 Absolute",
-								  "AddModuleMenuExtension LevelEditor.SceneOutlinerContextMenu",
-								  "AddViewportContextMenuExtender ActorType",
-							  }));
+		EXPECT_EQ(Host.Calls,
+			(std::vector<std::string>{
+				"CreateCommandList",
+				"RegisterCommandSet MenuTool",
+				"MapPrintAction MenuCommand1 Relative",
+				"MapPrintAction MenuCommand2 Absolute",
+				"AddModuleMenuExtension LevelEditor.SceneOutlinerContextMenu",
+				"AddViewportContextMenuExtender ActorType",
+			}));
 	}
 }

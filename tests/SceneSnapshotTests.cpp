@@ -23,7 +23,8 @@ namespace
 		ASSERT_EQ(Scene.GetObjects().size(), 4u);
 		const FLodexObject Hinge = Scene.FindObject("hinge", Error);
 		ASSERT_TRUE(Hinge);
-		EXPECT_EQ(BuildLodestring(Scene, Hinge, "Absolute"), "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')");
+		EXPECT_EQ(
+			BuildLodestring(Scene, Hinge, "Absolute"), "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')");
 		EXPECT_EQ(BuildLodestring(Scene, Scene.FindObject("Door", Error), "Tag"), "/*[@tag = 'bldg']");
 	}
 
@@ -39,7 +40,10 @@ namespace
 		FSceneSnapshot Scene;
 		std::string Error;
 		ASSERT_TRUE(FSceneSnapshot::Parse(Text, "kinds.json", Scene, Error)) << Error;
-		auto Kind = [&](const char* Id) { return ClassifyLodexObject(Scene, Scene.FindObject(Id, Error)); };
+		auto Kind = [&](const char* Id)
+		{
+			return ClassifyLodexObject(Scene, Scene.FindObject(Id, Error));
+		};
 		EXPECT_EQ(Kind("a"), ELodexObjectKind::Actor);
 		EXPECT_EQ(Kind("t"), ELodexObjectKind::WidgetTree);
 		EXPECT_EQ(Kind("w"), ELodexObjectKind::Widget);
@@ -52,7 +56,8 @@ namespace
 
 	TEST(SceneSnapshot, TextComesOutAsItWentIn)
 	{
-		const std::string Text = R"({"objects": [{"id": "g", "kind": "actor", "name": "Tür \u7528\u6237", "tags": ["用户", "a'b"]}]})";
+		const std::string Text =
+			R"({"objects": [{"id": "g", "kind": "actor", "name": "Tür \u7528\u6237", "tags": ["用户", "a'b"]}]})";
 		FSceneSnapshot Scene;
 		std::string Error;
 		ASSERT_TRUE(FSceneSnapshot::Parse(Text, "utf8.json", Scene, Error)) << Error;
@@ -63,7 +68,8 @@ namespace
 
 	TEST(SceneSnapshot, AbsentTagsMeanNoTagsArrayAndUnknownFieldsAreIgnored)
 	{
-		const std::string Text = R"({"version": 3, "objects": [{"id": "a", "kind": "actor", "name": "A", "colour": "red"}]})";
+		const std::string Text =
+			R"({"version": 3, "objects": [{"id": "a", "kind": "actor", "name": "A", "colour": "red"}]})";
 		FSceneSnapshot Scene;
 		std::string Error;
 		ASSERT_TRUE(FSceneSnapshot::Parse(Text, "a.json", Scene, Error)) << Error;
@@ -99,7 +105,9 @@ namespace
 		const FBadSnapshotRow Rows[] = {
 			{"{\"objects\": [\n  {\"id\": \"a\",}\n]}",
 				"bad.json:2:14: syntax error while parsing object key - unexpected '}'; expected string literal"},
-			{"", "bad.json:1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a literal"},
+			{"",
+				"bad.json:1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
+				"literal"},
 			{"{\"objects\": [{\"id\": \"Tür\" x]}",
 				"bad.json:1:27: syntax error while parsing object - invalid literal; last read: '\"Tür\" x'; "
 				"expected '}'"},
@@ -112,16 +120,19 @@ namespace
 			{R"({"objects": [{"id": "a", "kind": "actor"}]})", "bad.json: objects[0] (id 'a'): missing field 'name'"},
 			{R"({"objects": [{"id": "a", "kind": "actor", "name": 7}]})",
 				"bad.json: objects[0] (id 'a'): field 'name' must be a string, found number"},
-			{R"({"objects": [{"id": "", "kind": "actor", "name": "A"}]})", "bad.json: objects[0]: field 'id' must not be empty"},
+			{R"({"objects": [{"id": "", "kind": "actor", "name": "A"}]})",
+				"bad.json: objects[0]: field 'id' must not be empty"},
 			{R"({"objects": [{"id": "a", "kind": "Actor", "name": "A"}]})",
-				"bad.json: objects[0] (id 'a'): field 'kind': unknown kind 'Actor' (expected actor, widgetTree, widget, "
+				"bad.json: objects[0] (id 'a'): field 'kind': unknown kind 'Actor' (expected actor, widgetTree, "
+				"widget, "
 				"userWidget, component or other)"},
 			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A"}, {"id": "a", "kind": "other", "name": "B"}]})",
 				"bad.json: objects[1] (id 'a'): field 'id': duplicate id, first used by objects[0]"},
 			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "outer": "lvl"}]})",
 				"bad.json: objects[0] (id 'a'): field 'outer': no object has the id 'lvl'"},
 			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "attachParent": 1}]})",
-				"bad.json: objects[0] (id 'a'): field 'attachParent' must be the id of an object (a string), found number"},
+				"bad.json: objects[0] (id 'a'): field 'attachParent' must be the id of an object (a string), found "
+				"number"},
 			{R"({"objects": [{"id": "a", "kind": "widget", "name": "A", "widgetParent": "b"}]})",
 				"bad.json: objects[0] (id 'a'): field 'widgetParent': no object has the id 'b'"},
 			{R"({"objects": [{"id": "a", "kind": "widgetTree", "name": "A", "rootWidget": "r"}]})",

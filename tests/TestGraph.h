@@ -117,7 +117,10 @@ public:
 		std::string Message;
 	};
 
-	void Log(ELodexLogVerbosity Verbosity, const std::string& Message) override { Lines.push_back({Verbosity, Message}); }
+	void Log(ELodexLogVerbosity Verbosity, const std::string& Message) override
+	{
+		Lines.push_back({Verbosity, Message});
+	}
 	void CopyToClipboard(const std::string& Text) override { Copies.push_back(Text); }
 
 	std::vector<std::string> Messages() const

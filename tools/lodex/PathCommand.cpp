@@ -41,8 +41,8 @@ namespace
 		{
 			CLI::App* Sub = Parent.add_subcommand("path", "Print the Lodestring of each object, one a line");
 			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
-			Sub->add_option("--mode", Mode,
-				"Absolute, Relative or Tag (exact case); any other text gives no node steps")
+			Sub->add_option(
+				   "--mode", Mode, "Absolute, Relative or Tag (exact case); any other text gives no node steps")
 				->default_val("Absolute");
 			Sub->add_option("objects", Objects, "Object ids, or names that exactly one object has")->required();
 			return Sub;
@@ -77,8 +77,8 @@ namespace
 	public:
 		CLI::App* Register(CLI::App& Parent) override
 		{
-			CLI::App* Sub = Parent.add_subcommand("copy",
-				"Run a \"MenuTool\" command on a selection: log each Lodestring, copy it to the clipboard");
+			CLI::App* Sub = Parent.add_subcommand(
+				"copy", "Run a \"MenuTool\" command on a selection: log each Lodestring, copy it to the clipboard");
 			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
 			std::vector<std::string> Modes;
 			for (const FLodexCommandInfo& Command : GetMenuToolCommandSet().Commands)
@@ -88,8 +88,8 @@ namespace
 			Sub->add_option("--mode", Mode, "The command: Relative (\"Lodestring Relative\") or Absolute")
 				->required()
 				->check(CLI::IsMember(Modes));
-			Sub->add_option("--clipboard", ClipboardFile,
-				"Write the clipboard to this file instead of the system clipboard");
+			Sub->add_option(
+				"--clipboard", ClipboardFile, "Write the clipboard to this file instead of the system clipboard");
 			Sub->add_option("objects", Objects, "The selection, in order: object ids or unique names");
 			return Sub;
 		}
@@ -102,8 +102,8 @@ namespace
 			{
 				return LodexExitFailure;
 			}
-			FHostOutput Output(Io.Out, Io.Err, ClipboardFile.empty() ? EClipboardTarget::System : EClipboardTarget::File,
-				ClipboardFile);
+			FHostOutput Output(Io.Out, Io.Err,
+				ClipboardFile.empty() ? EClipboardTarget::System : EClipboardTarget::File, ClipboardFile);
 			PrintSelectedActorLodestrings(Scene, FListSelection(std::move(Resolved)), Output, Mode);
 			return Output.AllCopiesSucceeded() ? LodexExitOk : LodexExitFailure;
 		}

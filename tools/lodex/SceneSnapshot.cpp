@@ -74,7 +74,8 @@ const std::vector<std::string>& FSceneSnapshot::GetKinds()
 	return Kinds;
 }
 
-bool FSceneSnapshot::Parse(const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
+bool FSceneSnapshot::Parse(
+	const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
 {
 	FJson Root;
 	try

@@ -39,7 +39,8 @@ public:
 	 * Parses a snapshot. On failure returns false and sets OutError to one line that starts with
 	 * SourceName (and, for malformed JSON, the line and column).
 	 */
-	static bool Parse(const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError);
+	static bool Parse(
+		const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError);
 
 	/** Reads and parses a snapshot file. */
 	static bool LoadFile(const std::string& Path, FSceneSnapshot& Out, std::string& OutError);

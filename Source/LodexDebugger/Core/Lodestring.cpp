@@ -42,7 +42,8 @@ namespace LodestringPrivate
 			case ELodexObjectKind::WidgetTree:
 				return Graph.GetRootWidget(Object);
 			case ELodexObjectKind::Widget:
-				return Graph.IsOfClass(Object, ELodexClass::UserWidget) ? Graph.GetWidgetParent(Object) : FLodexObject();
+				return Graph.IsOfClass(Object, ELodexClass::UserWidget) ? Graph.GetWidgetParent(Object)
+																		: FLodexObject();
 			case ELodexObjectKind::Component:
 			case ELodexObjectKind::Other:
 				break;

@@ -14,7 +14,8 @@ namespace PathCommandsPrivate
 		std::vector<FLodexMenuEntryInfo> Entries;
 		for (const FLodexCommandInfo& Command : Set.Commands)
 		{
-			Entries.push_back({Command.CommandId, Command.CommandId, Command.Label, Command.Tooltip, "", "", Command.Mode});
+			Entries.push_back(
+				{Command.CommandId, Command.CommandId, Command.Label, Command.Tooltip, "", "", Command.Mode});
 		}
 		return Entries;
 	}
