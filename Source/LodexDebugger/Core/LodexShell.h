@@ -1,0 +1,220 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "LodexOutput.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** The module's name, as the module manager knows it. */
+inline constexpr const char* LodexModuleName = "LodexDebugger";
+
+/** The process-wide workspace group of the tab manager that holds every tab spawner of the module. */
+inline constexpr const char* LodexMenuRootGroupName = "Menu Root";
+
+/** The line the module writes to "LogTemp" at Warning verbosity when it shuts down. */
+inline constexpr const char* LodexShutdownMessage = "ShutdownModule() called";
+
+/** Engine modules the shell loads or looks for. */
+namespace LodexShellModules
+{
+	inline constexpr const char* LevelEditor = "LevelEditor";
+	inline constexpr const char* PropertyEditor = "PropertyEditor";
+	inline constexpr const char* Settings = "Settings";
+}
+
+/** The module listeners, in the order the module creates, starts and stops them. */
+enum class ELodexListener
+{
+	MenuTool,
+	TabTool,
+	RecorderTool,
+	ReplTool,
+	DetailsTool,
+};
+
+/** One tab tool: its tab's identity and texts, where its pull-down entry goes, and the panel a tab holds. */
+struct FLodexTabInfo
+{
+	ELodexListener Listener;
+	/** The tab's identifier (`TabName`), which is also the tool's name. */
+	const char* TabName;
+	/** `TabDisplayName`: the tab's label and its pull-down entry's label. */
+	const char* DisplayName;
+	/** `ToolTipText`: the tooltip of the tab's pull-down entry. */
+	const char* ToolTip;
+	/** The pull-down separator hook the tool's entry is placed before. */
+	const char* MenuHook;
+	/** The panel widget class a new tab of the tool holds. */
+	const char* PanelName;
+};
+
+/** One module listener: its name and, for the four tab tools, its tab. */
+struct FLodexListenerInfo
+{
+	ELodexListener Listener;
+	const char* Name;
+	/** Null for `MenuTool`, which owns no tab. */
+	const FLodexTabInfo* Tab;
+};
+
+/** The five listeners: `MenuTool`, `TabTool`, `RecorderTool`, `ReplTool`, `DetailsTool`. */
+const std::vector<FLodexListenerInfo>& GetLodexListeners();
+
+const FLodexListenerInfo& GetLodexListener(ELodexListener Listener);
+
+/** The four tab tools, in listener order. */
+const std::vector<FLodexTabInfo>& GetLodexTabs();
+
+/** The tab tool with the given `TabName` (compared exactly), or null. */
+const FLodexTabInfo* FindLodexTab(const std::string& TabName);
+
+/** The pull-down the module adds to the level editor's main menu bar. */
+struct FLodexPullDownInfo
+{
+	/** The menu-bar hook the pull-down is placed after. */
+	const char* AfterHook;
+	const char* Label;
+	const char* ToolTip;
+	const char* ExtensionHook;
+	const char* TutorialHighlightName;
+};
+
+const FLodexPullDownInfo& GetLodexPullDown();
+
+/** The content of the pull-down, built each time it opens: one section holding four separators. */
+struct FLodexPullDownContentInfo
+{
+	const char* SectionHook;
+	const char* SectionHeading;
+	/** The separators' extension hooks, top to bottom. */
+	std::vector<const char*> SeparatorHooks;
+};
+
+const FLodexPullDownContentInfo& GetLodexPullDownContent();
+
+/** The settings section the module removes at shut-down (it never registers it). */
+struct FLodexSettingsSectionInfo
+{
+	const char* Container;
+	const char* Category;
+	const char* Section;
+};
+
+const FLodexSettingsSectionInfo& GetLodexExampleSettingsSection();
+
+/** Where an extension goes relative to its hook, as the engine's `EExtensionHook` names it. */
+enum class ELodexExtensionPosition
+{
+	Before,
+	After,
+	First,
+};
+
+const char* GetLodexExtensionPositionName(ELodexExtensionPosition Position);
+
+/** The calls of a menu builder that the pull-down's content uses (the engine's `FMenuBuilder`). */
+class ILodexMenuBuilder
+{
+public:
+	virtual ~ILodexMenuBuilder() = default;
+	virtual void BeginSection(const char* ExtensionHook, const char* Heading) = 0;
+	virtual void AddMenuSeparator(const char* ExtensionHook) = 0;
+	virtual void EndSection() = 0;
+};
+
+/** Builds the pull-down's content: the "Veltrane" section with its four separator hooks in order. */
+void BuildLodexPullDownContent(ILodexMenuBuilder& Builder);
+
+/** The editor calls the module's start-up and shut-down make, in the order the shell makes them. */
+class ILodexShellHost
+{
+public:
+	virtual ~ILodexShellHost() = default;
+
+	/** Whether the editor runs as a commandlet. */
+	virtual bool IsRunningCommandlet() const = 0;
+	/** Whether the module manager has the named module loaded. */
+	virtual bool IsModuleLoaded(const char* ModuleName) const = 0;
+	/** Loads the named module, or fetches it when it is loaded already (`LoadModuleChecked`). */
+	virtual void LoadModule(const char* ModuleName) = 0;
+
+	/** Creates the module's menu extender (`MenuExtender`). */
+	virtual void CreateMenuExtender() = 0;
+	/** Creates the command list of the menu bar. */
+	virtual void CreateMenuBarCommandList() = 0;
+	/**
+	 * Adds a menu-bar extension to `MenuExtender` after the pull-down's hook, with the menu bar's command
+	 * list, whose builder adds the pull-down; the pull-down's content comes from BuildLodexPullDownContent.
+	 */
+	virtual void AddMenuBarExtension(const FLodexPullDownInfo& PullDown) = 0;
+	/** Adds `MenuExtender` to the level editor's menu extensibility manager. */
+	virtual void AddMenuExtenderToLevelEditor() = 0;
+
+	/** Creates the listener and appends it to the module's list (`ModuleListeners`). */
+	virtual void CreateListener(const FLodexListenerInfo& Listener) = 0;
+	/** Calls the listener's `OnStartupModule`. */
+	virtual void StartListener(const FLodexListenerInfo& Listener) = 0;
+	/** Calls the listener's `OnShutdownModule`. */
+	virtual void StopListener(const FLodexListenerInfo& Listener) = 0;
+
+	/** Removes a section from the "Settings" module (`ISettingsModule::UnregisterSettings`). */
+	virtual void UnregisterSettings(const FLodexSettingsSectionInfo& Section) = 0;
+};
+
+/** The module's start-up and shut-down, and its list of listeners in between. */
+class FLodexShell
+{
+public:
+	/**
+	 * Unless the editor runs as a commandlet: loads "LevelEditor", creates the menu extender and the menu
+	 * bar's command list, adds the pull-down after "Window", hands the extender to the level editor, then
+	 * creates the listeners and starts them in list order.
+	 */
+	void StartupModule(ILodexShellHost& Host);
+
+	/**
+	 * Logs "ShutdownModule() called" at Warning, fetches "PropertyEditor" when it is loaded, removes the
+	 * example settings section when "Settings" is loaded, then stops the listeners in list order.
+	 */
+	void ShutdownModule(ILodexShellHost& Host, ILodexOutput& Output);
+
+	/** Creates the five listeners, in list order, and appends them to the list. */
+	void AddModuleListeners(ILodexShellHost& Host);
+
+	/** The listeners created, in list order; empty under a commandlet. */
+	const std::vector<ELodexListener>& GetModuleListeners() const { return ModuleListeners; }
+
+private:
+	std::vector<ELodexListener> ModuleListeners;
+};
+
+/** The editor calls of a tab tool: the global tab manager and the module's menu extension service. */
+class ILodexTabHost
+{
+public:
+	virtual ~ILodexTabHost() = default;
+
+	/**
+	 * Registers a nomad tab spawner under the tab's `TabName` whose spawn function calls the tool's
+	 * `SpawnTab`, and sets on it the group (`GetMenuRoot()`), the display name and the tooltip; no icon.
+	 */
+	virtual void RegisterNomadTabSpawner(const FLodexTabInfo& Tab, const char* GroupName) = 0;
+	/** Removes the nomad tab spawner registered under the name. */
+	virtual void UnregisterNomadTabSpawner(const char* TabName) = 0;
+	/**
+	 * Asks the module to add a menu extension (`AddMenuExtension`) at the hook, with the tool's
+	 * `MakeMenuEntry` (which adds the spawner entry of the tab) and no command list.
+	 */
+	virtual void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position, const FLodexTabInfo& Tab) = 0;
+};
+
+/** The tab tool base's start-up, after `Initialize`: the tab's nomad spawner in the "Menu Root" group. */
+void RegisterLodexTabSpawner(ILodexTabHost& Host, const FLodexTabInfo& Tab);
+
+/** A tab tool's start-up: the base behaviour, then its pull-down entry before its menu hook. */
+void StartLodexTabTool(ILodexTabHost& Host, const FLodexTabInfo& Tab);
+
+/** A tab tool's shut-down: unregisters the spawner of its `TabName`. */
+void StopLodexTabTool(ILodexTabHost& Host, const FLodexTabInfo& Tab);
