@@ -1,0 +1,135 @@
+// Copyright Lodex contributors.
+#include "LodexInterop.h"
+
+#include "Blueprint/UserWidget.h"
+#include "Blueprint/WidgetTree.h"
+#include "Components/ActorComponent.h"
+#include "Components/PanelWidget.h"
+#include "Components/Widget.h"
+#include "Containers/StringConv.h"
+#include "GameFramework/Actor.h"
+#include "UObject/Class.h"
+#include "UObject/UnrealType.h"
+
+namespace LodexInterop
+{
+	std::string ToUtf8(const FString& Text)
+	{
+		const FTCHARToUTF8 Converted(*Text, Text.Len());
+		return std::string(Converted.Get(), static_cast<size_t>(Converted.Length()));
+	}
+
+	FString FromUtf8(const std::string& Text)
+	{
+		const FUTF8ToTCHAR Converted(Text.data(), static_cast<int32>(Text.size()));
+		return FString(Converted.Length(), Converted.Get());
+	}
+
+	FString FromUtf8(const char* Text)
+	{
+		return Text ? FromUtf8(std::string(Text)) : FString();
+	}
+
+	FText ToText(const char* Text)
+	{
+		return FText::FromString(FromUtf8(Text));
+	}
+
+	FName ToName(const char* Text)
+	{
+		return (Text && *Text) ? FName(*FromUtf8(Text)) : FName(NAME_None);
+	}
+
+	FLodexObject ToLodexObject(const UObject* Object)
+	{
+		return FLodexObject(Object);
+	}
+
+	UObject* ToUObject(FLodexObject Object)
+	{
+		return const_cast<UObject*>(static_cast<const UObject*>(Object.Ptr));
+	}
+}
+
+namespace LodexInteropPrivate
+{
+	UClass* GetEngineClass(ELodexClass Class)
+	{
+		switch (Class)
+		{
+			case ELodexClass::Actor:
+				return AActor::StaticClass();
+			case ELodexClass::WidgetTree:
+				return UWidgetTree::StaticClass();
+			case ELodexClass::Widget:
+				return UWidget::StaticClass();
+			case ELodexClass::UserWidget:
+				return UUserWidget::StaticClass();
+			case ELodexClass::ActorComponent:
+				return UActorComponent::StaticClass();
+		}
+		return nullptr;
+	}
+}
+
+bool FLodexUObjectGraph::IsOfClass(FLodexObject Object, ELodexClass Class) const
+{
+	const UObject* Engine = LodexInterop::ToUObject(Object);
+	const UClass* Base = LodexInteropPrivate::GetEngineClass(Class);
+	return Engine && Base && Engine->GetClass()->IsChildOf(Base);
+}
+
+std::string FLodexUObjectGraph::GetName(FLodexObject Object) const
+{
+	return LodexInterop::ToUtf8(LodexInterop::ToUObject(Object)->GetFName().ToString());
+}
+
+FLodexObject FLodexUObjectGraph::GetOuter(FLodexObject Object) const
+{
+	return LodexInterop::ToLodexObject(LodexInterop::ToUObject(Object)->GetOuter());
+}
+
+FLodexObject FLodexUObjectGraph::GetAttachParent(FLodexObject Object) const
+{
+	const AActor* Actor = Cast<AActor>(LodexInterop::ToUObject(Object));
+	return LodexInterop::ToLodexObject(Actor ? Actor->GetAttachParentActor() : nullptr);
+}
+
+FLodexObject FLodexUObjectGraph::GetWidgetParent(FLodexObject Object) const
+{
+	const UWidget* Widget = Cast<UWidget>(LodexInterop::ToUObject(Object));
+	return LodexInterop::ToLodexObject(Widget ? Widget->GetParent() : nullptr);
+}
+
+FLodexObject FLodexUObjectGraph::GetRootWidget(FLodexObject Object) const
+{
+	const UWidgetTree* Tree = Cast<UWidgetTree>(LodexInterop::ToUObject(Object));
+	return LodexInterop::ToLodexObject(Tree ? Tree->RootWidget.Get() : nullptr);
+}
+
+bool FLodexUObjectGraph::GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const
+{
+	OutTags.clear();
+	UObject* Engine = LodexInterop::ToUObject(Object);
+	const FArrayProperty* TagsProperty =
+		CastField<FArrayProperty>(Engine->GetClass()->FindPropertyByName(TEXT("Tags")));
+	if (!TagsProperty || !TagsProperty->Inner || !TagsProperty->Inner->IsA<FNameProperty>())
+	{
+		return false;
+	}
+	FScriptArrayHelper Tags(TagsProperty, TagsProperty->ContainerPtrToValuePtr<void>(Engine));
+	OutTags.reserve(static_cast<size_t>(Tags.Num()));
+	for (int32 Index = 0; Index < Tags.Num(); ++Index)
+	{
+		const FName& Tag = FNameProperty::GetPropertyValue(Tags.GetRawPtr(Index));
+		OutTags.push_back(LodexInterop::ToUtf8(Tag.ToString()));
+	}
+	return true;
+}
+
+FString BuildLodestring(UObject* Object, const FString& Mode)
+{
+	const FLodexUObjectGraph Graph;
+	return LodexInterop::FromUtf8(
+		BuildLodestring(Graph, LodexInterop::ToLodexObject(Object), LodexInterop::ToUtf8(Mode)));
+}

@@ -1,0 +1,49 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "CoreMinimal.h"
+
+#include "LodexDebugger/Core/Lodestring.h"
+#include "LodexDebugger/Core/LodexObjectGraph.h"
+
+#include <string>
+
+class UObject;
+
+/** The conversions between the engine's types and the core's: UTF-8 text and object handles. */
+namespace LodexInterop
+{
+	/** The engine string as UTF-8 bytes; every character survives, "Tür" and "用户" included. */
+	std::string ToUtf8(const FString& Text);
+
+	/** The UTF-8 text as an engine string. */
+	FString FromUtf8(const std::string& Text);
+	FString FromUtf8(const char* Text);
+
+	/** A display text made from the UTF-8 string as it stands (not localised). */
+	FText ToText(const char* Text);
+
+	/** A name made from the UTF-8 text; an empty or null text gives NAME_None. */
+	FName ToName(const char* Text);
+
+	FLodexObject ToLodexObject(const UObject* Object);
+	UObject* ToUObject(FLodexObject Object);
+}
+
+/** The core's object-graph view answered by the engine's reflected objects. */
+class FLodexUObjectGraph final : public ILodexObjectGraph
+{
+public:
+	//~ Begin ILodexObjectGraph Interface
+	virtual bool IsOfClass(FLodexObject Object, ELodexClass Class) const override;
+	virtual std::string GetName(FLodexObject Object) const override;
+	virtual FLodexObject GetOuter(FLodexObject Object) const override;
+	virtual FLodexObject GetAttachParent(FLodexObject Object) const override;
+	virtual FLodexObject GetWidgetParent(FLodexObject Object) const override;
+	virtual FLodexObject GetRootWidget(FLodexObject Object) const override;
+	virtual bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override;
+	//~ End ILodexObjectGraph Interface
+};
+
+/** The Lodestring of a non-null object in the given mode ("Absolute", "Relative", "Tag"), as the core builds it. */
+FString BuildLodestring(UObject* Object, const FString& Mode);
