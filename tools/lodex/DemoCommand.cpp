@@ -1,12 +1,15 @@
 // Copyright Lodex contributors.
+#include "EditorModel.h"
 #include "HostOutput.h"
 #include "ListSelection.h"
 #include "LodexCli.h"
 #include "SampleData.h"
 #include "SceneSnapshot.h"
 #include "TextTable.h"
+#include "TextTree.h"
 
 #include "LodexDebugger/Core/Lodestring.h"
+#include "LodexDebugger/Core/LodexShell.h"
 #include "LodexDebugger/Core/PathCommands.h"
 
 #include <CLI/CLI.hpp>
@@ -60,6 +63,113 @@ namespace
 		return true;
 	}
 
+	std::string Quote(const std::string& Text)
+	{
+		return "\"" + Text + "\"";
+	}
+
+	void AddPullDown(const FEditorModel& Editor, FTextTreeNode& Root)
+	{
+		FTextTreeNode& MenuBar = Root.Add("Main menu bar of the level editor");
+		for (const FLodexPullDownInfo* PullDown : Editor.GetMenuBarPullDowns())
+		{
+			FTextTreeNode& Menu = MenuBar.Add(Quote(PullDown->Label) + ", after " + Quote(PullDown->AfterHook) +
+				" (tooltip " + Quote(PullDown->ToolTip) + ")");
+			FTextTreeNode* Section = &Menu;
+			for (const FLodexMenuItem& Item : Editor.OpenPullDown())
+			{
+				switch (Item.Kind)
+				{
+					case ELodexMenuItemKind::Heading:
+						Section = &Menu.Add("section " + Quote(Item.Text));
+						break;
+					case ELodexMenuItemKind::Entry:
+						Section->Add(
+							Quote(Item.Text) + " opens the tab " + Item.Id + " (tooltip " + Quote(Item.ToolTip) + ")");
+						break;
+					case ELodexMenuItemKind::Separator:
+						Section->Add("──── separator " + Item.Id);
+						break;
+				}
+			}
+		}
+	}
+
+	void AddTabs(const FEditorModel& Editor, FTextTreeNode& Root)
+	{
+		FTextTreeNode& Tabs = Root.Add("Tabs (nomad tab spawners)");
+		for (const FLodexTabSpawnerEntry& Spawner : Editor.GetTabSpawners().GetSpawners())
+		{
+			FTextTreeNode& Tab = Tabs.Add(Spawner.TabName + ": " + Quote(Spawner.DisplayName));
+			Tab.Add("tooltip " + Quote(Spawner.ToolTip));
+			Tab.Add("group " + Quote(Spawner.GroupName));
+			if (const FLodexTabInfo* Info = FindLodexTab(Spawner.TabName))
+			{
+				Tab.Add(std::string("holds a new ") + Info->PanelName + " each time it opens");
+			}
+		}
+	}
+
+	void AddContextMenus(FTextTreeNode& Root)
+	{
+		FTextTreeNode& Menus = Root.Add("Context menus");
+		for (const FLodexMenuInfo& Menu : GetLodexContextMenus())
+		{
+			std::string Where = Menu.Where;
+			if (*Menu.ExtensionHook != '\0')
+			{
+				Where += std::string(" (before the hook ") + Quote(Menu.ExtensionHook) + ")";
+			}
+			else if (Menu.Kind == ELodexMenuKind::ComponentsTree)
+			{
+				Where += std::string(" (extends the tool menu ") + Quote(Menu.AddedThrough) + ")";
+			}
+			else
+			{
+				Where += std::string(" (built by ") + Menu.AddedThrough + ")";
+			}
+			FTextTreeNode& Kind = Menus.Add(Where);
+			FTextTreeNode& Section =
+				Kind.Add("section " + Quote(Menu.SectionName) + ", heading " + Quote(Menu.SectionHeading));
+			FTextTreeNode& SubMenu =
+				Section.Add("sub-menu " + Quote(Menu.SubMenuLabel) + " (tooltip " + Quote(Menu.SubMenuTooltip) + ")");
+			FTextTreeNode* Entries = &SubMenu;
+			if (*Menu.InnerSectionName != '\0')
+			{
+				Entries = &SubMenu.Add("section " + Quote(Menu.InnerSectionName));
+			}
+			for (const FLodexMenuEntryInfo& Entry : Menu.Entries)
+			{
+				std::string Line = Quote(Entry.Label);
+				if (Entry.CommandId != nullptr)
+				{
+					Line += std::string(" (") + Menu.CommandSet + "." + Entry.CommandId + ")";
+				}
+				Entries->Add(Line + " prints the " + Entry.Mode + " Lodestring (tooltip " + Quote(Entry.Tooltip) + ")");
+			}
+		}
+	}
+
+	/** Runs the module's start-up on a model of the editor and shows what it added, then its shut-down. */
+	void PrintEditorShell(FLodexCliIo& Io)
+	{
+		FEditorModel Editor;
+		FLodexShell Shell;
+		Shell.StartupModule(Editor);
+
+		Io.Out << "\nWhat the module adds to the level editor\n\n";
+		FTextTreeNode Root{LodexModuleName, {}};
+		AddPullDown(Editor, Root);
+		AddTabs(Editor, Root);
+		AddContextMenus(Root);
+		Io.Out << RenderTextTree(Root);
+
+		Io.Out << "\nUnloading the module\n\n";
+		FHostOutput Output(Io.Out, Io.Err, EClipboardTarget::Memory);
+		Shell.ShutdownModule(Editor, Output);
+		Io.Out << "\nTab spawners left: " << Editor.GetTabSpawners().GetSpawners().size() << "\n";
+	}
+
 	class FDemoCommand final : public ILodexCommand
 	{
 	public:
@@ -82,6 +192,7 @@ namespace
 			{
 				return LodexExitFailure;
 			}
+			PrintEditorShell(Io);
 			return LodexExitOk;
 		}
 	};
