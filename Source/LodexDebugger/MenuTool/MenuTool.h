@@ -22,6 +22,8 @@ class MenuTool
 	, public TSharedFromThis<MenuTool>
 {
 public:
+	virtual ~MenuTool() override = default;
+
 	//~ Begin IModuleListenerInterface Interface
 	virtual void OnStartupModule() override;
 	virtual void OnShutdownModule() override;

@@ -6,6 +6,9 @@
 #include "Modules/ModuleInterface.h"
 #include "ModuleListenerInterface.h"
 
+#include "LodexDebugger/Core/LodexShell.h"
+
+class FLodexShellHost;
 class FMenuBarBuilder;
 class FMenuBuilder;
 class FUICommandList;
@@ -20,7 +23,7 @@ public:
 	virtual void ShutdownModule() override;
 	//~ End IModuleInterface Interface
 
-	/** Fills ModuleListeners, in start-up order. */
+	/** Creates the module listeners, in start-up order: MenuTool, TabTool, RecorderTool, ReplTool, DetailsTool. */
 	virtual void AddModuleListeners();
 
 	/** The loaded module. */
@@ -38,9 +41,18 @@ protected:
 	TArray<TSharedRef<IModuleListenerInterface>> ModuleListeners;
 	TSharedPtr<FExtender> MenuExtender;
 
+	/** "Menu Root": made when the module's library is loaded, kept for the whole process. */
 	static TSharedRef<FWorkspaceItem> MenuRoot;
 
 private:
-	void MakePulldownMenu(FMenuBarBuilder& MenuBarBuilder);
+	friend class FLodexShellHost;
+
+	void MakePulldownMenu(FMenuBarBuilder& MenuBarBuilder, const FLodexPullDownInfo* PullDown);
 	void FillPulldownMenu(FMenuBuilder& MenuBuilder);
+
+	/** The listener created for the shell's list entry, or null. */
+	TSharedPtr<IModuleListenerInterface> FindModuleListener(ELodexListener Listener) const;
+
+	FLodexShell Shell;
+	TSharedPtr<FUICommandList> MenuBarCommandList;
 };

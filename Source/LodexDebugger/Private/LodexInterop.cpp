@@ -49,6 +49,46 @@ namespace LodexInterop
 	{
 		return const_cast<UObject*>(static_cast<const UObject*>(Object.Ptr));
 	}
+
+	FLinearColor ToLinearColor(const FLodexStyleColor& Color)
+	{
+		switch (Color.Kind)
+		{
+			case ELodexColorKind::Color8:
+				return FLinearColor(FColor(static_cast<uint8>(Color.R), static_cast<uint8>(Color.G),
+					static_cast<uint8>(Color.B), static_cast<uint8>(Color.A)));
+			case ELodexColorKind::Linear:
+				return FLinearColor(Color.R, Color.G, Color.B, Color.A);
+			case ELodexColorKind::UseForeground:
+				break;
+		}
+		return FLinearColor::White;
+	}
+
+	FSlateColor ToSlateColor(const FLodexStyleColor& Color)
+	{
+		return Color.Kind == ELodexColorKind::UseForeground ? FSlateColor::UseForeground()
+															: FSlateColor(ToLinearColor(Color));
+	}
+
+	FVector2D ToVector2D(const FLodexVector2& Vector)
+	{
+		return FVector2D(Vector.X, Vector.Y);
+	}
+
+	EExtensionHook::Position ToExtensionHookPosition(ELodexExtensionPosition Position)
+	{
+		switch (Position)
+		{
+			case ELodexExtensionPosition::Before:
+				return EExtensionHook::Before;
+			case ELodexExtensionPosition::After:
+				return EExtensionHook::After;
+			case ELodexExtensionPosition::First:
+				return EExtensionHook::First;
+		}
+		return EExtensionHook::Before;
+	}
 }
 
 namespace LodexInteropPrivate

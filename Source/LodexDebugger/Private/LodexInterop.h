@@ -2,9 +2,13 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Framework/MultiBox/MultiBoxExtender.h"
+#include "Styling/SlateColor.h"
 
 #include "LodexDebugger/Core/Lodestring.h"
 #include "LodexDebugger/Core/LodexObjectGraph.h"
+#include "LodexDebugger/Core/LodexShell.h"
+#include "LodexDebugger/Core/LodexStyle.h"
 
 #include <string>
 
@@ -28,6 +32,16 @@ namespace LodexInterop
 
 	FLodexObject ToLodexObject(const UObject* Object);
 	UObject* ToUObject(FLodexObject Object);
+
+	/** A linear or 8-bit colour as a linear colour; the foreground colour has none and gives white. */
+	FLinearColor ToLinearColor(const FLodexStyleColor& Color);
+
+	/** A style colour as a Slate colour: the widget's foreground, or the colour itself. */
+	FSlateColor ToSlateColor(const FLodexStyleColor& Color);
+
+	FVector2D ToVector2D(const FLodexVector2& Vector);
+
+	EExtensionHook::Position ToExtensionHookPosition(ELodexExtensionPosition Position);
 }
 
 /** The core's object-graph view answered by the engine's reflected objects. */

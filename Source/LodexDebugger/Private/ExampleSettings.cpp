@@ -1,0 +1,2 @@
+// Copyright Lodex contributors.
+#include "LodexDebugger/ExampleSettings.h"

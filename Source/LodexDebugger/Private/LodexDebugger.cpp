@@ -1,0 +1,208 @@
+// Copyright Lodex contributors.
+#include "LodexDebugger.h"
+
+#include "Framework/Commands/UICommandList.h"
+#include "Framework/Docking/WorkspaceItem.h"
+#include "Framework/MultiBox/MultiBoxBuilder.h"
+#include "ISettingsModule.h"
+#include "LevelEditor.h"
+#include "LodexDebugger/DetailsView/DetailsTool.h"
+#include "LodexDebugger/LodexReplTool/ReplTool.h"
+#include "LodexDebugger/MenuTool/MenuTool.h"
+#include "LodexDebugger/RecorderTool/RecorderTool.h"
+#include "LodexDebugger/TabTool/TabTool.h"
+#include "LodexDebuggerCommands.h"
+#include "LodexEditorAdapters.h"
+#include "LodexInterop.h"
+#include "Modules/ModuleManager.h"
+
+/** The pull-down's content calls, made on the engine's menu builder. */
+class FLodexPulldownMenuBuilder final : public ILodexMenuBuilder
+{
+public:
+	explicit FLodexPulldownMenuBuilder(FMenuBuilder& InMenuBuilder)
+		: MenuBuilder(InMenuBuilder)
+	{
+	}
+
+	//~ Begin ILodexMenuBuilder Interface
+	virtual void BeginSection(const char* ExtensionHook, const char* Heading) override
+	{
+		MenuBuilder.BeginSection(LodexInterop::ToName(ExtensionHook), LodexInterop::ToText(Heading));
+	}
+
+	virtual void AddMenuSeparator(const char* ExtensionHook) override
+	{
+		MenuBuilder.AddMenuSeparator(LodexInterop::ToName(ExtensionHook));
+	}
+
+	virtual void EndSection() override { MenuBuilder.EndSection(); }
+	//~ End ILodexMenuBuilder Interface
+
+private:
+	FMenuBuilder& MenuBuilder;
+};
+
+/** The editor calls of the module's start-up and shut-down, in the order the shell makes them. */
+class FLodexShellHost final : public ILodexShellHost
+{
+public:
+	explicit FLodexShellHost(FLodexDebugger& InModule)
+		: Module(InModule)
+	{
+	}
+
+	//~ Begin ILodexShellHost Interface
+	virtual bool IsRunningCommandlet() const override { return ::IsRunningCommandlet(); }
+
+	virtual bool IsModuleLoaded(const char* ModuleName) const override
+	{
+		return FModuleManager::Get().IsModuleLoaded(LodexInterop::ToName(ModuleName));
+	}
+
+	virtual void LoadModule(const char* ModuleName) override
+	{
+		FModuleManager::Get().LoadModuleChecked(LodexInterop::ToName(ModuleName));
+	}
+
+	virtual void CreateMenuExtender() override { Module.MenuExtender = MakeShareable(new FExtender); }
+
+	virtual void CreateMenuBarCommandList() override
+	{
+		Module.MenuBarCommandList = MakeShareable(new FUICommandList);
+		FLodexDebuggerCommands::Register();
+	}
+
+	virtual void AddMenuBarExtension(const FLodexPullDownInfo& PullDown) override
+	{
+		Module.MenuExtender->AddMenuBarExtension(LodexInterop::ToName(PullDown.AfterHook), EExtensionHook::After,
+			Module.MenuBarCommandList,
+			FMenuBarExtensionDelegate::CreateRaw(&Module, &FLodexDebugger::MakePulldownMenu, &PullDown));
+	}
+
+	virtual void AddMenuExtenderToLevelEditor() override
+	{
+		FLevelEditorModule& LevelEditorModule =
+			FModuleManager::LoadModuleChecked<FLevelEditorModule>(LodexInterop::ToName(LodexShellModules::LevelEditor));
+		LevelEditorModule.GetMenuExtensibilityManager()->AddExtender(Module.MenuExtender);
+	}
+
+	virtual void CreateListener(const FLodexListenerInfo& Listener) override
+	{
+		switch (Listener.Listener)
+		{
+			case ELodexListener::MenuTool:
+				Module.ModuleListeners.Add(MakeShareable(new MenuTool));
+				break;
+			case ELodexListener::TabTool:
+				Module.ModuleListeners.Add(MakeShareable(new TabTool));
+				break;
+			case ELodexListener::RecorderTool:
+				Module.ModuleListeners.Add(MakeShareable(new RecorderTool));
+				break;
+			case ELodexListener::ReplTool:
+				Module.ModuleListeners.Add(MakeShareable(new ReplTool));
+				break;
+			case ELodexListener::DetailsTool:
+				Module.ModuleListeners.Add(MakeShareable(new DetailsTool));
+				break;
+		}
+	}
+
+	virtual void StartListener(const FLodexListenerInfo& Listener) override
+	{
+		if (const TSharedPtr<IModuleListenerInterface> ModuleListener = Module.FindModuleListener(Listener.Listener))
+		{
+			ModuleListener->OnStartupModule();
+		}
+	}
+
+	virtual void StopListener(const FLodexListenerInfo& Listener) override
+	{
+		if (const TSharedPtr<IModuleListenerInterface> ModuleListener = Module.FindModuleListener(Listener.Listener))
+		{
+			ModuleListener->OnShutdownModule();
+		}
+	}
+
+	virtual void UnregisterSettings(const FLodexSettingsSectionInfo& Section) override
+	{
+		if (ISettingsModule* SettingsModule =
+				FModuleManager::GetModulePtr<ISettingsModule>(LodexInterop::ToName(LodexShellModules::Settings)))
+		{
+			SettingsModule->UnregisterSettings(LodexInterop::ToName(Section.Container),
+				LodexInterop::ToName(Section.Category), LodexInterop::ToName(Section.Section));
+		}
+	}
+	//~ End ILodexShellHost Interface
+
+private:
+	FLodexDebugger& Module;
+};
+
+TSharedRef<FWorkspaceItem> FLodexDebugger::MenuRoot = FWorkspaceItem::NewGroup(FText::FromString(TEXT("Menu Root")));
+
+void FLodexDebugger::StartupModule()
+{
+	FLodexShellHost Host(*this);
+	Shell.StartupModule(Host);
+}
+
+void FLodexDebugger::ShutdownModule()
+{
+	FLodexShellHost Host(*this);
+	FLodexEditorOutput Output;
+	Shell.ShutdownModule(Host, Output);
+	if (FLodexDebuggerCommands::IsRegistered())
+	{
+		FLodexDebuggerCommands::Unregister();
+	}
+}
+
+void FLodexDebugger::AddModuleListeners()
+{
+	FLodexShellHost Host(*this);
+	Shell.AddModuleListeners(Host);
+}
+
+FLodexDebugger& FLodexDebugger::Get()
+{
+	return FModuleManager::LoadModuleChecked<FLodexDebugger>(LodexInterop::ToName(LodexModuleName));
+}
+
+void FLodexDebugger::AddMenuExtension(const FMenuExtensionDelegate& ExtensionDelegate, FName ExtensionHook,
+	const TSharedPtr<FUICommandList>& CommandList, EExtensionHook::Position Position)
+{
+	if (MenuExtender.IsValid())
+	{
+		MenuExtender->AddMenuExtension(ExtensionHook, Position, CommandList, ExtensionDelegate);
+	}
+}
+
+void FLodexDebugger::MakePulldownMenu(FMenuBarBuilder& MenuBarBuilder, const FLodexPullDownInfo* PullDown)
+{
+	MenuBarBuilder.AddPullDownMenu(LodexInterop::ToText(PullDown->Label), LodexInterop::ToText(PullDown->ToolTip),
+		FNewMenuDelegate::CreateRaw(this, &FLodexDebugger::FillPulldownMenu),
+		LodexInterop::ToName(PullDown->ExtensionHook), LodexInterop::ToName(PullDown->TutorialHighlightName));
+}
+
+void FLodexDebugger::FillPulldownMenu(FMenuBuilder& MenuBuilder)
+{
+	FLodexPulldownMenuBuilder Builder(MenuBuilder);
+	BuildLodexPullDownContent(Builder);
+}
+
+TSharedPtr<IModuleListenerInterface> FLodexDebugger::FindModuleListener(ELodexListener Listener) const
+{
+	const std::vector<ELodexListener>& Listeners = Shell.GetModuleListeners();
+	for (int32 Index = 0; Index < ModuleListeners.Num() && Index < static_cast<int32>(Listeners.size()); ++Index)
+	{
+		if (Listeners[static_cast<size_t>(Index)] == Listener)
+		{
+			return ModuleListeners[Index];
+		}
+	}
+	return nullptr;
+}
+
+IMPLEMENT_MODULE(FLodexDebugger, LodexDebugger)
