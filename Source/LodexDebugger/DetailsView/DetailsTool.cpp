@@ -10,11 +10,6 @@ void DetailsTool::OnStartupModule()
 	StartupWithMenuEntry();
 }
 
-void DetailsTool::OnShutdownModule()
-{
-	ExampleTabToolBase::OnShutdownModule();
-}
-
 void DetailsTool::Initialize()
 {
 	InitializeFromTabTable(ELodexListener::DetailsTool);

@@ -12,7 +12,6 @@ public:
 
 	//~ Begin ExampleTabToolBase Interface
 	virtual void OnStartupModule() override;
-	virtual void OnShutdownModule() override;
 	virtual void Initialize() override;
 	virtual TSharedRef<SDockTab> SpawnTab(const FSpawnTabArgs& TabSpawnArgs) override;
 	//~ End ExampleTabToolBase Interface

@@ -47,8 +47,6 @@ protected:
 	FText ToolTipText;
 
 private:
-	friend class FLodexTabToolHost;
-
 	/** The tool's row of the tab table; null until a tool's Initialize takes one. */
 	const FLodexTabInfo* TabInfo = nullptr;
 };

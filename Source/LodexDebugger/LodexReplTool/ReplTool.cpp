@@ -10,11 +10,6 @@ void ReplTool::OnStartupModule()
 	StartupWithMenuEntry();
 }
 
-void ReplTool::OnShutdownModule()
-{
-	ExampleTabToolBase::OnShutdownModule();
-}
-
 void ReplTool::Initialize()
 {
 	InitializeFromTabTable(ELodexListener::ReplTool);

@@ -10,11 +10,6 @@ void RecorderTool::OnStartupModule()
 	StartupWithMenuEntry();
 }
 
-void RecorderTool::OnShutdownModule()
-{
-	ExampleTabToolBase::OnShutdownModule();
-}
-
 void RecorderTool::Initialize()
 {
 	InitializeFromTabTable(ELodexListener::RecorderTool);

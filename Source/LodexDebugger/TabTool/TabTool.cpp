@@ -10,11 +10,6 @@ void TabTool::OnStartupModule()
 	StartupWithMenuEntry();
 }
 
-void TabTool::OnShutdownModule()
-{
-	ExampleTabToolBase::OnShutdownModule();
-}
-
 void TabTool::Initialize()
 {
 	InitializeFromTabTable(ELodexListener::TabTool);
