@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "EditorModel.h"
+#include "LodexCli.h"
 
 #include "LodexDebugger/Core/LodexExamplePanel.h"
 #include "LodexDebugger/Core/LodexMenuModel.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -549,5 +551,50 @@ namespace
 			(std::vector<float>{192.0f, 192.0f, 192.0f, 255.0f}));
 		EXPECT_EQ(Panel.BorderPadding, 15.0f);
 		EXPECT_STREQ(Panel.Text, "This is a tab example.");
+	}
+	TEST(LodexDemo, ShowsThePullDownTheTabsAndTheContextMenusInOrder)
+	{
+		std::ostringstream Out;
+		std::ostringstream Err;
+		ASSERT_EQ(RunLodexCli({"demo"}, Out, Err), 0) << Err.str();
+		const std::string Text = Out.str();
+		const std::vector<std::string> InOrder{
+			"What the module adds to the level editor\n",
+			"│   └── \"VELT Lode String Debugger\", after \"Window\" (tooltip \"Open the Lode String Debugger "
+			"menu\")\n",
+			"│       └── section \"Veltrane\"\n",
+			"│           ├── \"Lodestring Debugger\" opens the tab TabTool (tooltip \"Lodestring Debugger Window\")\n",
+			"│           ├── ──── separator LODEX\n",
+			"│           ├── \"Input Recorder\" opens the tab RecorderTool (tooltip \"Record User Input\")\n",
+			"│           ├── \"Lodex REPL\" opens the tab ReplTool",
+			"│           ├── \"Object Explorer\" opens the tab DetailsTool (tooltip \"Explore the values, componenets, "
+			"and available methods in selected objects\")\n",
+			"│           └── ──── separator DETAILS_TOOL\n",
+			"├── Tabs (nomad tab spawners)\n",
+			"│   ├── TabTool: \"Lodestring Debugger\"\n",
+			"│   ├── RecorderTool: \"Input Recorder\"\n",
+			"│   ├── ReplTool: \"Lodex REPL\"\n",
+			"│   └── DetailsTool: \"Object Explorer\"\n",
+			"└── Context menus\n",
+			"    ├── Scene outliner actor menu (before the hook \"LevelEditor.SceneOutlinerContextMenu\")\n",
+			"    │       └── sub-menu \"Lodestring\" (tooltip \"Print the Lodestring reference for use in Veltrane "
+			"tests.\")\n",
+			"    ├── Level viewport actor menu (before the hook \"ActorType\")\n",
+			"    ├── Components tree menu of the object explorer (extends the tool menu "
+			"\"Kismet.SCSEditorContextMenu\")\n",
+			"    │           └── section \"VelTrane\"\n",
+			"    └── Lists of the object explorer (built by the list's context-menu handler)\n",
+			"                ├── \"Lodestring Relative\" (DetailToolA.DetailCommand1) prints the Relative Lodestring "
+			"(tooltip \"Print the Lodestring to the console\")\n",
+			"LogTemp: Warning: ShutdownModule() called\n",
+			"Tab spawners left: 0\n",
+		};
+		std::size_t From = 0;
+		for (const std::string& Expected : InOrder)
+		{
+			const std::size_t At = Text.find(Expected, From);
+			ASSERT_NE(At, std::string::npos) << "missing, or out of order: " << Expected << "\n" << Text;
+			From = At + Expected.size();
+		}
 	}
 }
