@@ -8,6 +8,7 @@ packages=(
   libbenchmark-dev
   nlohmann-json3-dev
   libcli11-dev
+  zlib1g-dev
 )
 
 missing=()

@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "Clipboard.h"
+#include "JsonErrors.h"
 #include "LodexCli.h"
 
 #include "LodexDebugger/Core/LodexShell.h"
@@ -79,40 +80,6 @@ namespace
 		Buffer << In.rdbuf();
 		OutText = Buffer.str();
 		return !In.bad();
-	}
-
-	/** Line and column (from 1, columns in characters) of the byte at Offset (from 1, as the parser counts). */
-	std::string DescribeJsonOffset(const std::string& Text, std::size_t Offset)
-	{
-		std::size_t Line = 1;
-		std::size_t Column = 1;
-		const std::size_t End = Offset > 0 ? std::min(Offset - 1, Text.size()) : 0;
-		for (std::size_t Index = 0; Index < End; ++Index)
-		{
-			if (Text[Index] == '\n')
-			{
-				++Line;
-				Column = 1;
-			}
-			else if ((static_cast<unsigned char>(Text[Index]) & 0xC0) != 0x80)
-			{
-				++Column;
-			}
-		}
-		return std::to_string(Line) + ":" + std::to_string(Column);
-	}
-
-	/** The parser's reason without its "[json.exception...] parse error at line L, column C: " prefix. */
-	std::string JsonErrorReason(const std::string& What)
-	{
-		const std::size_t Column = What.find("column ");
-		const std::size_t Colon = Column != std::string::npos ? What.find(": ", Column) : std::string::npos;
-		if (Colon != std::string::npos)
-		{
-			return What.substr(Colon + 2);
-		}
-		const std::size_t Bracket = What.find("] ");
-		return Bracket != std::string::npos ? What.substr(Bracket + 2) : What;
 	}
 
 	/** Whether the file can really be opened for writing (a permission check alone is wrong for root). */
@@ -412,8 +379,8 @@ namespace
 			}
 			catch (const FOrderedJson::parse_error& ParseError)
 			{
-				OutError = Shown + ":" + DescribeJsonOffset(Plan.DescriptorText, ParseError.byte) +
-					": not valid JSON: " + JsonErrorReason(ParseError.what());
+				OutError = Shown + ":" + DescribeJsonPosition(Plan.DescriptorText, ParseError.byte) +
+					": not valid JSON: " + DescribeJsonParseReason(ParseError.what());
 				return false;
 			}
 			if (!Descriptor.is_object())

@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "SceneSnapshot.h"
 
+#include "JsonErrors.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -11,46 +13,6 @@
 namespace
 {
 	using FJson = nlohmann::json;
-
-	/**
-	 * Line and column (both from 1) of the byte at Offset (from 1, as the JSON parser counts). Columns count
-	 * characters, not bytes, so that they match an editor's on lines with non-ASCII names.
-	 */
-	std::string DescribePosition(const std::string& Text, std::size_t Offset)
-	{
-		std::size_t Line = 1;
-		std::size_t Column = 1;
-		const std::size_t End = Offset > 0 ? std::min(Offset - 1, Text.size()) : 0;
-		for (std::size_t Index = 0; Index < End; ++Index)
-		{
-			if (Text[Index] == '\n')
-			{
-				++Line;
-				Column = 1;
-			}
-			else if ((static_cast<unsigned char>(Text[Index]) & 0xC0) != 0x80)
-			{
-				++Column;
-			}
-		}
-		return std::to_string(Line) + ":" + std::to_string(Column);
-	}
-
-	/** The parser's explanation without its "[json.exception...] parse error at line L, column C: " prefix. */
-	std::string ParseErrorReason(const std::string& What)
-	{
-		const std::size_t Column = What.find("column ");
-		if (Column != std::string::npos)
-		{
-			const std::size_t Colon = What.find(": ", Column);
-			if (Colon != std::string::npos)
-			{
-				return What.substr(Colon + 2);
-			}
-		}
-		const std::size_t Bracket = What.find("] ");
-		return Bracket != std::string::npos ? What.substr(Bracket + 2) : What;
-	}
 
 	const char* JsonTypeName(const FJson& Value)
 	{
@@ -84,7 +46,8 @@ bool FSceneSnapshot::Parse(
 	}
 	catch (const FJson::parse_error& Error)
 	{
-		OutError = SourceName + ":" + DescribePosition(Text, Error.byte) + ": " + ParseErrorReason(Error.what());
+		OutError =
+			SourceName + ":" + DescribeJsonPosition(Text, Error.byte) + ": " + DescribeJsonParseReason(Error.what());
 		return false;
 	}
 
