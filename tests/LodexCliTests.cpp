@@ -1,4 +1,5 @@
 // Copyright Lodex contributors.
+#include "LodestringCases.h"
 #include "LodexCli.h"
 #include "TempDir.h"
 
@@ -39,40 +40,13 @@ namespace
 		return Lines;
 	}
 
-	/** Every shape of the walk, one object each. */
-	const char* const EdgeScene = R"({"objects": [
-  {"id": "lvl", "kind": "other", "name": "PersistentLevel"},
-  {"id": "house", "kind": "actor", "name": "House", "outer": "lvl", "tags": ["bldg"]},
-  {"id": "door", "kind": "actor", "name": "Door", "outer": "lvl", "attachParent": "house", "tags": ["locked", "red"]},
-  {"id": "hinge", "kind": "component", "name": "Hinge", "outer": "door"},
-  {"id": "shed", "kind": "actor", "name": "Shed", "outer": "lvl"},
-  {"id": "shedDoor", "kind": "actor", "name": "ShedDoor", "outer": "lvl", "attachParent": "shed", "tags": ["locked"]},
-  {"id": "a", "kind": "actor", "name": "A", "outer": "lvl", "tags": ["t1", "t2", "t3"]},
-  {"id": "a1", "kind": "actor", "name": "A1", "outer": "lvl", "tags": ["t1"]},
-  {"id": "a0", "kind": "actor", "name": "A0", "outer": "lvl", "tags": []},
-  {"id": "comp", "kind": "component", "name": "Comp", "outer": "a"},
-  {"id": "levelComp", "kind": "component", "name": "Comp", "outer": "lvl"},
-  {"id": "fog", "kind": "other", "name": "Fog", "outer": "lvl"},
-  {"id": "panel", "kind": "widget", "name": "Panel"},
-  {"id": "w", "kind": "widget", "name": "W", "widgetParent": "panel"},
-  {"id": "user", "kind": "userWidget", "name": "UserWidget", "widgetParent": "panel"},
-  {"id": "bob", "kind": "actor", "name": "Bob's", "outer": "lvl"}
-]})";
-
-	struct FPathRow
-	{
-		const char* Object;
-		const char* Mode;
-		const char* Expected;
-	};
-
 	class LodexCli : public ::testing::Test
 	{
 	protected:
 		void SetUp() override
 		{
 			ASSERT_FALSE(Dir.Path.empty());
-			ScenePath = Dir.Write("scene.json", EdgeScene);
+			ScenePath = Dir.Write("scene.json", LodestringCases::Scene);
 		}
 		FTempDir Dir;
 		std::string ScenePath;
@@ -80,35 +54,7 @@ namespace
 
 	TEST_F(LodexCli, PathPrintsEveryShapeExactly)
 	{
-		const FPathRow Rows[] = {
-			{"hinge", "Absolute", "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')"},
-			{"hinge", "Relative", "//Door/fn:component('Hinge')"},
-			{"hinge", "Tag", "/*[@tag = 'bldg']"},
-			{"door", "Absolute", "/*[@name = 'House']/*[@name = 'Door']"},
-			{"door", "Relative", "//Door"},
-			{"house", "Tag", "/*[@tag = 'bldg']"},
-			{"shedDoor", "Tag", "/*[]"},
-			{"hinge", "absolute", "/fn:component('Hinge')"},
-			{"a", "Absolute", "/*[@name = 'A']"},
-			{"comp", "Relative", "//A/fn:component('Comp')"},
-			{"comp", "Absolute", "/*[@name = 'A']/fn:component('Comp')"},
-			{"levelComp", "Absolute", "/fn:component('Comp')"},
-			{"levelComp", "Relative", "/fn:component('Comp')"},
-			{"levelComp", "Tag", "/fn:component('Comp')"},
-			{"a", "Tag", "/*[@tag = 't1' or @tag = 't2' or @tag = 't3']"},
-			{"a1", "Tag", "/*[@tag = 't1']"},
-			{"a0", "Tag", "/*[]"},
-			{"w", "Absolute", "/*[@name = 'W']"},
-			{"w", "Relative", "//W"},
-			{"user", "Absolute", "/*[@name = 'Panel']/*[@name = 'UserWidget']"},
-			{"comp", "Tag ", "/fn:component('Comp')"},
-			{"comp", "relative", "/fn:component('Comp')"},
-			{"a", "Tag ", ""},
-			{"a", "relative", ""},
-			{"fog", "Absolute", ""},
-			{"bob", "Absolute", "/*[@name = 'Bob's']"},
-		};
-		for (const FPathRow& Row : Rows)
+		for (const LodestringCases::FRow& Row : LodestringCases::Rows)
 		{
 			const FRun Run = RunLodex({"path", "--scene", ScenePath, "--mode", Row.Mode, Row.Object});
 			EXPECT_EQ(Run.Exit, 0) << Run.Err;
@@ -135,7 +81,7 @@ namespace
 		EXPECT_EQ(Unknown.Err, "lodex: " + ScenePath + ": no object has the id or name 'Nobody'\n");
 		const FRun Ambiguous = RunLodex({"path", "--scene", ScenePath, "Comp"});
 		EXPECT_EQ(Ambiguous.Exit, 1);
-		EXPECT_EQ(Ambiguous.Err, "lodex: " + ScenePath + ": 2 objects are named 'Comp'; name one by its id\n");
+		EXPECT_EQ(Ambiguous.Err, "lodex: " + ScenePath + ": 3 objects are named 'Comp'; name one by its id\n");
 	}
 
 	TEST_F(LodexCli, CopyLogsEveryActorAndLeavesTheLastOnTheClipboard)

@@ -27,14 +27,17 @@ namespace
 		FFakeSelection Selection;
 		FRecordingOutput Output;
 
-		void Run(const std::string& Mode) { PrintSelectedActorLodestrings(Graph, Selection, Output, Mode); }
+		void Run(std::vector<FLodexObject> Selected, const std::string& Mode)
+		{
+			Selection.Objects = std::move(Selected);
+			PrintSelectedActorLodestrings(Graph, Selection, Output, Mode);
+		}
 	};
 
-	TEST(PrintSelectedActorLodestrings, EveryActorLogsAndTheLastStaysOnTheClipboard)
+	TEST(PrintSelectedActorLodestrings, EveryActorLogsAndEachCopyOverwritesTheLast)
 	{
 		FSelectionScene Scene;
-		Scene.Selection.Objects = {FTestGraph::Handle(Scene.B), FTestGraph::Handle(Scene.A)};
-		Scene.Run("Absolute");
+		Scene.Run({FTestGraph::Handle(Scene.B), FTestGraph::Handle(Scene.A)}, "Absolute");
 		EXPECT_EQ(Scene.Output.Messages(),
 			(std::vector<std::string>{
 				"Lodestring : /*[@name = 'B'] ", "Lodestring : /*[@name = 'Parent']/*[@name = 'A'] "}));
@@ -46,59 +49,30 @@ namespace
 		}
 	}
 
-	TEST(PrintSelectedActorLodestrings, TwoUnattachedActorsInSelectionOrder)
-	{
-		FTestGraph Graph;
-		FTestGraph::FNode& A = Graph.Actor("A");
-		FTestGraph::FNode& B = Graph.Actor("B");
-		FFakeSelection Selection;
-		Selection.Objects = {FTestGraph::Handle(A), FTestGraph::Handle(B)};
-		FRecordingOutput Output;
-		PrintSelectedActorLodestrings(Graph, Selection, Output, "Absolute");
-		EXPECT_EQ(Output.Messages(),
-			(std::vector<std::string>{"Lodestring : /*[@name = 'A'] ", "Lodestring : /*[@name = 'B'] "}));
-		ASSERT_FALSE(Output.Copies.empty());
-		EXPECT_EQ(Output.Copies.back(), "/*[@name = 'B']");
-		EXPECT_EQ(Output.Copies.size(), 2u) << "one copy per actor, never joined";
-	}
-
-	TEST(PrintSelectedActorLodestrings, RelativeLogsOnlyTheActorsOwnStep)
+	TEST(PrintSelectedActorLodestrings, RelativeLogsOnlyTheActorsOwnStepAndNullEntriesAreSkipped)
 	{
 		FSelectionScene Scene;
-		Scene.Selection.Objects = {FTestGraph::Handle(Scene.A)};
-		Scene.Run("Relative");
+		Scene.Run({FLodexObject(), FTestGraph::Handle(Scene.A), FLodexObject()}, "Relative");
 		EXPECT_EQ(Scene.Output.Messages(), std::vector<std::string>{"Lodestring : //A "});
 		EXPECT_EQ(Scene.Output.Copies, std::vector<std::string>{"//A"});
 	}
 
-	TEST(PrintSelectedActorLodestrings, EmptySelectionDoesNothing)
+	TEST(PrintSelectedActorLodestrings, NothingSelectedOrOnlyNullDoesNothing)
 	{
-		FSelectionScene Scene;
-		Scene.Run("Absolute");
-		EXPECT_TRUE(Scene.Output.Lines.empty());
-		EXPECT_TRUE(Scene.Output.Copies.empty());
-	}
-
-	TEST(PrintSelectedActorLodestrings, NullEntriesAreSkipped)
-	{
-		FSelectionScene Scene;
-		Scene.Selection.Objects = {FLodexObject(), FTestGraph::Handle(Scene.B), FLodexObject()};
-		Scene.Run("Relative");
-		EXPECT_EQ(Scene.Output.Messages(), std::vector<std::string>{"Lodestring : //B "});
-		EXPECT_EQ(Scene.Output.Copies, std::vector<std::string>{"//B"});
-
-		FSelectionScene OnlyNull;
-		OnlyNull.Selection.Objects = {FLodexObject()};
-		OnlyNull.Run("Absolute");
-		EXPECT_TRUE(OnlyNull.Output.Lines.empty());
-		EXPECT_TRUE(OnlyNull.Output.Copies.empty());
+		for (const std::vector<FLodexObject>& Selected :
+			{std::vector<FLodexObject>{}, std::vector<FLodexObject>{FLodexObject()}})
+		{
+			FSelectionScene Scene;
+			Scene.Run(Selected, "Absolute");
+			EXPECT_TRUE(Scene.Output.Lines.empty());
+			EXPECT_TRUE(Scene.Output.Copies.empty());
+		}
 	}
 
 	TEST(PrintSelectedActorLodestrings, EmptyLodestringStillLogsAndCopies)
 	{
 		FSelectionScene Scene;
-		Scene.Selection.Objects = {FTestGraph::Handle(Scene.A)};
-		Scene.Run("Tag ");
+		Scene.Run({FTestGraph::Handle(Scene.A)}, "Tag ");
 		EXPECT_EQ(Scene.Output.Messages(), std::vector<std::string>{"Lodestring :  "});
 		EXPECT_EQ(Scene.Output.Copies, std::vector<std::string>{""});
 	}
@@ -251,19 +225,6 @@ namespace
 			EXPECT_STREQ(Entry.Mode, Expected[Index].Mode);
 		}
 		EXPECT_STREQ(ComponentsTreeLocNamespace, "DetailToolA");
-	}
-
-	TEST(ContextMenus, LabelsAreIdenticalAcrossTheTwoSets)
-	{
-		const FLodexCommandSetInfo& Menu = GetMenuToolCommandSet();
-		const FLodexCommandSetInfo& Detail = GetDetailToolCommandSet();
-		ASSERT_EQ(Menu.Commands.size(), Detail.Commands.size());
-		for (std::size_t Index = 0; Index < Menu.Commands.size(); ++Index)
-		{
-			EXPECT_STREQ(Menu.Commands[Index].Label, Detail.Commands[Index].Label);
-			EXPECT_STREQ(Menu.Commands[Index].Tooltip, Detail.Commands[Index].Tooltip);
-		}
-		EXPECT_STRNE(Menu.ContextName, Detail.ContextName);
 	}
 
 	class FRecordingMenuToolHost final : public IMenuToolHost

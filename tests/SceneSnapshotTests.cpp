@@ -8,52 +8,6 @@
 
 namespace
 {
-	const char* const HouseScene = R"({"objects": [
-  {"id": "house", "kind": "actor", "name": "House", "outer": "lvl", "tags": ["bldg"]},
-  {"id": "door",  "kind": "actor", "name": "Door", "outer": "lvl", "attachParent": "house", "tags": ["locked", "red"]},
-  {"id": "hinge", "kind": "component", "name": "Hinge", "outer": "door"},
-  {"id": "lvl",   "kind": "other", "name": "PersistentLevel"}
-]})";
-
-	TEST(SceneSnapshot, ReadsTheHouseScene)
-	{
-		FSceneSnapshot Scene;
-		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::Parse(HouseScene, "house.json", Scene, Error)) << Error;
-		ASSERT_EQ(Scene.GetObjects().size(), 4u);
-		const FLodexObject Hinge = Scene.FindObject("hinge", Error);
-		ASSERT_TRUE(Hinge);
-		EXPECT_EQ(
-			BuildLodestring(Scene, Hinge, "Absolute"), "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')");
-		EXPECT_EQ(BuildLodestring(Scene, Scene.FindObject("Door", Error), "Tag"), "/*[@tag = 'bldg']");
-	}
-
-	TEST(SceneSnapshot, KindsAnswerTheClassTests)
-	{
-		const std::string Text = R"({"objects": [
-			{"id": "a", "kind": "actor", "name": "A"},
-			{"id": "t", "kind": "widgetTree", "name": "T"},
-			{"id": "w", "kind": "widget", "name": "W"},
-			{"id": "u", "kind": "userWidget", "name": "U"},
-			{"id": "c", "kind": "component", "name": "C"},
-			{"id": "o", "kind": "other", "name": "O"}]})";
-		FSceneSnapshot Scene;
-		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::Parse(Text, "kinds.json", Scene, Error)) << Error;
-		auto Kind = [&](const char* Id)
-		{
-			return ClassifyLodexObject(Scene, Scene.FindObject(Id, Error));
-		};
-		EXPECT_EQ(Kind("a"), ELodexObjectKind::Actor);
-		EXPECT_EQ(Kind("t"), ELodexObjectKind::WidgetTree);
-		EXPECT_EQ(Kind("w"), ELodexObjectKind::Widget);
-		EXPECT_EQ(Kind("u"), ELodexObjectKind::Widget);
-		EXPECT_EQ(Kind("c"), ELodexObjectKind::Component);
-		EXPECT_EQ(Kind("o"), ELodexObjectKind::Other);
-		EXPECT_TRUE(Scene.IsOfClass(Scene.FindObject("u", Error), ELodexClass::UserWidget));
-		EXPECT_FALSE(Scene.IsOfClass(Scene.FindObject("w", Error), ELodexClass::UserWidget));
-	}
-
 	TEST(SceneSnapshot, TextComesOutAsItWentIn)
 	{
 		const std::string Text =
