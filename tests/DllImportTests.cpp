@@ -7,14 +7,16 @@
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
-#include <sys/stat.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace
 {
-	/** The platform loader, with every file check and load attempt recorded. */
+	using FLines = std::vector<std::string>;
+
+	/** The platform's file check and loader, with every check and load recorded. */
 	class FWatchedDllHost final : public ILodexDllHost
 	{
 	public:
@@ -35,148 +37,71 @@ namespace
 		}
 
 		FPlatformDllHost Platform;
-		mutable std::vector<std::string> Checked;
-		std::vector<std::string> Loaded;
+		mutable FLines Checked;
+		FLines Loaded;
 	};
 
-	/** A project folder with the test library copied in under the names a test asks for. */
-	class ImportDll : public ::testing::Test
+	TEST(ImportDll, ChecksTheFileThenLoadsTheRealLibraryOnlyWhenThereIsOne)
 	{
-	protected:
-		void SetUp() override
+		struct FRow
 		{
-			ASSERT_FALSE(Dir.Path.empty());
-			Library = FTempDir::Read(LODEX_TEST_LIBRARY);
-			ASSERT_FALSE(Library.empty()) << LODEX_TEST_LIBRARY;
-			ProjectDir = Dir.Path + "/";
-		}
-
-		std::string PlaceLibrary(const std::string& Relative)
+			/** Where the test library is copied to under the project folder ("" for nowhere). */
+			const char* Placed;
+			const char* Folder;
+			const char* Name;
+			bool bExpected;
+			bool bLoadTried;
+		};
+		const FRow Rows[] = {
+			{"Binaries/x.dll", "Binaries", "x.dll", true, true}, {"", "Binaries", "x.dll", false, false},
+			{"Binaries/x.dll", "Binaries", "x", false, false}, // no extension added
+			{"Binaries/x.dll/inner.so", "Binaries", "x.dll", false, false}, // a folder is no file
+			{"Binaries/sub/x.dll", "Binaries", "sub/x.dll", true, true},
+			{"x.dll", "", "x.dll", true, true}, // loaded from "<project>//x.dll"
+			{"notes.txt", ".", "notes.txt", false, true}, // the file is text, not a library
+		};
+		const std::string Library = FTempDir::Read(LODEX_TEST_LIBRARY);
+		ASSERT_FALSE(Library.empty()) << LODEX_TEST_LIBRARY;
+		for (const FRow& Row : Rows)
 		{
-			std::string Folder = Dir.Path;
-			std::size_t Start = 0;
-			for (std::size_t Slash = Relative.find('/'); Slash != std::string::npos; Slash = Relative.find('/', Start))
+			FTempDir Project;
+			const std::string Placed = Project.File(Row.Placed);
+			if (*Row.Placed != '\0')
 			{
-				Folder += "/" + Relative.substr(Start, Slash - Start);
-				mkdir(Folder.c_str(), 0755);
-				Start = Slash + 1;
+				std::filesystem::create_directories(std::filesystem::path(Placed).parent_path());
+				Project.Write(Row.Placed, Placed.find(".txt") == std::string::npos ? Library : "not a library");
 			}
-			return Dir.Write(Relative, Library);
-		}
-
-		/** Whether the process has the library at the path loaded (asked without loading it). */
-		static bool IsLoaded(const std::string& Path)
-		{
-			void* Handle = dlopen(Path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
-			if (Handle == nullptr)
+			const std::string Path = Project.Path + "/" + Row.Folder + "/" + Row.Name;
+			FWatchedDllHost Host(Project.Path + "/");
+			EXPECT_EQ(ImportLodexDll(Host, Row.Folder, Row.Name), Row.bExpected) << Path;
+			EXPECT_EQ(Host.Checked, FLines{Path});
+			EXPECT_EQ(Host.Loaded, Row.bLoadTried ? FLines{Path} : FLines{});
+			if (Row.bExpected)
 			{
-				return false;
+				// Loaded for real and left loaded: the library's own function answers.
+				void* Handle = dlopen(Placed.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+				ASSERT_NE(Handle, nullptr) << Placed << " is not loaded";
+				auto* Answer = reinterpret_cast<int (*)()>(dlsym(Handle, "LodexTestLibraryAnswer"));
+				ASSERT_NE(Answer, nullptr);
+				EXPECT_EQ(Answer(), 42);
+				dlclose(Handle);
 			}
-			dlclose(Handle);
-			return true;
 		}
-
-		FTempDir Dir;
-		std::string Library;
-		std::string ProjectDir;
-	};
-
-	TEST_F(ImportDll, PresentLibraryInBinariesLoadsAndStaysLoaded)
-	{
-		const std::string Path = PlaceLibrary("Binaries/x.dll");
-		FWatchedDllHost Host(ProjectDir);
-		EXPECT_TRUE(ImportLodexDll(Host, "Binaries", "x.dll"));
-		EXPECT_EQ(Host.Loaded, (std::vector<std::string>{ProjectDir + "Binaries/x.dll"}));
-		EXPECT_TRUE(IsLoaded(Path));
-		void* Handle = dlopen(Path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
-		ASSERT_NE(Handle, nullptr);
-		auto* Answer = reinterpret_cast<int (*)()>(dlsym(Handle, "LodexTestLibraryAnswer"));
-		ASSERT_NE(Answer, nullptr);
-		EXPECT_EQ(Answer(), 42);
-		dlclose(Handle);
-	}
-
-	TEST_F(ImportDll, AbsentFileGivesFalseWithoutALoad)
-	{
-		FWatchedDllHost Host(ProjectDir);
-		EXPECT_FALSE(ImportLodexDll(Host, "Binaries", "x.dll"));
-		EXPECT_EQ(Host.Checked, (std::vector<std::string>{ProjectDir + "Binaries/x.dll"}));
-		EXPECT_TRUE(Host.Loaded.empty());
-	}
-
-	TEST_F(ImportDll, AFolderAtThePathIsNoFileAndIsNotLoaded)
-	{
-		PlaceLibrary("Binaries/x.dll/inner.so");
-		FWatchedDllHost Host(ProjectDir);
-		EXPECT_FALSE(ImportLodexDll(Host, "Binaries", "x.dll"));
-		EXPECT_TRUE(Host.Loaded.empty());
-	}
-
-	TEST_F(ImportDll, NameWithARelativePathIsAppendedAsGiven)
-	{
-		PlaceLibrary("Binaries/sub/x.dll");
-		FWatchedDllHost Host(ProjectDir);
-		EXPECT_TRUE(ImportLodexDll(Host, "Binaries", "sub/x.dll"));
-		EXPECT_EQ(Host.Loaded, (std::vector<std::string>{ProjectDir + "Binaries/sub/x.dll"}));
-	}
-
-	TEST_F(ImportDll, EmptyFolderGivesADoubleSlash)
-	{
-		PlaceLibrary("x.dll");
-		FWatchedDllHost Host(ProjectDir);
-		EXPECT_TRUE(ImportLodexDll(Host, "", "x.dll"));
-		EXPECT_EQ(Host.Loaded, (std::vector<std::string>{ProjectDir + "/x.dll"}));
-	}
-
-	TEST_F(ImportDll, AFileThatIsNoLibraryIsTriedOnceAndGivesFalse)
-	{
-		Dir.Write("notes.txt", "not a library");
-		FWatchedDllHost Host(ProjectDir);
-		EXPECT_FALSE(ImportLodexDll(Host, ".", "notes.txt"));
-		EXPECT_EQ(Host.Loaded, (std::vector<std::string>{ProjectDir + "./notes.txt"}));
-	}
-
-	TEST_F(ImportDll, NoExtensionIsAdded)
-	{
-		PlaceLibrary("Binaries/x.dll");
-		FWatchedDllHost Host(ProjectDir);
-		EXPECT_FALSE(ImportLodexDll(Host, "Binaries", "x"));
-		EXPECT_EQ(Host.Checked, (std::vector<std::string>{ProjectDir + "Binaries/x"}));
-		EXPECT_TRUE(Host.Loaded.empty());
-	}
-
-	TEST_F(ImportDll, LoadingTheSameLibraryTwiceSucceedsTwice)
-	{
-		PlaceLibrary("Binaries/twice.so");
-		FWatchedDllHost Host(ProjectDir);
-		EXPECT_TRUE(ImportLodexDll(Host, "Binaries", "twice.so"));
-		EXPECT_TRUE(ImportLodexDll(Host, "Binaries", "twice.so"));
-		EXPECT_EQ(Host.Loaded.size(), 2u);
 	}
 
 	TEST(ImportDllPath, IsProjectFolderFolderSlashNameWithNothingNormalised)
 	{
-		struct FRow
-		{
-			const char* ProjectDir;
-			const char* Folder;
-			const char* Name;
-			const char* Expected;
-		};
-		const FRow Rows[] = {
+		const char* const Rows[][4] = {
 			{"../../Game/", "Binaries", "x.dll", "../../Game/Binaries/x.dll"},
-			{"/p/", "Binaries", "sub/x.dll", "/p/Binaries/sub/x.dll"},
-			{"/p/", "", "x.dll", "/p//x.dll"},
 			{"/p/", "Binaries/", "x.dll", "/p/Binaries//x.dll"},
 			{"/p/", "/abs", "x.dll", "/p//abs/x.dll"},
 			{"/p/", "Binaries/../Other", "x.dll", "/p/Binaries/../Other/x.dll"},
 			{"/p/", "Binaries", "", "/p/Binaries/"},
-			{"/p/", "Bin aries", "Tür.dll", "/p/Bin aries/Tür.dll"},
-			{"C:/Game/", "Binaries\\Win64", "x.dll", "C:/Game/Binaries\\Win64/x.dll"},
+			{"C:/Game/", "Binaries\\Win64", "Tür.dll", "C:/Game/Binaries\\Win64/Tür.dll"},
 		};
-		for (const FRow& Row : Rows)
+		for (const auto& Row : Rows)
 		{
-			EXPECT_EQ(MakeImportDllPath(Row.ProjectDir, Row.Folder, Row.Name), Row.Expected);
+			EXPECT_EQ(MakeImportDllPath(Row[0], Row[1], Row[2]), Row[3]);
 		}
 	}
 }
