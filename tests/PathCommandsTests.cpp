@@ -84,147 +84,90 @@ namespace
 			"LogTemp: Warning: ShutdownModule() called");
 	}
 
-	struct FCommandRow
+	std::string JoinFields(std::initializer_list<std::string> Fields)
 	{
-		const char* ContextName;
-		const char* CommandId;
-		const char* Label;
-		const char* Tooltip;
-		const char* Mode;
-	};
+		std::string Line;
+		for (const std::string& Field : Fields)
+		{
+			Line += (Line.empty() ? "" : "|") + Field;
+		}
+		return Line;
+	}
 
 	TEST(CommandSets, TablesAsTheEditorRegistersThem)
 	{
-		const FCommandRow Expected[] = {
-			{"MenuTool", "MenuCommand1", "Lodestring Relative", "Print the Lodestring to the console", "Relative"},
-			{"MenuTool", "MenuCommand2", "Lodestring Absolute", "Print the Lodestring to the console", "Absolute"},
-			{"DetailToolA", "DetailCommand1", "Lodestring Relative", "Print the Lodestring to the console", "Relative"},
-			{"DetailToolA", "DetailCommand2", "Lodestring Absolute", "Print the Lodestring to the console", "Absolute"},
-		};
-		std::vector<FCommandRow> Actual;
+		std::vector<std::string> Rows;
 		for (const FLodexCommandSetInfo* Set : {&GetMenuToolCommandSet(), &GetDetailToolCommandSet()})
 		{
-			EXPECT_STREQ(Set->ContextDescription, "Veltrane right click menu");
 			for (const FLodexCommandInfo& Command : Set->Commands)
 			{
-				Actual.push_back({Set->ContextName, Command.CommandId, Command.Label, Command.Tooltip, Command.Mode});
+				const FLodexCommandKeys Keys = MakeCommandKeys(Set->ContextName, Command);
+				Rows.push_back(JoinFields({Set->ContextName, Set->ContextDescription, Command.CommandId, Command.Label,
+					Command.Tooltip, Command.Mode, Keys.Namespace, Keys.LabelKey, Keys.TooltipKey, Keys.DotName}));
 			}
 		}
-		ASSERT_EQ(Actual.size(), std::size(Expected));
-		for (std::size_t Index = 0; Index < Actual.size(); ++Index)
+		const FLodexCommandInfo& Module = GetModuleTestCommand();
+		const FLodexCommandKeys ModuleKeys = MakeCommandKeys(LodexModuleLocNamespace, Module);
+		Rows.push_back(JoinFields({Module.CommandId, Module.Label, Module.Tooltip, ModuleKeys.Namespace}));
+		const char* const Print = "Veltrane right click menu|";
+		EXPECT_EQ(Rows,
+			(std::vector<std::string>{
+				std::string("MenuTool|") + Print +
+					"MenuCommand1|Lodestring Relative|Print the Lodestring to the "
+					"console|Relative|MenuTool|MenuCommand1|MenuCommand1_ToolTip|.MenuCommand1",
+				std::string("MenuTool|") + Print +
+					"MenuCommand2|Lodestring Absolute|Print the Lodestring to the "
+					"console|Absolute|MenuTool|MenuCommand2|MenuCommand2_ToolTip|.MenuCommand2",
+				std::string("DetailToolA|") + Print +
+					"DetailCommand1|Lodestring Relative|Print the Lodestring to "
+					"the console|Relative|DetailToolA|DetailCommand1|DetailCommand1_ToolTip|.DetailCommand1",
+				std::string("DetailToolA|") + Print +
+					"DetailCommand2|Lodestring Absolute|Print the Lodestring to "
+					"the console|Absolute|DetailToolA|DetailCommand2|DetailCommand2_ToolTip|.DetailCommand2",
+				"TestCommand|TestCommand|This is test command|FLodexDebugger",
+			}));
+		EXPECT_STREQ(FindCommandForMode(GetMenuToolCommandSet(), "Absolute")->CommandId, "MenuCommand2");
+		EXPECT_EQ(FindCommandForMode(GetMenuToolCommandSet(), "absolute"), nullptr);
+	}
+
+	TEST(ContextMenus, SectionSubMenuAndEntriesOfEachKind)
+	{
+		std::vector<std::string> Rows;
+		for (const FLodexMenuInfo& Menu : GetLodexContextMenus())
 		{
-			EXPECT_STREQ(Actual[Index].ContextName, Expected[Index].ContextName) << Index;
-			EXPECT_STREQ(Actual[Index].CommandId, Expected[Index].CommandId) << Index;
-			EXPECT_STREQ(Actual[Index].Label, Expected[Index].Label) << Index;
-			EXPECT_STREQ(Actual[Index].Tooltip, Expected[Index].Tooltip) << Index;
-			EXPECT_STREQ(Actual[Index].Mode, Expected[Index].Mode) << Index;
+			Rows.push_back(JoinFields({Menu.AddedThrough, Menu.ExtensionHook, Menu.SectionName, Menu.SectionHeading,
+				Menu.SubMenuName, Menu.SubMenuLabel, Menu.SubMenuTooltip, Menu.CommandSet, Menu.InnerSectionName,
+				Menu.bLocalized ? "localised" : "plain"}));
+			for (const FLodexMenuEntryInfo& Entry : Menu.Entries)
+			{
+				Rows.push_back(JoinFields({"  ", Entry.Name, Entry.CommandId ? Entry.CommandId : "-", Entry.Label,
+					Entry.Tooltip, Entry.LabelLocKey, Entry.TooltipLocKey, Entry.Mode}));
+			}
 		}
-	}
-
-	TEST(CommandSets, LocalisationKeysFollowTheCommandConvention)
-	{
-		const FLodexCommandKeys Menu = MakeCommandKeys("MenuTool", GetMenuToolCommandSet().Commands[0]);
-		EXPECT_EQ(Menu.Namespace, "MenuTool");
-		EXPECT_EQ(Menu.LabelKey, "MenuCommand1");
-		EXPECT_EQ(Menu.TooltipKey, "MenuCommand1_ToolTip");
-		EXPECT_EQ(Menu.DotName, ".MenuCommand1");
-		const FLodexCommandKeys Detail = MakeCommandKeys("DetailToolA", GetDetailToolCommandSet().Commands[1]);
-		EXPECT_EQ(Detail.TooltipKey, "DetailCommand2_ToolTip");
-
-		const FLodexCommandInfo& ModuleCommand = GetModuleTestCommand();
-		const FLodexCommandKeys TestKeys = MakeCommandKeys(LodexModuleLocNamespace, ModuleCommand);
-		EXPECT_EQ(TestKeys.Namespace, "FLodexDebugger");
-		EXPECT_STREQ(ModuleCommand.Label, "TestCommand");
-		EXPECT_STREQ(ModuleCommand.Tooltip, "This is test command");
-	}
-
-	TEST(CommandSets, FindCommandForModeIsExact)
-	{
-		const FLodexCommandSetInfo& Set = GetMenuToolCommandSet();
-		ASSERT_NE(FindCommandForMode(Set, "Absolute"), nullptr);
-		EXPECT_STREQ(FindCommandForMode(Set, "Absolute")->CommandId, "MenuCommand2");
-		EXPECT_STREQ(FindCommandForMode(Set, "Relative")->CommandId, "MenuCommand1");
-		EXPECT_EQ(FindCommandForMode(Set, "absolute"), nullptr);
-		EXPECT_EQ(FindCommandForMode(Set, "Tag"), nullptr);
-	}
-
-	TEST(ContextMenus, SectionAndSubMenuOfEachKind)
-	{
-		const std::vector<FLodexMenuInfo>& Menus = GetLodexContextMenus();
-		ASSERT_EQ(Menus.size(), 4u);
-
-		const FLodexMenuInfo& Outliner = Menus[0];
-		EXPECT_EQ(Outliner.Kind, ELodexMenuKind::SceneOutlinerActor);
-		EXPECT_STREQ(Outliner.ExtensionHook, "LevelEditor.SceneOutlinerContextMenu");
-		const FLodexMenuInfo& Viewport = Menus[1];
-		EXPECT_EQ(Viewport.Kind, ELodexMenuKind::LevelViewportActor);
-		EXPECT_STREQ(Viewport.ExtensionHook, "ActorType");
-		for (const FLodexMenuInfo* Menu : {&Outliner, &Viewport})
-		{
-			EXPECT_STREQ(Menu->SectionName, "Veltrane");
-			EXPECT_STREQ(Menu->SectionHeading, "VelTrane");
-			EXPECT_STREQ(Menu->SubMenuLabel, "Lodestring");
-			EXPECT_STREQ(Menu->SubMenuTooltip, "Print the Lodestring reference for use in Veltrane tests.");
-			EXPECT_STREQ(Menu->CommandSet, "MenuTool");
-			EXPECT_FALSE(Menu->bLocalized);
-			ASSERT_EQ(Menu->Entries.size(), 2u);
-			EXPECT_STREQ(Menu->Entries[0].CommandId, "MenuCommand1");
-			EXPECT_STREQ(Menu->Entries[1].CommandId, "MenuCommand2");
-		}
-
-		const FLodexMenuInfo& Tree = Menus[2];
-		EXPECT_EQ(Tree.Kind, ELodexMenuKind::ComponentsTree);
-		EXPECT_STREQ(Tree.AddedThrough, "Kismet.SCSEditorContextMenu");
-		EXPECT_STREQ(Tree.SectionName, "VelTrane");
-		EXPECT_STREQ(Tree.SectionHeading, "VelTrane");
-		EXPECT_STREQ(Tree.SubMenuName, "Veltrane");
-		EXPECT_STREQ(Tree.SubMenuLabel, "Lodestring");
-		EXPECT_STREQ(Tree.SubMenuTooltip, "Get the Lodestring for the selected component");
-		EXPECT_STREQ(Tree.InnerSectionName, "VelTrane");
-		EXPECT_TRUE(Tree.bLocalized);
-
-		const FLodexMenuInfo& Lists = Menus[3];
-		EXPECT_EQ(Lists.Kind, ELodexMenuKind::ExplorerList);
-		EXPECT_STREQ(Lists.SectionName, "Veltrane");
-		EXPECT_STREQ(Lists.SectionHeading, "VelTrane");
-		EXPECT_STREQ(Lists.SubMenuTooltip, "Print the Lodestring reference");
-		EXPECT_STREQ(Lists.CommandSet, "DetailToolA");
-		ASSERT_EQ(Lists.Entries.size(), 2u);
-		EXPECT_STREQ(Lists.Entries[0].CommandId, "DetailCommand1");
-		EXPECT_STREQ(Lists.Entries[1].CommandId, "DetailCommand2");
-	}
-
-	TEST(ContextMenus, ComponentsTreeEntriesArePlainEntriesWithTheirOwnTexts)
-	{
-		struct FRow
-		{
-			const char* Name;
-			const char* Label;
-			const char* Tooltip;
-			const char* LabelKey;
-			const char* TooltipKey;
-			const char* Mode;
-		};
-		const FRow Expected[] = {
-			{"Lodestring Relative", "Lodestring Relative", "Get the Lodestring Relative", "Lodestring_Relative",
-				"Lodestring_Relative_Tooltip", "Relative"},
-			{"Lodestring Absolute", "Lodestring Absolute", "Get the Lodestring Absolute", "Lodestring_Absolute",
-				"Lodestring_Absolute_Tooltip", "Absolute"},
-		};
-		const FLodexMenuInfo& Tree = GetLodexContextMenu(ELodexMenuKind::ComponentsTree);
-		ASSERT_EQ(Tree.Entries.size(), 2u);
-		for (std::size_t Index = 0; Index < 2; ++Index)
-		{
-			const FLodexMenuEntryInfo& Entry = Tree.Entries[Index];
-			EXPECT_EQ(Entry.CommandId, nullptr);
-			EXPECT_STREQ(Entry.Name, Expected[Index].Name);
-			EXPECT_STREQ(Entry.Label, Expected[Index].Label);
-			EXPECT_STREQ(Entry.Tooltip, Expected[Index].Tooltip);
-			EXPECT_STREQ(Entry.LabelLocKey, Expected[Index].LabelKey);
-			EXPECT_STREQ(Entry.TooltipLocKey, Expected[Index].TooltipKey);
-			EXPECT_STREQ(Entry.Mode, Expected[Index].Mode);
-		}
-		EXPECT_STREQ(ComponentsTreeLocNamespace, "DetailToolA");
+		const std::string Outliner = "Print the Lodestring reference for use in Veltrane tests.|MenuTool||plain";
+		const std::string MenuEntry = "Print the Lodestring to the console|||";
+		EXPECT_EQ(Rows,
+			(std::vector<std::string>{
+				"the module's menu extender|LevelEditor.SceneOutlinerContextMenu|Veltrane|VelTrane||Lodestring|" +
+					Outliner,
+				"  |MenuCommand1|MenuCommand1|Lodestring Relative|" + MenuEntry + "Relative",
+				"  |MenuCommand2|MenuCommand2|Lodestring Absolute|" + MenuEntry + "Absolute",
+				"the level editor's viewport context-menu extenders|ActorType|Veltrane|VelTrane||Lodestring|" +
+					Outliner,
+				"  |MenuCommand1|MenuCommand1|Lodestring Relative|" + MenuEntry + "Relative",
+				"  |MenuCommand2|MenuCommand2|Lodestring Absolute|" + MenuEntry + "Absolute",
+				"Kismet.SCSEditorContextMenu||VelTrane|VelTrane|Veltrane|Lodestring|Get the Lodestring for the "
+				"selected "
+				"component|DetailToolA|VelTrane|localised",
+				"  |Lodestring Relative|-|Lodestring Relative|Get the Lodestring Relative|Lodestring_Relative|"
+				"Lodestring_Relative_Tooltip|Relative",
+				"  |Lodestring Absolute|-|Lodestring Absolute|Get the Lodestring Absolute|Lodestring_Absolute|"
+				"Lodestring_Absolute_Tooltip|Absolute",
+				"the list's context-menu handler||Veltrane|VelTrane||Lodestring|Print the Lodestring "
+				"reference|DetailToolA||plain",
+				"  |DetailCommand1|DetailCommand1|Lodestring Relative|" + MenuEntry + "Relative",
+				"  |DetailCommand2|DetailCommand2|Lodestring Absolute|" + MenuEntry + "Absolute",
+			}));
 	}
 
 	class FRecordingMenuToolHost final : public IMenuToolHost
