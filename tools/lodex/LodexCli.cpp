@@ -7,14 +7,14 @@
 
 namespace
 {
-	/** The deepest subcommand the parser reached, for printing its usage. */
-	const CLI::App* DeepestParsed(const CLI::App& App)
+	/** The usage of the deepest subcommand the parser reached, named with its parents ("lodex copy"). */
+	std::string UsageOfDeepestParsed(const CLI::App& App, const std::string& Parents = std::string())
 	{
 		for (const CLI::App* Sub : App.get_subcommands())
 		{
-			return DeepestParsed(*Sub);
+			return UsageOfDeepestParsed(*Sub, Parents.empty() ? App.get_name() : Parents + " " + App.get_name());
 		}
-		return &App;
+		return App.help(Parents);
 	}
 }
 
@@ -43,7 +43,7 @@ int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::os
 	}
 	catch (const CLI::CallForHelp&)
 	{
-		Out << DeepestParsed(App)->help();
+		Out << UsageOfDeepestParsed(App);
 		return LodexExitOk;
 	}
 	catch (const CLI::CallForAllHelp&)
@@ -58,7 +58,7 @@ int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::os
 	}
 	catch (const CLI::ParseError& Error)
 	{
-		Err << "lodex: " << Error.what() << "\n" << DeepestParsed(App)->help();
+		Err << "lodex: " << Error.what() << "\n" << UsageOfDeepestParsed(App);
 		return LodexExitUsage;
 	}
 
