@@ -135,6 +135,33 @@ namespace
 		return false;
 	}
 
+	/**
+	 * The files under Root, as sorted generic paths relative to it, leaving out build outputs and hidden
+	 * entries. Listing stops at the first error, which Code then holds.
+	 */
+	std::vector<std::string> ListModuleFiles(const fs::path& Root, std::error_code& Code)
+	{
+		std::vector<std::string> Files;
+		for (fs::recursive_directory_iterator It(Root, Code), End; !Code && It != End; It.increment(Code))
+		{
+			const fs::path Relative = It->path().lexically_relative(Root);
+			if (IsBuildOutputOrHidden(Relative))
+			{
+				if (It->is_directory(Code))
+				{
+					It.disable_recursion_pending();
+				}
+				continue;
+			}
+			if (It->is_regular_file(Code))
+			{
+				Files.push_back(GenericString(Relative));
+			}
+		}
+		std::sort(Files.begin(), Files.end());
+		return Files;
+	}
+
 	/** Renders the descriptor the way the engine writes descriptors: tabs, and the original's BOM and line ends. */
 	std::string RenderDescriptor(const FOrderedJson& Descriptor, const std::string& Original)
 	{
@@ -258,30 +285,13 @@ namespace
 		{
 			const std::string ModuleRelative = std::string("Source/") + LodexModuleName;
 			const fs::path ModuleSource = fs::path(SourceDir) / ModuleRelative;
-			std::vector<std::string> Sources;
 			std::error_code Code;
-			for (fs::recursive_directory_iterator It(ModuleSource, Code), End; !Code && It != End; It.increment(Code))
-			{
-				const fs::path Relative = It->path().lexically_relative(ModuleSource);
-				if (IsBuildOutputOrHidden(Relative))
-				{
-					if (It->is_directory(Code))
-					{
-						It.disable_recursion_pending();
-					}
-					continue;
-				}
-				if (It->is_regular_file(Code))
-				{
-					Sources.push_back(GenericString(Relative));
-				}
-			}
+			const std::vector<std::string> Sources = ListModuleFiles(ModuleSource, Code);
 			if (Code)
 			{
 				OutError = GenericString(ModuleSource) + ": cannot list the folder (" + Code.message() + ")";
 				return false;
 			}
-			std::sort(Sources.begin(), Sources.end());
 			for (const std::string& Relative : Sources)
 			{
 				AddFile(Plan, ModuleSource / Relative, ModuleRelative + "/" + Relative);
@@ -296,24 +306,13 @@ namespace
 			const fs::path Installed = Plan.PluginDir / ModuleRelative;
 			if (fs::is_directory(Installed, Code))
 			{
-				for (fs::recursive_directory_iterator It(Installed, Code), End; !Code && It != End; It.increment(Code))
+				for (const std::string& Relative : ListModuleFiles(Installed, Code))
 				{
-					const fs::path Relative = It->path().lexically_relative(Installed);
-					if (IsBuildOutputOrHidden(Relative))
+					if (!std::binary_search(Sources.begin(), Sources.end(), Relative))
 					{
-						if (It->is_directory(Code))
-						{
-							It.disable_recursion_pending();
-						}
-						continue;
-					}
-					if (It->is_regular_file(Code) &&
-						!std::binary_search(Sources.begin(), Sources.end(), GenericString(Relative)))
-					{
-						Plan.Stale.push_back(ModuleRelative + "/" + GenericString(Relative));
+						Plan.Stale.push_back(ModuleRelative + "/" + Relative);
 					}
 				}
-				std::sort(Plan.Stale.begin(), Plan.Stale.end());
 			}
 			return true;
 		}
