@@ -1,5 +1,5 @@
 // Copyright Lodex contributors.
-#include "LodexDebugger/Core/Lodestring.h"
+#include "LodexDebugger/Core/Paths/Lodestring.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,8 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexDebugger/Core/LodexObjectGraph.h"
-#include "LodexDebugger/Core/LodexOutput.h"
+#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Text/LodexOutput.h"
 
 #include <deque>
 #include <string>

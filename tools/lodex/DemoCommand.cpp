@@ -8,9 +8,9 @@
 #include "TextTable.h"
 #include "TextTree.h"
 
-#include "LodexDebugger/Core/Lodestring.h"
-#include "LodexDebugger/Core/LodexShell.h"
-#include "LodexDebugger/Core/PathCommands.h"
+#include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
 
 #include <CLI/CLI.hpp>
 

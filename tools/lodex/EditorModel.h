@@ -1,9 +1,9 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexDebugger/Core/LodexMenuModel.h"
-#include "LodexDebugger/Core/LodexShell.h"
-#include "LodexDebugger/Core/PathCommands.h"
+#include "LodexDebugger/Core/Shell/LodexMenuModel.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
 
 #include <set>
 #include <string>

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexDebugger/Core/LodexOutput.h"
+#include "LodexDebugger/Core/Text/LodexOutput.h"
 
 #include <ostream>
 #include <string>

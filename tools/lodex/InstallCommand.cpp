@@ -3,8 +3,8 @@
 #include "JsonErrors.h"
 #include "LodexCli.h"
 
-#include "LodexDebugger/Core/LodexShell.h"
-#include "LodexDebugger/Core/LodexStyle.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
+#include "LodexDebugger/Core/Shell/LodexStyle.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>

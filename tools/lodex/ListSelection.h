@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexDebugger/Core/PathCommands.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
 
 #include <utility>
 #include <vector>

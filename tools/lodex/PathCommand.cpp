@@ -4,8 +4,8 @@
 #include "LodexCli.h"
 #include "SceneSnapshot.h"
 
-#include "LodexDebugger/Core/Lodestring.h"
-#include "LodexDebugger/Core/PathCommands.h"
+#include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
 
 #include <CLI/CLI.hpp>
 

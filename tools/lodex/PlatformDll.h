@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexDebugger/Core/LodexDllImport.h"
+#include "LodexDebugger/Core/Shell/LodexDllImport.h"
 
 #include <string>
 

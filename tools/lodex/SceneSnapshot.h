@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexDebugger/Core/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
 
 #include <cstddef>
 #include <string>

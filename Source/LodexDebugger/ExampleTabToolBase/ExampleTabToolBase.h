@@ -4,7 +4,7 @@
 #include "CoreMinimal.h"
 #include "ModuleListenerInterface.h"
 
-#include "LodexDebugger/Core/LodexShell.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
 
 class FMenuBuilder;
 class FSpawnTabArgs;

@@ -5,7 +5,7 @@
 #include "Delegates/IDelegateInstance.h"
 #include "ModuleListenerInterface.h"
 
-#include "LodexDebugger/Core/PathCommands.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
 
 class AActor;
 class FExtender;

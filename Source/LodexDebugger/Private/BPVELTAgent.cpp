@@ -2,7 +2,7 @@
 #include "BPVELTAgent.h"
 
 #include "HAL/PlatformProcess.h"
-#include "LodexDebugger/Core/LodexDllImport.h"
+#include "LodexDebugger/Core/Shell/LodexDllImport.h"
 #include "LodexInterop.h"
 #include "Misc/Paths.h"
 

@@ -6,7 +6,7 @@
 #include "Modules/ModuleInterface.h"
 #include "ModuleListenerInterface.h"
 
-#include "LodexDebugger/Core/LodexShell.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
 
 class FLodexShellHost;
 class FMenuBarBuilder;

@@ -4,8 +4,8 @@
 #include "CoreMinimal.h"
 #include "Templates/Function.h"
 
-#include "LodexDebugger/Core/LodexOutput.h"
-#include "LodexDebugger/Core/PathCommands.h"
+#include "LodexDebugger/Core/Text/LodexOutput.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
 
 class FBindingContext;
 class FUICommandInfo;

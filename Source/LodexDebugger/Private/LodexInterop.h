@@ -5,10 +5,10 @@
 #include "Framework/MultiBox/MultiBoxExtender.h"
 #include "Styling/SlateColor.h"
 
-#include "LodexDebugger/Core/Lodestring.h"
-#include "LodexDebugger/Core/LodexObjectGraph.h"
-#include "LodexDebugger/Core/LodexShell.h"
-#include "LodexDebugger/Core/LodexStyle.h"
+#include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
+#include "LodexDebugger/Core/Shell/LodexStyle.h"
 
 #include <string>
 

@@ -4,7 +4,7 @@
 #include "CoreMinimal.h"
 #include "Styling/SlateStyle.h"
 
-#include "LodexDebugger/Core/LodexStyle.h"
+#include "LodexDebugger/Core/Shell/LodexStyle.h"
 
 /**
  * The module's style set "VELTStyle": the panels' text styles and the recorder's icons. The first panel made calls

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #include "debugPanel.h"
 
-#include "LodexDebugger/Core/LodexExamplePanel.h"
+#include "LodexDebugger/Core/Shell/LodexExamplePanel.h"
 #include "LodexInterop.h"
 #include "Widgets/Layout/SBorder.h"
 #include "Widgets/Layout/SScrollBox.h"

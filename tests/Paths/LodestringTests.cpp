@@ -3,7 +3,7 @@
 #include "SceneSnapshot.h"
 #include "TestGraph.h"
 
-#include "LodexDebugger/Core/Lodestring.h"
+#include "LodexDebugger/Core/Paths/Lodestring.h"
 
 #include <gtest/gtest.h>
 

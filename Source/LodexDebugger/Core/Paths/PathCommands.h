@@ -3,7 +3,7 @@
 
 #include "Lodestring.h"
 #include "LodexObjectGraph.h"
-#include "LodexOutput.h"
+#include "LodexDebugger/Core/Text/LodexOutput.h"
 
 #include <cstddef>
 #include <string>

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #include "TempDir.h"
 
-#include "LodexDebugger/Core/LodexStyle.h"
+#include "LodexDebugger/Core/Shell/LodexStyle.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>

@@ -237,7 +237,7 @@ namespace
 		std::ostringstream Out;
 		std::ostringstream Err;
 		ASSERT_EQ(RunLodexCli({"install", "--project", Project}, Out, Err), 0) << Err.str();
-		for (const std::string Relative : {"/Source/LodexDebugger/Core/LodexShell.h", "/Resources/Info_icon.png"})
+		for (const std::string Relative : {"/Source/LodexDebugger/Core/Shell/LodexShell.h", "/Resources/Info_icon.png"})
 		{
 			EXPECT_EQ(FTempDir::Read(Plugin + Relative), FTempDir::Read(LODEX_SOURCE_DIR + Relative)) << Relative;
 		}

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexOutput.h"
+#include "LodexDebugger/Core/Text/LodexOutput.h"
 
 #include <cstddef>
 #include <string>

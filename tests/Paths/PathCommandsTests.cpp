@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #include "TestGraph.h"
 
-#include "LodexDebugger/Core/PathCommands.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
 
 #include <gtest/gtest.h>
 

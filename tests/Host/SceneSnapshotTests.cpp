@@ -2,7 +2,7 @@
 #include "SceneSnapshot.h"
 #include "TempDir.h"
 
-#include "LodexDebugger/Core/Lodestring.h"
+#include "LodexDebugger/Core/Paths/Lodestring.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // Copyright Lodex contributors.
 #include "LodexCli.h"
 
-#include "LodexDebugger/Core/LodexExamplePanel.h"
-#include "LodexDebugger/Core/LodexMenuModel.h"
-#include "LodexDebugger/Core/LodexShell.h"
+#include "LodexDebugger/Core/Shell/LodexExamplePanel.h"
+#include "LodexDebugger/Core/Shell/LodexMenuModel.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
 
 #include <gtest/gtest.h>
 

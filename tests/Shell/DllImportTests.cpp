@@ -2,7 +2,7 @@
 #include "PlatformDll.h"
 #include "TempDir.h"
 
-#include "LodexDebugger/Core/LodexDllImport.h"
+#include "LodexDebugger/Core/Shell/LodexDllImport.h"
 
 #include <gtest/gtest.h>
 

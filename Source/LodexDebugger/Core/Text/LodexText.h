@@ -1,0 +1,64 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/**
+ * The module's text routines: one for each kind of value that generated text holds, so that every line
+ * the module writes renders its numbers and separators the same way.
+ */
+namespace LodexText
+{
+	/** The separator of script lines and of the evaluator's line lists. */
+	inline constexpr const char* LineSeparator = "\r\n";
+
+	/** An integer in plain decimal, no padding, as the engine's `FString::AppendInt` writes it. */
+	std::string FormatInt(std::int64_t Value);
+
+	/**
+	 * A floating value as the engine's `FString::SanitizeFloat(Value, MinFractionalDigits)` renders it:
+	 * printed with "%f" (negative zero made positive first), then, when the result is a plain decimal
+	 * number, trailing zeros of the fractional part trimmed (the point too when nothing is left after
+	 * it) and fractional zeros padded back up to MinFractionalDigits. Text that is not a plain decimal
+	 * number ("inf", "-nan") is returned as printed.
+	 */
+	std::string SanitizeFloat(double Value, int MinFractionalDigits = 1);
+
+	/** Appends `SanitizeFloat(Value, MinFractionalDigits)` to Out without a temporary string. */
+	void AppendSanitizedFloat(std::string& Out, double Value, int MinFractionalDigits = 1);
+
+	/** The parts joined with Separator between each two. */
+	std::string Join(const std::vector<std::string>& Parts, const char* Separator);
+
+	/** The text cut at every Separator, empty pieces dropped (the engine's `ParseIntoArray` with culling). */
+	std::vector<std::string> SplitDroppingEmpty(const std::string& Text, const char* Separator);
+
+	/**
+	 * C `atoi` semantics without its undefined overflow: leading blanks skipped, an optional sign, then
+	 * the digits up to the first non-digit; text without leading digits gives 0. A value beyond the range
+	 * of a 32-bit integer is clamped to it.
+	 */
+	std::int32_t ParseLeadingInt(const std::string& Text);
+
+	/**
+	 * UTF-8 text converted to 8-bit text as the engine's TCHAR-to-ANSI conversion does it: the text is
+	 * taken as UTF-16 code units, and every unit above 0x7F becomes '?'. So "Tür" gives "T?r", and a
+	 * character outside the Basic Multilingual Plane (two units) gives "??". A byte that is not part of a
+	 * well-formed UTF-8 sequence counts as one unit and gives one '?'.
+	 */
+	std::string ToAnsi(const std::string& Utf8);
+
+	/**
+	 * 8-bit text from a foreign buffer turned into UTF-8: bytes up to 0x7F as they are, each byte above
+	 * as the Latin-1 character of that value. A null pointer reads as the empty text.
+	 */
+	std::string FromAnsi(const char* Text);
+
+	/** Whether two texts are equal ignoring ASCII case (the engine's case-insensitive compare of names). */
+	bool EqualsIgnoreCase(const std::string& A, const std::string& B);
+
+	/** Whether Needle occurs in Haystack ignoring ASCII case; the empty needle occurs everywhere. */
+	bool ContainsIgnoreCase(const std::string& Haystack, const std::string& Needle);
+}

@@ -1,0 +1,138 @@
+// Copyright Lodex contributors.
+#include "LodexDebugger/Core/Text/LodexText.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+using namespace LodexText;
+
+TEST(LodexTextFloat, RendersAsTheEngineDoes)
+{
+	struct FRow
+	{
+		double Value;
+		int MinDigits;
+		const char* Expected;
+	};
+	const FRow Rows[] = {
+		{2.0, 1, "2.0"},
+		{12.0, 1, "12.0"},
+		{0.5, 1, "0.5"},
+		{0.016666668, 1, "0.016667"},
+		{1.25, 1, "1.25"},
+		{-3.5, 1, "-3.5"},
+		{-0.0, 1, "0.0"},
+		{0.0, 0, "0"},
+		{2.0, 0, "2"},
+		{2.5, 3, "2.500"},
+		{1e-7, 1, "0.0"},
+		// Rounds to zero when printed but keeps its sign: only a true negative zero is made positive.
+		{-1e-7, 1, "-0.0"},
+		{1234567.0, 1, "1234567.0"},
+		{100.0, 1, "100.0"},
+		{0.1f, 1, "0.1"},
+		{1e20, 1, "100000000000000000000.0"},
+	};
+	for (const FRow& Row : Rows)
+	{
+		EXPECT_EQ(SanitizeFloat(Row.Value, Row.MinDigits), Row.Expected) << Row.Value;
+	}
+}
+
+TEST(LodexTextFloat, NonFiniteTextIsKeptAsPrinted)
+{
+	EXPECT_EQ(SanitizeFloat(std::numeric_limits<double>::infinity()), "inf");
+	EXPECT_EQ(SanitizeFloat(-std::numeric_limits<double>::infinity()), "-inf");
+	const std::string Nan = SanitizeFloat(std::nan(""));
+	EXPECT_TRUE(Nan == "nan" || Nan == "-nan") << Nan;
+	// The largest double prints all of its 309 integer digits.
+	EXPECT_EQ(SanitizeFloat(std::numeric_limits<double>::max()).size(), 311u);
+}
+
+TEST(LodexTextFloat, AppendsToExistingText)
+{
+	std::string Line = "x=";
+	AppendSanitizedFloat(Line, 3.0);
+	AppendSanitizedFloat(Line, 0.25);
+	EXPECT_EQ(Line, "x=3.00.25");
+}
+
+TEST(LodexTextInt, PlainDecimal)
+{
+	EXPECT_EQ(FormatInt(0), "0");
+	EXPECT_EQ(FormatInt(42), "42");
+	EXPECT_EQ(FormatInt(-7), "-7");
+	EXPECT_EQ(FormatInt(INT32_MIN), "-2147483648");
+	EXPECT_EQ(FormatInt(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
+}
+
+TEST(LodexTextLines, JoinAndSplit)
+{
+	EXPECT_EQ(Join({}, LineSeparator), "");
+	EXPECT_EQ(Join({"a"}, LineSeparator), "a");
+	EXPECT_EQ(Join({"a", "", "b"}, LineSeparator), "a\r\n\r\nb");
+
+	EXPECT_EQ(SplitDroppingEmpty("A\r\n\r\nB\r\n", LineSeparator), (std::vector<std::string>{"A", "B"}));
+	EXPECT_EQ(SplitDroppingEmpty("", LineSeparator), std::vector<std::string>{});
+	EXPECT_EQ(SplitDroppingEmpty("\r\n\r\n", LineSeparator), std::vector<std::string>{});
+	// A lone carriage return or line feed is part of a line, not a separator.
+	EXPECT_EQ(SplitDroppingEmpty("a\nb\rc\r\nd", LineSeparator), (std::vector<std::string>{"a\nb\rc", "d"}));
+}
+
+TEST(LodexTextCount, LeadingIntegerAsAtoiReadsIt)
+{
+	struct FRow
+	{
+		const char* Text;
+		std::int32_t Expected;
+	};
+	const FRow Rows[] = {
+		{"abc", 0},
+		{"12 items", 12},
+		{"  \t42", 42},
+		{"-5", -5},
+		{"+7x", 7},
+		{"", 0},
+		{"- 5", 0},
+		{"0012", 12},
+		{"99999999999", INT32_MAX},
+		{"-99999999999", INT32_MIN},
+		{"<VELT.Highlight>/x</>", 0},
+	};
+	for (const FRow& Row : Rows)
+	{
+		EXPECT_EQ(ParseLeadingInt(Row.Text), Row.Expected) << Row.Text;
+	}
+}
+
+TEST(LodexTextAnsi, UnitsAboveAsciiBecomeQuestionMarks)
+{
+	EXPECT_EQ(ToAnsi("//Door"), "//Door");
+	EXPECT_EQ(ToAnsi("T\xC3\xBCr"), "T?r");
+	EXPECT_EQ(ToAnsi("\xE7\x94\xA8\xE6\x88\xB7"), "??");
+	EXPECT_EQ(ToAnsi("a\xF0\x9F\x98\x80z"), "a??z");
+	// Malformed bytes: one mark each, the text around them kept.
+	EXPECT_EQ(ToAnsi("a\xFFz"), "a?z");
+	EXPECT_EQ(ToAnsi("a\xC3"), "a?");
+	EXPECT_EQ(ToAnsi("\xED\xA0\x80"), "???");
+
+	EXPECT_EQ(FromAnsi(nullptr), "");
+	EXPECT_EQ(FromAnsi("T?r"), "T?r");
+	EXPECT_EQ(FromAnsi("\xE9"), "\xC3\xA9");
+}
+
+TEST(LodexTextCase, AsciiCaseOnly)
+{
+	EXPECT_TRUE(EqualsIgnoreCase("VOID", "void"));
+	EXPECT_FALSE(EqualsIgnoreCase("void", "voi"));
+	EXPECT_FALSE(EqualsIgnoreCase("\xC3\x84", "\xC3\xA4"));
+
+	EXPECT_TRUE(ContainsIgnoreCase("RelativeLocation", "loc"));
+	EXPECT_TRUE(ContainsIgnoreCase("RelativeLocation", ""));
+	EXPECT_TRUE(ContainsIgnoreCase("abcABC", "cab"));
+	EXPECT_FALSE(ContainsIgnoreCase("loc", "location"));
+	EXPECT_FALSE(ContainsIgnoreCase("Rotation", "loc"));
+}
