@@ -3,7 +3,7 @@
 
 #include "Framework/Docking/TabManager.h"
 #include "Widgets/Docking/SDockTab.h"
-#include "debugPanel.h"
+#include "DetailsToolPanel.h"
 
 void DetailsTool::OnStartupModule()
 {
@@ -17,6 +17,5 @@ void DetailsTool::Initialize()
 
 TSharedRef<SDockTab> DetailsTool::SpawnTab(const FSpawnTabArgs& TabSpawnArgs)
 {
-	// The tool's own panel takes the example panel's place when it is built.
-	return SNew(SDockTab).TabRole(ETabRole::NomadTab)[SNew(debugPanel).Tool(SharedThis(this))];
+	return SNew(SDockTab).TabRole(ETabRole::NomadTab)[SNew(DetailsToolPanel).Tool(SharedThis(this))];
 }

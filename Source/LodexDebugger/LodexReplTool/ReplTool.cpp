@@ -3,7 +3,7 @@
 
 #include "Framework/Docking/TabManager.h"
 #include "Widgets/Docking/SDockTab.h"
-#include "debugPanel.h"
+#include "ReplToolPanel.h"
 
 void ReplTool::OnStartupModule()
 {
@@ -17,6 +17,5 @@ void ReplTool::Initialize()
 
 TSharedRef<SDockTab> ReplTool::SpawnTab(const FSpawnTabArgs& TabSpawnArgs)
 {
-	// The tool's own panel takes the example panel's place when it is built.
-	return SNew(SDockTab).TabRole(ETabRole::NomadTab)[SNew(debugPanel).Tool(SharedThis(this))];
+	return SNew(SDockTab).TabRole(ETabRole::NomadTab)[SNew(ReplToolPanel).Tool(SharedThis(this))];
 }
