@@ -190,13 +190,22 @@ namespace
 		{
 			Calls.push_back(std::string("AddViewportContextMenuExtender ") + Menu.ExtensionHook);
 		}
+		void RemoveViewportContextMenuExtender(const FLodexMenuInfo& Menu) override
+		{
+			Calls.push_back(std::string("RemoveViewportContextMenuExtender ") + Menu.ExtensionHook);
+		}
+		void UnregisterCommandSet(const FLodexCommandSetInfo& Set) override
+		{
+			Calls.push_back(std::string("UnregisterCommandSet ") + Set.ContextName);
+		}
 		std::vector<std::string> Calls;
 	};
 
-	TEST(MenuToolStartup, RegistersInOrder)
+	TEST(MenuToolStartup, RegistersInOrderAndShutdownTakesBackWhatTheLevelEditorHolds)
 	{
 		FRecordingMenuToolHost Host;
 		StartMenuTool(Host);
+		StopMenuTool(Host);
 		EXPECT_EQ(Host.Calls,
 			(std::vector<std::string>{
 				"CreateCommandList",
@@ -205,6 +214,8 @@ namespace
 				"MapPrintAction MenuCommand2 Absolute",
 				"AddModuleMenuExtension LevelEditor.SceneOutlinerContextMenu",
 				"AddViewportContextMenuExtender ActorType",
+				"RemoveViewportContextMenuExtender ActorType",
+				"UnregisterCommandSet MenuTool",
 			}));
 	}
 }

@@ -167,7 +167,8 @@ namespace
 		Io.Out << "\nUnloading the module\n\n";
 		FHostOutput Output(Io.Out, Io.Err, EClipboardTarget::Memory);
 		Shell.ShutdownModule(Editor, Output);
-		Io.Out << "\nTab spawners left: " << Editor.GetTabSpawners().GetSpawners().size() << "\n";
+		Io.Out << "\nTab spawners left: " << Editor.GetTabSpawners().GetSpawners().size()
+			   << "\nMenu extenders left in the level editor: " << Editor.CountLevelEditorExtenders() << "\n";
 	}
 
 	class FDemoCommand final : public ILodexCommand
