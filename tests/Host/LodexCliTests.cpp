@@ -309,6 +309,38 @@ namespace
 				 "│   │   └── holds a new RecorderToolPanel each time it opens\n",
 				 "│   │   └── holds a new ReplToolPanel each time it opens\n",
 				 "│       └── holds a new DetailsToolPanel each time it opens\n",
+				 R"x(│   └── "VELT Lode String Debugger", after "Window" (tooltip "Open the Lode String Debugger menu")
+│       └── section "Veltrane"
+│           ├── "Lodestring Debugger" opens the tab TabTool (tooltip "Lodestring Debugger Window")
+│           ├── ──── separator LODEX
+│           ├── "Input Recorder" opens the tab RecorderTool (tooltip "Record User Input")
+│           ├── ──── separator RECORDER_TOOL
+│           ├── "Lodex REPL" opens the tab ReplTool (tooltip "Quickly test your Lodestring queries in a REPL (Read, Examine, Print, Loop)")
+│           ├── ──── separator REPL_TOOL
+│           ├── "Object Explorer" opens the tab DetailsTool (tooltip "Explore the values, componenets, and available methods in selected objects")
+│           └── ──── separator DETAILS_TOOL
+)x",
+				 R"x(
+    ├── Components tree menu of the object explorer (extends the tool menu "Kismet.SCSEditorContextMenu")
+    │   └── section "VelTrane", heading "VelTrane"
+    │       └── sub-menu "Lodestring" (tooltip "Get the Lodestring for the selected component")
+    │           └── section "VelTrane"
+    │               ├── "Lodestring Relative" prints the Relative Lodestring (tooltip "Get the Lodestring Relative")
+    │               └── "Lodestring Absolute" prints the Absolute Lodestring (tooltip "Get the Lodestring Absolute")
+    └── Lists of the object explorer (built by the list's context-menu handler)
+        └── section "Veltrane", heading "VelTrane"
+            └── sub-menu "Lodestring" (tooltip "Print the Lodestring reference")
+                ├── "Lodestring Relative" (DetailToolA.DetailCommand1) prints the Relative Lodestring (tooltip "Print the Lodestring to the console")
+                └── "Lodestring Absolute" (DetailToolA.DetailCommand2) prints the Absolute Lodestring (tooltip "Print the Lodestring to the console")
+)x",
+				 R"x(
+    ├── Scene outliner actor menu (before the hook "LevelEditor.SceneOutlinerContextMenu")
+    │   └── section "Veltrane", heading "VelTrane"
+    │       └── sub-menu "Lodestring" (tooltip "Print the Lodestring reference for use in Veltrane tests.")
+    │           ├── "Lodestring Relative" (MenuTool.MenuCommand1) prints the Relative Lodestring (tooltip "Print the Lodestring to the console")
+    │           └── "Lodestring Absolute" (MenuTool.MenuCommand2) prints the Absolute Lodestring (tooltip "Print the Lodestring to the console")
+    ├── Level viewport actor menu (before the hook "ActorType")
+)x",
 				 "\nUnloading the module\n\nLogTemp: Warning: ShutdownModule() called\n\nTab spawners left: 0\n"
 				 "Menu extenders left in the level editor: 0\n",
 			 })

@@ -1,6 +1,4 @@
 // Copyright Lodex contributors.
-#include "LodexCli.h"
-
 #include "LodexDebugger/Core/Shell/LodexExamplePanel.h"
 #include "LodexDebugger/Core/Shell/LodexMenuModel.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
@@ -11,7 +9,6 @@
 #include <map>
 #include <memory>
 #include <set>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -346,27 +343,6 @@ namespace
 			(FLines{Head, "entry Bee -> B", A, S1, S2, S3, S4}));
 	}
 
-	TEST(LodexTabs, AreTheFourToolsWithTheEditorTextsAsTheyStand)
-	{
-		FLines Rows;
-		for (const FLodexTabInfo& Tab : GetLodexTabs())
-		{
-			Rows.push_back(std::string(Tab.TabName) + " | " + Tab.DisplayName + " | " + Tab.ToolTip + " | " +
-				Tab.MenuHook + " | " + Tab.PanelName);
-			EXPECT_EQ(GetLodexListener(Tab.Listener).Tab, &Tab) << Tab.TabName;
-			EXPECT_EQ(FindLodexTab(Tab.TabName), &Tab);
-		}
-		EXPECT_EQ(Rows,
-			(FLines{"TabTool | Lodestring Debugger | Lodestring Debugger Window | LODEX | TabToolPanel",
-				"RecorderTool | Input Recorder | Record User Input | RECORDER_TOOL | RecorderToolPanel",
-				"ReplTool | Lodex REPL | Quickly test your Lodestring queries in a REPL (Read, Examine, Print, Loop) | "
-				"REPL_TOOL | ReplToolPanel",
-				"DetailsTool | Object Explorer | Explore the values, componenets, and available methods in selected "
-				"objects | DETAILS_TOOL | DetailsToolPanel"}));
-		EXPECT_EQ(FindLodexTab("MenuTool"), nullptr);
-		EXPECT_EQ(FindLodexTab("tabtool"), nullptr);
-	}
-
 	TEST(LodexExamplePanel, HoldsItsFixedTree)
 	{
 		const FLodexExamplePanelInfo& Panel = GetLodexExamplePanel();
@@ -375,33 +351,5 @@ namespace
 			(std::vector<float>{5.0f, 192.0f, 192.0f, 192.0f, 255.0f, 15.0f}));
 		EXPECT_EQ(Grey.Kind, ELodexColorKind::Color8);
 		EXPECT_STREQ(Panel.Text, "This is a tab example.");
-	}
-
-	TEST(LodexDemo, ShowsThePullDownTheTabsAndTheContextMenusThenUnloads)
-	{
-		std::ostringstream Out;
-		std::ostringstream Err;
-		ASSERT_EQ(RunLodexCli({"demo"}, Out, Err), 0) << Err.str();
-		const std::string Text = Out.str();
-		const FLines InOrder{"│   └── \"VELT Lode String Debugger\", after \"Window\" (tooltip \"Open the Lode String "
-							 "Debugger menu\")\n",
-			"│       └── section \"Veltrane\"\n",
-			"│           ├── \"Lodestring Debugger\" opens the tab TabTool (tooltip \"Lodestring Debugger Window\")\n",
-			"│           ├── ──── separator LODEX\n", "│           └── ──── separator DETAILS_TOOL\n",
-			"├── Tabs (nomad tab spawners)\n", "│   ├── TabTool: \"Lodestring Debugger\"\n",
-			"│   └── DetailsTool: \"Object Explorer\"\n", "└── Context menus\n",
-			"    ├── Scene outliner actor menu (before the hook \"LevelEditor.SceneOutlinerContextMenu\")\n",
-			"    ├── Level viewport actor menu (before the hook \"ActorType\")\n",
-			"    ├── Components tree menu of the object explorer (extends the tool menu "
-			"\"Kismet.SCSEditorContextMenu\")\n",
-			"    └── Lists of the object explorer (built by the list's context-menu handler)\n",
-			"LogTemp: Warning: ShutdownModule() called\n", "Tab spawners left: 0\n"};
-		std::size_t From = 0;
-		for (const std::string& Expected : InOrder)
-		{
-			const std::size_t At = Text.find(Expected, From);
-			ASSERT_NE(At, std::string::npos) << "missing, or out of order: " << Expected << "\n" << Text;
-			From = At + Expected.size();
-		}
 	}
 }
