@@ -321,13 +321,13 @@ namespace
 │           └── ──── separator DETAILS_TOOL
 )x",
 				 R"x(
-    ├── Components tree menu of the object explorer (extends the tool menu "Kismet.SCSEditorContextMenu")
+    ├── Components tree menu of the object explorer (extends the tool menu "Kismet.SCSEditorContextMenu"), once an Object Explorer tab has opened
     │   └── section "VelTrane", heading "VelTrane"
     │       └── sub-menu "Lodestring" (tooltip "Get the Lodestring for the selected component")
     │           └── section "VelTrane"
     │               ├── "Lodestring Relative" prints the Relative Lodestring (tooltip "Get the Lodestring Relative")
     │               └── "Lodestring Absolute" prints the Absolute Lodestring (tooltip "Get the Lodestring Absolute")
-    └── Lists of the object explorer (built by the list's context-menu handler)
+    └── Lists of the object explorer (built by the list's context-menu handler), once an Object Explorer tab has opened
         └── section "Veltrane", heading "VelTrane"
             └── sub-menu "Lodestring" (tooltip "Print the Lodestring reference")
                 ├── "Lodestring Relative" (DetailToolA.DetailCommand1) prints the Relative Lodestring (tooltip "Print the Lodestring to the console")

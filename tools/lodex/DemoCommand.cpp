@@ -128,6 +128,11 @@ namespace
 			{
 				Where += std::string(" (built by ") + Menu.AddedThrough + ")";
 			}
+			if (std::string(Menu.CommandSet) == GetDetailToolCommandSet().ContextName)
+			{
+				// Start-up does not add these: the Object Explorer's panel does, when its tab opens.
+				Where += ", once an Object Explorer tab has opened";
+			}
 			FTextTreeNode& Kind = Menus.Add(Where);
 			FTextTreeNode& Section =
 				Kind.Add("section " + Quote(Menu.SectionName) + ", heading " + Quote(Menu.SectionHeading));
