@@ -412,6 +412,24 @@ namespace
 		EXPECT_EQ(ProjectFiles(), Before);
 	}
 
+	TEST_F(LodexInstall, ASourceFileThatCannotBeReadIsRefusedByTheDryRunAndTheInstall)
+	{
+		const std::string Unreadable = Source + "/Source/LodexDebugger/Private/LodexDebugger.cpp";
+		fs::permissions(Unreadable, fs::perms::none);
+		if (geteuid() == 0)
+		{
+			ChownTree(Dir.Path, ChildProcess::UnprivilegedId);
+		}
+		const auto Before = ProjectFiles();
+		for (const char* Extra : {"--dry-run", ""})
+		{
+			const FProcessRun Run = ChildProcess::RunUnprivileged(
+				[&] { return Install(*Extra ? std::vector<std::string>{Extra} : std::vector<std::string>{}); });
+			EXPECT_EQ(Printed(Run), "exit 1: lodex: " + Unreadable + ": cannot read the file (Permission denied)\n");
+		}
+		EXPECT_EQ(ProjectFiles(), Before);
+	}
+
 	TEST_F(LodexInstall, AWriteThatFailsPartWayLeavesTheProjectExactlyAsItWas)
 	{
 		// A source file bigger than the file-size limit: its copy fails after others were written.
