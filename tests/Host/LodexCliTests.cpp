@@ -1,14 +1,14 @@
 // Copyright Lodex contributors.
+#include "ChildProcess.h"
 #include "LodestringCases.h"
 #include "LodexCli.h"
 #include "TempDir.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
+#include <filesystem>
+#include <set>
 #include <sstream>
-#include <sys/wait.h>
 
 namespace
 {
@@ -30,14 +30,15 @@ namespace
 		return Run;
 	}
 
-	int CountLines(const std::string& Text)
+	/** The names in a folder. */
+	std::set<std::string> ListFolder(const std::string& Path)
 	{
-		int Lines = 0;
-		for (const char Char : Text)
+		std::set<std::string> Names;
+		for (const std::filesystem::directory_entry& Entry : std::filesystem::directory_iterator(Path))
 		{
-			Lines += Char == '\n' ? 1 : 0;
+			Names.insert(Entry.path().filename().string());
 		}
-		return Lines;
+		return Names;
 	}
 
 	class LodexCli : public ::testing::Test
@@ -92,7 +93,7 @@ namespace
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : /*[@name = 'A'] \nLogTemp: Lodestring : /*[@name = 'Bob's'] \n");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "/*[@name = 'Bob's']");
-		EXPECT_FALSE(FTempDir::Exists(Clipboard + ".lodex-tmp"));
+		EXPECT_EQ(ListFolder(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
 
 		const FRun Relative =
 			RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door"});
@@ -110,39 +111,69 @@ namespace
 		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
 	}
 
-	TEST_F(LodexCli, CopyToAnUnwritableClipboardKeepsTheLogAndFails)
+	TEST_F(LodexCli, CopyToAClipboardFileThatCannotBeWrittenKeepsTheLogSaysSoOnceAndLeavesNothingBehind)
 	{
-		const std::string Clipboard = Dir.File("missing-folder/clipboard.txt");
-		const FRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "a"});
-		EXPECT_EQ(Run.Exit, 1);
-		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : //A \n");
-		EXPECT_EQ(CountLines(Run.Err), 1) << Run.Err;
-		EXPECT_NE(Run.Err.find(Clipboard), std::string::npos) << Run.Err;
+		std::filesystem::create_directory(Dir.File("folder"));
+		const struct
+		{
+			std::string Clipboard;
+			std::string Error;
+		} Rows[] = {
+			{Dir.File("missing-folder/clipboard.txt"),
+				Dir.File("missing-folder/clipboard.txt") + ": cannot write the file (No such file or directory)"},
+			{Dir.File("folder"), Dir.File("folder") + ": is a folder, not a file; nothing was written"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const std::set<std::string> Before = ListFolder(Dir.Path);
+			const FRun Run = RunLodex(
+				{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Row.Clipboard, "a", "door"});
+			EXPECT_EQ(Run.Exit, 1);
+			EXPECT_EQ(Run.Out, "LogTemp: Lodestring : //A \nLogTemp: Lodestring : //Door \n");
+			EXPECT_EQ(Run.Err, "lodex: " + Row.Error + "\n");
+			EXPECT_EQ(ListFolder(Dir.Path), Before);
+		}
+		EXPECT_TRUE(ListFolder(Dir.File("folder")).empty());
 	}
 
-	TEST_F(LodexCli, UsageErrorsPrintTheUsageAndExitTwo)
+	TEST_F(LodexCli, UsageErrorsSayWhatIsWrongThenPrintTheWholeCommandsUsageAndExitTwo)
 	{
-		const std::vector<std::vector<std::string>> Calls = {
-			{},
-			{"frobnicate"},
-			{"path", "door"},
-			{"path", "--scene", ScenePath},
-			{"path", "--scene", ScenePath, "--colour", "red", "door"},
-			{"copy", "--scene", ScenePath, "door"},
-			{"copy", "--scene", ScenePath, "--mode", "absolute", "door"},
-			{"copy", "--scene", ScenePath, "--mode", "Tag", "door"},
-		};
-		for (const std::vector<std::string>& Call : Calls)
+		const struct
 		{
-			const FRun Run = RunLodex(Call);
-			EXPECT_EQ(Run.Exit, 2) << ::testing::PrintToString(Call);
+			std::vector<std::string> Call;
+			std::string FirstLine;
+			std::string Usage;
+		} Rows[] = {
+			{{}, "lodex: A subcommand is required", "Usage: lodex [OPTIONS] SUBCOMMAND"},
+			{{"frobnicate", "door"}, "lodex: unknown command 'frobnicate' (the commands are path, copy, demo, install)",
+				"Usage: lodex [OPTIONS] SUBCOMMAND"},
+			{{"path", "door"}, "lodex: --scene is required", "Usage: lodex path [OPTIONS] objects..."},
+			{{"path", "--scene", ScenePath}, "lodex: objects is required", "Usage: lodex path [OPTIONS] objects..."},
+			{{"path", "--scene", ScenePath, "--colour", "red", "door"},
+				"lodex: The following argument was not expected: --colour", "Usage: lodex path [OPTIONS] objects..."},
+			{{"copy", "--scene", ScenePath, "door"}, "lodex: --mode is required",
+				"Usage: lodex copy [OPTIONS] [objects...]"},
+			{{"copy", "--scene", ScenePath, "--mode", "absolute", "door"},
+				"lodex: --mode: absolute not in {Relative,Absolute}", "Usage: lodex copy [OPTIONS] [objects...]"},
+			{{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", "", "door"},
+				"lodex: --clipboard: needs a file name", "Usage: lodex copy [OPTIONS] [objects...]"},
+			{{"install"}, "lodex: --project is required", "Usage: lodex install [OPTIONS]"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FRun Run = RunLodex(Row.Call);
+			EXPECT_EQ(Run.Exit, 2) << ::testing::PrintToString(Row.Call);
 			EXPECT_EQ(Run.Out, "");
-			EXPECT_NE(Run.Err.find("Usage:"), std::string::npos) << Run.Err;
+			EXPECT_EQ(Run.Err.substr(0, Run.Err.find('\n')), Row.FirstLine) << ::testing::PrintToString(Row.Call);
+			EXPECT_NE(Run.Err.find("\n" + Row.Usage + "\n"), std::string::npos) << Run.Err;
 		}
 	}
 
-	TEST_F(LodexCli, HelpEverywhere)
+	TEST_F(LodexCli, VersionAndHelpEverywhere)
 	{
+		const FRun Version = RunLodex({"--version"});
+		EXPECT_EQ(Version.Exit, 0);
+		EXPECT_EQ(Version.Out, "lodex 0.1.0\n");
 		for (const std::vector<std::string>& Call : std::vector<std::vector<std::string>>{
 				 {"--help"}, {"path", "--help"}, {"copy", "--help"}, {"demo", "--help"}})
 		{
@@ -151,6 +182,17 @@ namespace
 			EXPECT_NE(Run.Out.find("Usage:"), std::string::npos) << Run.Out;
 		}
 		EXPECT_NE(RunLodex({"copy", "--help"}).Out.find("--clipboard"), std::string::npos);
+	}
+
+	TEST_F(LodexCli, ANullReferenceMeansNone)
+	{
+		const std::string Scene = Dir.Write("null.json", R"({"objects": [
+			{"id": "h", "kind": "actor", "name": "House", "outer": null, "attachParent": null},
+			{"id": "d", "kind": "actor", "name": "Door", "outer": null, "attachParent": "h", "rootWidget": null},
+			{"id": "w", "kind": "widget", "name": "W", "widgetParent": null}]})");
+		const FRun Run = RunLodex({"path", "--scene", Scene, "h", "d", "w"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "/*[@name = 'House']\n/*[@name = 'House']/*[@name = 'Door']\n/*[@name = 'W']\n");
 	}
 
 	TEST_F(LodexCli, BadSceneFilesFailWithOneLineAndNoOutput)
@@ -170,6 +212,7 @@ namespace
 					":2:19: syntax error while parsing object - unexpected string literal; expected '}'\n"},
 			{Dangling, "lodex: " + Dangling + ": objects[0] (id 'a'): field 'outer': no object has the id 'x'\n"},
 			{Dir.File("absent.json"), "lodex: " + Dir.File("absent.json") + ": cannot open the file\n"},
+			{Dir.Path, "lodex: " + Dir.Path + ": is a folder, not a scene file\n"},
 		};
 		for (const FRow& Row : Rows)
 		{
@@ -180,46 +223,202 @@ namespace
 		}
 	}
 
-	/** The installed binary, as a user runs it: exit status and the two streams kept apart. */
-	FRun RunBinary(const std::string& Arguments, const std::string& Environment = "")
+	/**
+	 * Whatever a scene file holds, in any field (one Lodex ignores included), the binary ends with one line naming
+	 * the file, and where known the line and column: never with the JSON library's uncaught exception.
+	 */
+	TEST(LodexBinary, WhatTheJsonLibraryRejectsIsOneLineNamingTheFile)
 	{
 		FTempDir Dir;
-		const std::string Command = Environment + " '" LODEX_BINARY "' " + Arguments + " >'" + Dir.File("out") +
-			"' 2>'" + Dir.File("err") + "'";
-		FRun Run;
-		const int Status = std::system(Command.c_str());
-		Run.Exit = WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
-		Run.Out = FTempDir::Read(Dir.File("out"));
-		Run.Err = FTempDir::Read(Dir.File("err"));
-		return Run;
+		const std::string Start = "{\"objects\": [{\"id\": \"a\", \"kind\": \"actor\", \"name\": \"A\",\n \"extra\": ";
+		const struct
+		{
+			std::string Value;
+			std::string Error;
+		} Rows[] = {
+			{"1e999", "2:11: number out of the range of a double: 1e999"},
+			{"[0, -1e999]", "2:15: number out of the range of a double: -1e999"},
+			{std::string(400, '7'),
+				"2:11: number out of the range of a double: 77777777777777777777... (400 characters)"},
+			{"\"\\ud800\"",
+				"2:18: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF must be "
+				"followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'"},
+			{std::string("\"a\0b\"", 5), "2:13: a NUL byte; the file must be UTF-8 text"},
+			{"\"\xFF\"",
+				"2:12: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last read: "
+				"'\"\\xFF'"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const std::string Scene = Dir.Write("scene.json", Start + Row.Value + "}]}");
+			const std::vector<std::string> Calls[] = {{"path", "--scene", Scene, "a"},
+				{"copy", "--scene", Scene, "--mode", "Absolute", "--clipboard", Dir.File("clip"), "a"}};
+			for (const std::vector<std::string>& Call : Calls)
+			{
+				const FProcessRun Run = ChildProcess::RunLodex(Call);
+				EXPECT_EQ(Run.Signal, 0) << Row.Value;
+				EXPECT_EQ(Run.Exit, 1) << Row.Value;
+				EXPECT_EQ(Run.Out, "");
+				EXPECT_EQ(Run.Err, "lodex: " + Scene + ":" + Row.Error + "\n") << Row.Value;
+			}
+		}
+		EXPECT_FALSE(FTempDir::Exists(Dir.File("clip")));
 	}
 
-	TEST(LodexBinary, DemoRunsOnTheEmbeddedSampleFromAnyFolder)
+	/** The line of Text that starts with Start, without its end. */
+	std::string LineStartingWith(const std::string& Text, const std::string& Start)
 	{
-		const FRun Run = RunBinary("demo", "cd / &&");
+		const std::size_t At = Text.find("\n" + Start);
+		return At == std::string::npos ? std::string() : Text.substr(At + 1, Text.find('\n', At + 1) - At - 1);
+	}
+
+	int CountOccurrences(const std::string& Text, const std::string& Part)
+	{
+		int Count = 0;
+		for (std::size_t At = Text.find(Part); At != std::string::npos; At = Text.find(Part, At + Part.size()))
+		{
+			++Count;
+		}
+		return Count;
+	}
+
+	TEST(LodexBinary, DemoShowsTheSampleAsATableTheCommandRunAndWhatTheModuleAddsFromAnyFolder)
+	{
+		const FProcessRun Run = ChildProcess::RunLodex({"demo"}, {}, [] { (void)!chdir("/"); });
 		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out.substr(0, Run.Out.find("PersistentLevel")),
+			"Lodestrings of every object of the sample level\n\n"
+			"Object                  Kind        Absolute                                                     Relative "
+			"                            Tag\n"
+			"----------------------  ----------  -----------------------------------------------------------  "
+			"-----------------------------------  ------------------------------------------------------\n");
+		EXPECT_EQ(LineStartingWith(Run.Out, "PersistentLevel"),
+			"PersistentLevel         other       (empty)                                                      (empty)  "
+			"                            (empty)");
+		// A name with a non-ASCII letter is padded by characters, not bytes.
+		EXPECT_EQ(LineStartingWith(Run.Out, "Tür"),
+			"Tür                     actor       /*[@name = 'Tür']                                            //Tür    "
+			"                            /*[@tag = '用户']");
 		for (const char* Expected : {
+				 "\n\"Lodestring Absolute\" (MenuTool.MenuCommand2) on the selection Door, Lamp_2\n\n"
 				 "LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = "
-				 "'Lamp_2'] \n",
-				 "Clipboard: /*[@name = 'Lamp_2']\n",
-				 "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')  //Door/fn:component('Hinge')",
-				 "/*[@name = 'Tür']",
+				 "'Lamp_2'] \n\nClipboard: /*[@name = 'Lamp_2']\n\nWhat the module adds to the level editor\n\n"
+				 "LodexDebugger\n",
+				 "│   ├── TabTool: \"Lodestring Debugger\"\n│   │   ├── tooltip \"Lodestring Debugger Window\"\n"
+				 "│   │   ├── group \"Menu Root\"\n│   │   └── holds a new TabToolPanel each time it opens\n",
+				 "│   │   └── holds a new RecorderToolPanel each time it opens\n",
+				 "│   │   └── holds a new ReplToolPanel each time it opens\n",
+				 "│       └── holds a new DetailsToolPanel each time it opens\n",
+				 R"x(│   └── "VELT Lode String Debugger", after "Window" (tooltip "Open the Lode String Debugger menu")
+│       └── section "Veltrane"
+│           ├── "Lodestring Debugger" opens the tab TabTool (tooltip "Lodestring Debugger Window")
+│           ├── ──── separator LODEX
+│           ├── "Input Recorder" opens the tab RecorderTool (tooltip "Record User Input")
+│           ├── ──── separator RECORDER_TOOL
+│           ├── "Lodex REPL" opens the tab ReplTool (tooltip "Quickly test your Lodestring queries in a REPL (Read, Examine, Print, Loop)")
+│           ├── ──── separator REPL_TOOL
+│           ├── "Object Explorer" opens the tab DetailsTool (tooltip "Explore the values, componenets, and available methods in selected objects")
+│           └── ──── separator DETAILS_TOOL
+)x",
+				 R"x(
+    ├── Components tree menu of the object explorer (extends the tool menu "Kismet.SCSEditorContextMenu"), once an Object Explorer tab has opened
+    │   └── section "VelTrane", heading "VelTrane"
+    │       └── sub-menu "Lodestring" (tooltip "Get the Lodestring for the selected component")
+    │           └── section "VelTrane"
+    │               ├── "Lodestring Relative" prints the Relative Lodestring (tooltip "Get the Lodestring Relative")
+    │               └── "Lodestring Absolute" prints the Absolute Lodestring (tooltip "Get the Lodestring Absolute")
+    └── Lists of the object explorer (built by the list's context-menu handler), once an Object Explorer tab has opened
+        └── section "Veltrane", heading "VelTrane"
+            └── sub-menu "Lodestring" (tooltip "Print the Lodestring reference")
+                ├── "Lodestring Relative" (DetailToolA.DetailCommand1) prints the Relative Lodestring (tooltip "Print the Lodestring to the console")
+                └── "Lodestring Absolute" (DetailToolA.DetailCommand2) prints the Absolute Lodestring (tooltip "Print the Lodestring to the console")
+)x",
+				 R"x(
+    ├── Scene outliner actor menu (before the hook "LevelEditor.SceneOutlinerContextMenu")
+    │   └── section "Veltrane", heading "VelTrane"
+    │       └── sub-menu "Lodestring" (tooltip "Print the Lodestring reference for use in Veltrane tests.")
+    │           ├── "Lodestring Relative" (MenuTool.MenuCommand1) prints the Relative Lodestring (tooltip "Print the Lodestring to the console")
+    │           └── "Lodestring Absolute" (MenuTool.MenuCommand2) prints the Absolute Lodestring (tooltip "Print the Lodestring to the console")
+    ├── Level viewport actor menu (before the hook "ActorType")
+)x",
+				 "\nUnloading the module\n\nLogTemp: Warning: ShutdownModule() called\n\nTab spawners left: 0\n"
+				 "Menu extenders left in the level editor: 0\n",
 			 })
 		{
 			EXPECT_NE(Run.Out.find(Expected), std::string::npos) << Expected;
 		}
+		EXPECT_EQ(CountOccurrences(Run.Out, "group \"Menu Root\"\n"), 4);
+		EXPECT_EQ(CountOccurrences(Run.Out, "debugPanel"), 0);
 	}
 
-	TEST(LodexBinary, CopyWithoutAClipboardToolSaysSoOnceAndKeepsTheLog)
+	/** A folder holding one clipboard tool, a shell script. */
+	std::string MakeClipboardTool(const FTempDir& Dir, const char* Name, const std::string& Script)
 	{
-		const FRun Run = RunBinary(
-			std::string("copy --scene '") + LODEX_SOURCE_DIR + "/samples/level.json' --mode Absolute door lamp",
-			"env -u DISPLAY -u WAYLAND_DISPLAY PATH=/nonexistent");
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Out,
-			"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = 'Lamp_2'] "
-			"\n");
-		EXPECT_EQ(CountLines(Run.Err), 1) << Run.Err;
-		EXPECT_NE(Run.Err.find("--clipboard"), std::string::npos) << Run.Err;
+		const std::string Tool = Dir.Write(Name, "#!/bin/sh\n" + Script + "\n");
+		std::filesystem::permissions(Tool, std::filesystem::perms::owner_all);
+		return Dir.Path;
+	}
+
+	TEST(LodexBinary, ClipboardWithoutAToolOrWithOneThatFailsSaysNotCopiedOnceAndKeepsTheLog)
+	{
+		FTempDir Dir;
+		// The Lodestrings are longer than a pipe holds: a tool that quits without reading breaks the pipe.
+		const std::string Long(200000, 'L');
+		const std::string Scene = Dir.Write("scene.json",
+			"{\"objects\": [{\"id\": \"a\", \"kind\": \"actor\", "
+			"\"name\": \"" +
+				Long +
+				"\"}, {\"id\": \"b\", \"kind\": "
+				"\"actor\", \"name\": \"B\"}]}");
+		const std::string Log =
+			"LogTemp: Lodestring : /*[@name = '" + Long + "'] \nLogTemp: Lodestring : /*[@name = 'B'] \n";
+		const std::string Advice = "; use --clipboard FILE to keep the copied text\n";
+		FTempDir Failing;
+		FTempDir Quitting;
+		FTempDir Working;
+		const struct
+		{
+			ChildProcess::FEnvironment Environment;
+			std::string Notice;
+		} Rows[] = {
+			{{{"DISPLAY", std::nullopt}, {"WAYLAND_DISPLAY", std::nullopt}, {"PATH", "/nonexistent"}},
+				"lodex: not copied to the clipboard: no clipboard tool is reachable (tried wl-copy, xclip, xsel, "
+				"pbcopy, clip.exe)" +
+					Advice},
+			{{{"DISPLAY", ":99"}, {"WAYLAND_DISPLAY", std::nullopt},
+				 {"PATH", MakeClipboardTool(Failing, "xclip", "exit 1")}},
+				"lodex: not copied to the clipboard: xclip failed (exit status 1)" + Advice},
+			{{{"DISPLAY", ":99"}, {"WAYLAND_DISPLAY", std::nullopt},
+				 {"PATH", MakeClipboardTool(Quitting, "xclip", "exit 0")}},
+				"lodex: not copied to the clipboard: xclip did not take the text (Broken pipe)" + Advice},
+			{{{"DISPLAY", ":99"}, {"WAYLAND_DISPLAY", std::nullopt},
+				 {"PATH", MakeClipboardTool(Working, "xsel", "/bin/cat >/dev/null")}},
+				""},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FProcessRun Run =
+				ChildProcess::RunLodex({"copy", "--scene", Scene, "--mode", "Absolute", "a", "b"}, Row.Environment);
+			EXPECT_EQ(Run.Signal, 0) << Row.Notice;
+			EXPECT_EQ(Run.Exit, 0) << Run.Err;
+			EXPECT_TRUE(Run.Out == Log) << Run.Out.size() << " bytes";
+			EXPECT_EQ(Run.Err, Row.Notice);
+		}
+	}
+
+	TEST(LodexBinary, AClipboardFileWriteThatFailsPartWayKeepsTheEarlierFileAndLeavesNothingBehind)
+	{
+		FTempDir Dir;
+		const std::string Scene = Dir.Write("scene.json",
+			"{\"objects\": [{\"id\": \"a\", \"kind\": \"actor\", \"name\": \"" + std::string(40000, 'N') + "\"}]}");
+		const std::string Clipboard = Dir.Write("clipboard.txt", "earlier text\n");
+		const FProcessRun Run =
+			ChildProcess::RunLodex({"copy", "--scene", Scene, "--mode", "Relative", "--clipboard", Clipboard, "a"}, {},
+				ChildProcess::LimitFileSize(16 * 1024));
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_TRUE(Run.Out == "LogTemp: Lodestring : //" + std::string(40000, 'N') + " \n") << "the log line stands";
+		EXPECT_EQ(Run.Err, "lodex: " + Clipboard + ": cannot write the file (File too large)\n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
+		EXPECT_EQ(ListFolder(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
 	}
 }

@@ -84,90 +84,23 @@ namespace
 			"LogTemp: Warning: ShutdownModule() called");
 	}
 
-	std::string JoinFields(std::initializer_list<std::string> Fields)
+	TEST(CommandSets, LocalisationKeysFollowTheEngineAndCommandsAreFoundByExactIdOrMode)
 	{
-		std::string Line;
-		for (const std::string& Field : Fields)
-		{
-			Line += (Line.empty() ? "" : "|") + Field;
-		}
-		return Line;
-	}
+		const FLodexCommandSetInfo& Set = GetMenuToolCommandSet();
+		const FLodexCommandInfo* Absolute = FindCommandById(Set, "MenuCommand2");
+		ASSERT_NE(Absolute, nullptr);
+		EXPECT_STREQ(Absolute->Label, "Lodestring Absolute");
+		EXPECT_EQ(FindCommandById(Set, "menuCommand2"), nullptr);
+		EXPECT_EQ(FindCommandById(GetDetailToolCommandSet(), "MenuCommand2"), nullptr);
+		EXPECT_EQ(FindCommandForMode(Set, "Absolute"), Absolute);
+		EXPECT_EQ(FindCommandForMode(Set, "absolute"), nullptr);
 
-	TEST(CommandSets, TablesAsTheEditorRegistersThem)
-	{
-		std::vector<std::string> Rows;
-		for (const FLodexCommandSetInfo* Set : {&GetMenuToolCommandSet(), &GetDetailToolCommandSet()})
-		{
-			for (const FLodexCommandInfo& Command : Set->Commands)
-			{
-				const FLodexCommandKeys Keys = MakeCommandKeys(Set->ContextName, Command);
-				Rows.push_back(JoinFields({Set->ContextName, Set->ContextDescription, Command.CommandId, Command.Label,
-					Command.Tooltip, Command.Mode, Keys.Namespace, Keys.LabelKey, Keys.TooltipKey, Keys.DotName}));
-			}
-		}
-		const FLodexCommandInfo& Module = GetModuleTestCommand();
-		const FLodexCommandKeys ModuleKeys = MakeCommandKeys(LodexModuleLocNamespace, Module);
-		Rows.push_back(JoinFields({Module.CommandId, Module.Label, Module.Tooltip, ModuleKeys.Namespace}));
-		const char* const Print = "Veltrane right click menu|";
-		EXPECT_EQ(Rows,
-			(std::vector<std::string>{
-				std::string("MenuTool|") + Print +
-					"MenuCommand1|Lodestring Relative|Print the Lodestring to the "
-					"console|Relative|MenuTool|MenuCommand1|MenuCommand1_ToolTip|.MenuCommand1",
-				std::string("MenuTool|") + Print +
-					"MenuCommand2|Lodestring Absolute|Print the Lodestring to the "
-					"console|Absolute|MenuTool|MenuCommand2|MenuCommand2_ToolTip|.MenuCommand2",
-				std::string("DetailToolA|") + Print +
-					"DetailCommand1|Lodestring Relative|Print the Lodestring to "
-					"the console|Relative|DetailToolA|DetailCommand1|DetailCommand1_ToolTip|.DetailCommand1",
-				std::string("DetailToolA|") + Print +
-					"DetailCommand2|Lodestring Absolute|Print the Lodestring to "
-					"the console|Absolute|DetailToolA|DetailCommand2|DetailCommand2_ToolTip|.DetailCommand2",
-				"TestCommand|TestCommand|This is test command|FLodexDebugger",
-			}));
-		EXPECT_STREQ(FindCommandForMode(GetMenuToolCommandSet(), "Absolute")->CommandId, "MenuCommand2");
-		EXPECT_EQ(FindCommandForMode(GetMenuToolCommandSet(), "absolute"), nullptr);
-	}
-
-	TEST(ContextMenus, SectionSubMenuAndEntriesOfEachKind)
-	{
-		std::vector<std::string> Rows;
-		for (const FLodexMenuInfo& Menu : GetLodexContextMenus())
-		{
-			Rows.push_back(JoinFields({Menu.AddedThrough, Menu.ExtensionHook, Menu.SectionName, Menu.SectionHeading,
-				Menu.SubMenuName, Menu.SubMenuLabel, Menu.SubMenuTooltip, Menu.CommandSet, Menu.InnerSectionName,
-				Menu.bLocalized ? "localised" : "plain"}));
-			for (const FLodexMenuEntryInfo& Entry : Menu.Entries)
-			{
-				Rows.push_back(JoinFields({"  ", Entry.Name, Entry.CommandId ? Entry.CommandId : "-", Entry.Label,
-					Entry.Tooltip, Entry.LabelLocKey, Entry.TooltipLocKey, Entry.Mode}));
-			}
-		}
-		const std::string Outliner = "Print the Lodestring reference for use in Veltrane tests.|MenuTool||plain";
-		const std::string MenuEntry = "Print the Lodestring to the console|||";
-		EXPECT_EQ(Rows,
-			(std::vector<std::string>{
-				"the module's menu extender|LevelEditor.SceneOutlinerContextMenu|Veltrane|VelTrane||Lodestring|" +
-					Outliner,
-				"  |MenuCommand1|MenuCommand1|Lodestring Relative|" + MenuEntry + "Relative",
-				"  |MenuCommand2|MenuCommand2|Lodestring Absolute|" + MenuEntry + "Absolute",
-				"the level editor's viewport context-menu extenders|ActorType|Veltrane|VelTrane||Lodestring|" +
-					Outliner,
-				"  |MenuCommand1|MenuCommand1|Lodestring Relative|" + MenuEntry + "Relative",
-				"  |MenuCommand2|MenuCommand2|Lodestring Absolute|" + MenuEntry + "Absolute",
-				"Kismet.SCSEditorContextMenu||VelTrane|VelTrane|Veltrane|Lodestring|Get the Lodestring for the "
-				"selected "
-				"component|DetailToolA|VelTrane|localised",
-				"  |Lodestring Relative|-|Lodestring Relative|Get the Lodestring Relative|Lodestring_Relative|"
-				"Lodestring_Relative_Tooltip|Relative",
-				"  |Lodestring Absolute|-|Lodestring Absolute|Get the Lodestring Absolute|Lodestring_Absolute|"
-				"Lodestring_Absolute_Tooltip|Absolute",
-				"the list's context-menu handler||Veltrane|VelTrane||Lodestring|Print the Lodestring "
-				"reference|DetailToolA||plain",
-				"  |DetailCommand1|DetailCommand1|Lodestring Relative|" + MenuEntry + "Relative",
-				"  |DetailCommand2|DetailCommand2|Lodestring Absolute|" + MenuEntry + "Absolute",
-			}));
+		const FLodexCommandKeys Keys = MakeCommandKeys(Set.ContextName, *Absolute);
+		EXPECT_EQ((std::vector<std::string>{Keys.Namespace, Keys.LabelKey, Keys.TooltipKey, Keys.DotName}),
+			(std::vector<std::string>{"MenuTool", "MenuCommand2", "MenuCommand2_ToolTip", ".MenuCommand2"}));
+		const FLodexCommandKeys Module = MakeCommandKeys(LodexModuleLocNamespace, GetModuleTestCommand());
+		EXPECT_EQ((std::vector<std::string>{Module.Namespace, Module.LabelKey, Module.TooltipKey, Module.DotName}),
+			(std::vector<std::string>{"FLodexDebugger", "TestCommand", "TestCommand_ToolTip", ".TestCommand"}));
 	}
 
 	class FRecordingMenuToolHost final : public IMenuToolHost
@@ -190,13 +123,22 @@ namespace
 		{
 			Calls.push_back(std::string("AddViewportContextMenuExtender ") + Menu.ExtensionHook);
 		}
+		void RemoveViewportContextMenuExtender(const FLodexMenuInfo& Menu) override
+		{
+			Calls.push_back(std::string("RemoveViewportContextMenuExtender ") + Menu.ExtensionHook);
+		}
+		void UnregisterCommandSet(const FLodexCommandSetInfo& Set) override
+		{
+			Calls.push_back(std::string("UnregisterCommandSet ") + Set.ContextName);
+		}
 		std::vector<std::string> Calls;
 	};
 
-	TEST(MenuToolStartup, RegistersInOrder)
+	TEST(MenuToolStartup, RegistersInOrderAndShutdownTakesBackWhatTheLevelEditorHolds)
 	{
 		FRecordingMenuToolHost Host;
 		StartMenuTool(Host);
+		StopMenuTool(Host);
 		EXPECT_EQ(Host.Calls,
 			(std::vector<std::string>{
 				"CreateCommandList",
@@ -205,6 +147,8 @@ namespace
 				"MapPrintAction MenuCommand2 Absolute",
 				"AddModuleMenuExtension LevelEditor.SceneOutlinerContextMenu",
 				"AddViewportContextMenuExtender ActorType",
+				"RemoveViewportContextMenuExtender ActorType",
+				"UnregisterCommandSet MenuTool",
 			}));
 	}
 }

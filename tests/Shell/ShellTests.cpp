@@ -1,6 +1,4 @@
 // Copyright Lodex contributors.
-#include "LodexCli.h"
-
 #include "LodexDebugger/Core/Shell/LodexExamplePanel.h"
 #include "LodexDebugger/Core/Shell/LodexMenuModel.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
@@ -8,8 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
+#include <memory>
 #include <set>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,13 +17,56 @@ namespace
 {
 	using FLines = std::vector<std::string>;
 
+	using FCallLog = std::vector<std::string>;
+
+	/** A tab tool recording its calls in the shared list; its Initialize sets the fields it was given. */
+	class FRecordingTabTool final : public ILodexTabTool
+	{
+	public:
+		FRecordingTabTool(FCallLog& InCalls, FLodexTabSpawnerRegistry& InSpawners, FLodexMenuExtender& InExtender,
+			FLodexTabFields InInitialFields)
+			: Calls(InCalls)
+			, Spawners(InSpawners)
+			, Extender(InExtender)
+			, InitialFields(std::move(InInitialFields))
+		{
+		}
+
+		void Initialize() override
+		{
+			Calls.push_back("Initialize " + InitialFields.TabName);
+			Fields = InitialFields;
+		}
+		void RegisterNomadTabSpawner(const char* Group) override
+		{
+			Calls.push_back("RegisterNomadTabSpawner " + Fields.TabName + " in " + Group);
+			Spawners.Register({Fields.TabName, Fields.TabDisplayName, Fields.ToolTipText, Group});
+		}
+		void UnregisterNomadTabSpawner() override
+		{
+			Calls.push_back("UnregisterNomadTabSpawner " + Fields.TabName);
+			EXPECT_TRUE(Spawners.Unregister(Fields.TabName)) << "no spawner under " << Fields.TabName;
+		}
+		void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position) override
+		{
+			Calls.push_back(std::string("AddMenuExtension ") + GetLodexExtensionPositionName(Position) + " " + Hook);
+			Extender.AddMenuExtension(Hook, Position, Fields.TabName);
+		}
+
+	private:
+		FCallLog& Calls;
+		FLodexTabSpawnerRegistry& Spawners;
+		FLodexMenuExtender& Extender;
+		FLodexTabFields InitialFields;
+		FLodexTabFields Fields;
+	};
+
 	/**
 	 * The editor as the shell sees it, recording every call in one list, log lines included, so that the order
 	 * of start-up and shut-down is checked as a whole. Tab tools run for real on it.
 	 */
 	class FRecordingShellHost final
 		: public ILodexShellHost
-		, public ILodexTabHost
 		, public ILodexOutput
 	{
 	public:
@@ -39,7 +81,11 @@ namespace
 		{
 			return Note(std::string("IsModuleLoaded ") + Name, Loaded.count(Name) > 0);
 		}
-		void LoadModule(const char* Name) override { Note(std::string("LoadModule ") + Name); }
+		void LoadModule(const char* Name) override
+		{
+			Note(std::string("LoadModule ") + Name);
+			Loaded.insert(Name);
+		}
 		void CreateMenuExtender() override { Note("CreateMenuExtender"); }
 		void CreateMenuBarCommandList() override { Note("CreateMenuBarCommandList"); }
 		void AddMenuBarExtension(const FLodexPullDownInfo& P) override
@@ -48,35 +94,43 @@ namespace
 				") hook " + P.ExtensionHook + ", highlight " + P.TutorialHighlightName);
 		}
 		void AddMenuExtenderToLevelEditor() override { Note("AddMenuExtenderToLevelEditor"); }
-		void CreateListener(const FLodexListenerInfo& L) override { Note(std::string("CreateListener ") + L.Name); }
+		void RemoveMenuExtenderFromLevelEditor() override { Note("RemoveMenuExtenderFromLevelEditor"); }
+		void ReleaseMenuExtender() override { Note("ReleaseMenuExtender"); }
+		void AddModuleListeners(FLodexShell& Shell) override
+		{
+			Note("AddModuleListeners");
+			if (bModuleAddsListeners)
+			{
+				Shell.AddModuleListeners(*this);
+			}
+		}
+		void CreateListener(const FLodexListenerInfo& L) override
+		{
+			Note(std::string("CreateListener ") + L.Name);
+			if (L.Tab != nullptr)
+			{
+				Tools[L.Name] = std::make_unique<FRecordingTabTool>(
+					Calls, Spawners, Extender, FLodexTabFields{L.Tab->TabName, L.Tab->DisplayName, L.Tab->ToolTip});
+			}
+		}
 		void StartListener(const FLodexListenerInfo& L) override
 		{
 			Note(std::string("StartListener ") + L.Name);
-			L.Tab != nullptr ? StartLodexTabTool(*this, *L.Tab) : void();
+			L.Tab != nullptr ? StartLodexTabTool(*Tools.at(L.Name), *L.Tab) : void();
 		}
 		void StopListener(const FLodexListenerInfo& L) override
 		{
 			Note(std::string("StopListener ") + L.Name);
-			L.Tab != nullptr ? StopLodexTabTool(*this, *L.Tab) : void();
+			L.Tab != nullptr ? StopLodexTabTool(*Tools.at(L.Name)) : void();
+		}
+		void DestroyListeners() override
+		{
+			Note("DestroyListeners");
+			Tools.clear();
 		}
 		void UnregisterSettings(const FLodexSettingsSectionInfo& S) override
 		{
 			Note(std::string("UnregisterSettings ") + S.Container + "/" + S.Category + "/" + S.Section);
-		}
-		void RegisterNomadTabSpawner(const FLodexTabInfo& Tab, const char* Group) override
-		{
-			Note(std::string("RegisterNomadTabSpawner ") + Tab.TabName + " in " + Group);
-			Spawners.Register({Tab.TabName, Tab.DisplayName, Tab.ToolTip, Group});
-		}
-		void UnregisterNomadTabSpawner(const char* TabName) override
-		{
-			Note(std::string("UnregisterNomadTabSpawner ") + TabName);
-			EXPECT_TRUE(Spawners.Unregister(TabName)) << "no spawner under " << TabName;
-		}
-		void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position, const FLodexTabInfo& Tab) override
-		{
-			Note(std::string("AddMenuExtension ") + GetLodexExtensionPositionName(Position) + " " + Hook);
-			Extender.AddMenuExtension(Hook, Position, Tab.TabName);
 		}
 		void Log(ELodexLogVerbosity Verbosity, const std::string& Message) override
 		{
@@ -87,10 +141,12 @@ namespace
 		FLines TakeCalls() { return std::exchange(Calls, {}); }
 
 		bool bCommandlet = false;
+		bool bModuleAddsListeners = true;
 		std::set<std::string> Loaded;
 		FLodexTabSpawnerRegistry Spawners;
 		FLodexMenuExtender Extender;
-		mutable FLines Calls;
+		std::map<std::string, std::unique_ptr<FRecordingTabTool>> Tools;
+		mutable FCallLog Calls;
 	};
 
 	/** A built menu, one item a line: "heading Text", "entry Text -> Id", "separator Id". */
@@ -109,7 +165,7 @@ namespace
 	const std::string ShutdownLogged = "Log LogTemp: Warning: ShutdownModule() called";
 	const std::string SettingsRemoved = "UnregisterSettings Project/ExampleCategory/ExampleSettings";
 
-	TEST(LodexShell, StartupRunsEveryStepInOrder)
+	TEST(LodexShell, StartupRunsEveryStepInOrderThroughTheModulesAddModuleListeners)
 	{
 		FRecordingShellHost Host;
 		FLodexShell Shell;
@@ -118,17 +174,26 @@ namespace
 			(FLines{"IsRunningCommandlet", "LoadModule LevelEditor", "CreateMenuExtender", "CreateMenuBarCommandList",
 				"AddMenuBarExtension after Window: VELT Lode String Debugger (Open the Lode String Debugger menu) hook "
 				"Veltrane, highlight Veltrane",
-				"AddMenuExtenderToLevelEditor", "CreateListener MenuTool", "CreateListener TabTool",
-				"CreateListener RecorderTool", "CreateListener ReplTool", "CreateListener DetailsTool",
-				"StartListener MenuTool", "StartListener TabTool", "RegisterNomadTabSpawner TabTool in Menu Root",
-				"AddMenuExtension Before LODEX", "StartListener RecorderTool",
+				"AddMenuExtenderToLevelEditor", "AddModuleListeners", "CreateListener MenuTool",
+				"CreateListener TabTool", "CreateListener RecorderTool", "CreateListener ReplTool",
+				"CreateListener DetailsTool", "StartListener MenuTool", "StartListener TabTool", "Initialize TabTool",
+				"RegisterNomadTabSpawner TabTool in Menu Root", "AddMenuExtension Before LODEX",
+				"StartListener RecorderTool", "Initialize RecorderTool",
 				"RegisterNomadTabSpawner RecorderTool in Menu Root", "AddMenuExtension Before RECORDER_TOOL",
-				"StartListener ReplTool", "RegisterNomadTabSpawner ReplTool in Menu Root",
-				"AddMenuExtension Before REPL_TOOL", "StartListener DetailsTool",
+				"StartListener ReplTool", "Initialize ReplTool", "RegisterNomadTabSpawner ReplTool in Menu Root",
+				"AddMenuExtension Before REPL_TOOL", "StartListener DetailsTool", "Initialize DetailsTool",
 				"RegisterNomadTabSpawner DetailsTool in Menu Root", "AddMenuExtension Before DETAILS_TOOL"}));
+
+		// A module whose AddModuleListeners adds nothing has nothing started.
+		FRecordingShellHost Bare;
+		Bare.bModuleAddsListeners = false;
+		FLodexShell BareShell;
+		BareShell.StartupModule(Bare);
+		EXPECT_EQ(Bare.TakeCalls().back(), "AddModuleListeners");
+		EXPECT_TRUE(BareShell.GetModuleListeners().empty());
 	}
 
-	TEST(LodexShell, ShutdownLogsThenStopsTheListenersInOrderAndUnregistersTheSpawnersByTabName)
+	TEST(LodexShell, ShutdownStopsTheListenersInOrderThenTakesBackEverythingTheEditorHolds)
 	{
 		FRecordingShellHost Host;
 		Host.Loaded = {"PropertyEditor", "Settings"};
@@ -141,8 +206,42 @@ namespace
 				"IsModuleLoaded Settings", SettingsRemoved, "StopListener MenuTool", "StopListener TabTool",
 				"UnregisterNomadTabSpawner TabTool", "StopListener RecorderTool",
 				"UnregisterNomadTabSpawner RecorderTool", "StopListener ReplTool", "UnregisterNomadTabSpawner ReplTool",
-				"StopListener DetailsTool", "UnregisterNomadTabSpawner DetailsTool"}));
+				"StopListener DetailsTool", "UnregisterNomadTabSpawner DetailsTool", "IsModuleLoaded LevelEditor",
+				"RemoveMenuExtenderFromLevelEditor", "ReleaseMenuExtender", "DestroyListeners"}));
 		EXPECT_TRUE(Host.Spawners.GetSpawners().empty());
+		EXPECT_TRUE(Host.Tools.empty());
+		EXPECT_TRUE(Shell.GetModuleListeners().empty());
+
+		// Loaded again (a live reload): the five listeners once, not ten; a level editor unloaded first keeps
+		// nothing of the module, so only the module's own references are let go.
+		Shell.StartupModule(Host);
+		EXPECT_EQ(Shell.GetModuleListeners().size(), 5u);
+		EXPECT_EQ(Host.Spawners.GetSpawners().size(), 4u);
+		Host.Loaded.erase("LevelEditor");
+		Host.TakeCalls();
+		Shell.ShutdownModule(Host, Host);
+		const FLines Calls = Host.TakeCalls();
+		EXPECT_EQ(FLines(Calls.end() - 3, Calls.end()),
+			(FLines{"IsModuleLoaded LevelEditor", "ReleaseMenuExtender", "DestroyListeners"}));
+	}
+
+	TEST(LodexTabToolBase, RegistersItsSpawnerFromTheFieldsInitializeSetsWhateverTheyAre)
+	{
+		FCallLog Calls;
+		FLodexTabSpawnerRegistry Spawners;
+		FLodexMenuExtender Extender;
+		FRecordingTabTool Tool(Calls, Spawners, Extender, {"NotesTool", "Notes", "Take notes ✎"});
+		StartLodexTabToolBase(Tool);
+		ASSERT_EQ(Spawners.GetSpawners().size(), 1u);
+		const FLodexTabSpawnerEntry& Entry = Spawners.GetSpawners().front();
+		EXPECT_EQ(FLines({Entry.TabName, Entry.DisplayName, Entry.ToolTip, Entry.GroupName}),
+			FLines({"NotesTool", "Notes", "Take notes ✎", "Menu Root"}));
+		EXPECT_TRUE(Extender.GetExtensions().empty()) << "the base adds no pull-down entry";
+		StopLodexTabTool(Tool);
+		EXPECT_TRUE(Spawners.GetSpawners().empty());
+		EXPECT_EQ(Calls,
+			(FCallLog{"Initialize NotesTool", "RegisterNomadTabSpawner NotesTool in Menu Root",
+				"UnregisterNomadTabSpawner NotesTool"}));
 	}
 
 	TEST(LodexShell, ShutdownFetchesPropertyEditorAndRemovesTheSettingsSectionOnlyWhenLoaded)
@@ -190,8 +289,10 @@ namespace
 			std::string Started;
 			for (const std::size_t Index : Order)
 			{
-				StartLodexTabTool(Host, GetLodexTabs()[Index]);
-				Started += std::string(GetLodexTabs()[Index].TabName) + " ";
+				const FLodexTabInfo& Tab = GetLodexTabs()[Index];
+				Host.CreateListener(GetLodexListener(Tab.Listener));
+				StartLodexTabTool(*Host.Tools.at(Tab.TabName), Tab);
+				Started += std::string(Tab.TabName) + " ";
 			}
 			EXPECT_EQ(DescribeItems(BuildLodexPullDownModel(Host.Extender, Host.Spawners)), Expected) << Started;
 			++Orders;
@@ -242,27 +343,6 @@ namespace
 			(FLines{Head, "entry Bee -> B", A, S1, S2, S3, S4}));
 	}
 
-	TEST(LodexTabs, AreTheFourToolsWithTheEditorTextsAsTheyStand)
-	{
-		FLines Rows;
-		for (const FLodexTabInfo& Tab : GetLodexTabs())
-		{
-			Rows.push_back(std::string(Tab.TabName) + " | " + Tab.DisplayName + " | " + Tab.ToolTip + " | " +
-				Tab.MenuHook + " | " + Tab.PanelName);
-			EXPECT_EQ(GetLodexListener(Tab.Listener).Tab, &Tab) << Tab.TabName;
-			EXPECT_EQ(FindLodexTab(Tab.TabName), &Tab);
-		}
-		EXPECT_EQ(Rows,
-			(FLines{"TabTool | Lodestring Debugger | Lodestring Debugger Window | LODEX | TabToolPanel",
-				"RecorderTool | Input Recorder | Record User Input | RECORDER_TOOL | RecorderToolPanel",
-				"ReplTool | Lodex REPL | Quickly test your Lodestring queries in a REPL (Read, Examine, Print, Loop) | "
-				"REPL_TOOL | ReplToolPanel",
-				"DetailsTool | Object Explorer | Explore the values, componenets, and available methods in selected "
-				"objects | DETAILS_TOOL | DetailsToolPanel"}));
-		EXPECT_EQ(FindLodexTab("MenuTool"), nullptr);
-		EXPECT_EQ(FindLodexTab("tabtool"), nullptr);
-	}
-
 	TEST(LodexExamplePanel, HoldsItsFixedTree)
 	{
 		const FLodexExamplePanelInfo& Panel = GetLodexExamplePanel();
@@ -271,33 +351,5 @@ namespace
 			(std::vector<float>{5.0f, 192.0f, 192.0f, 192.0f, 255.0f, 15.0f}));
 		EXPECT_EQ(Grey.Kind, ELodexColorKind::Color8);
 		EXPECT_STREQ(Panel.Text, "This is a tab example.");
-	}
-
-	TEST(LodexDemo, ShowsThePullDownTheTabsAndTheContextMenusThenUnloads)
-	{
-		std::ostringstream Out;
-		std::ostringstream Err;
-		ASSERT_EQ(RunLodexCli({"demo"}, Out, Err), 0) << Err.str();
-		const std::string Text = Out.str();
-		const FLines InOrder{"│   └── \"VELT Lode String Debugger\", after \"Window\" (tooltip \"Open the Lode String "
-							 "Debugger menu\")\n",
-			"│       └── section \"Veltrane\"\n",
-			"│           ├── \"Lodestring Debugger\" opens the tab TabTool (tooltip \"Lodestring Debugger Window\")\n",
-			"│           ├── ──── separator LODEX\n", "│           └── ──── separator DETAILS_TOOL\n",
-			"├── Tabs (nomad tab spawners)\n", "│   ├── TabTool: \"Lodestring Debugger\"\n",
-			"│   └── DetailsTool: \"Object Explorer\"\n", "└── Context menus\n",
-			"    ├── Scene outliner actor menu (before the hook \"LevelEditor.SceneOutlinerContextMenu\")\n",
-			"    ├── Level viewport actor menu (before the hook \"ActorType\")\n",
-			"    ├── Components tree menu of the object explorer (extends the tool menu "
-			"\"Kismet.SCSEditorContextMenu\")\n",
-			"    └── Lists of the object explorer (built by the list's context-menu handler)\n",
-			"LogTemp: Warning: ShutdownModule() called\n", "Tab spawners left: 0\n"};
-		std::size_t From = 0;
-		for (const std::string& Expected : InOrder)
-		{
-			const std::size_t At = Text.find(Expected, From);
-			ASSERT_NE(At, std::string::npos) << "missing, or out of order: " << Expected << "\n" << Text;
-			From = At + Expected.size();
-		}
 	}
 }

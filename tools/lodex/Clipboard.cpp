@@ -2,11 +2,13 @@
 #include "Clipboard.h"
 
 #include <cerrno>
+#include <csignal>
+#include <ctime>
+#include <pthread.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -46,46 +48,58 @@ namespace
 		return Value != nullptr && *Value != '\0';
 	}
 
-	bool PipeToCommand(const std::string& Command, const std::string& Text)
+	/**
+	 * Writes the text to the command's standard input and waits for it. SIGPIPE is held back meanwhile: a tool
+	 * that quits early makes the write fail instead of ending this process.
+	 */
+	bool PipeToCommand(
+		const char* Program, const std::string& Command, const std::string& Text, std::string& OutFailure)
 	{
 		FILE* Pipe = popen((Command + " >/dev/null 2>&1").c_str(), "w");
 		if (Pipe == nullptr)
 		{
+			OutFailure = std::string(Program) + " could not be started (" + std::strerror(errno) + ")";
 			return false;
 		}
+		sigset_t BrokenPipe;
+		sigset_t Previous;
+		sigemptyset(&BrokenPipe);
+		sigaddset(&BrokenPipe, SIGPIPE);
+		pthread_sigmask(SIG_BLOCK, &BrokenPipe, &Previous);
+
+		errno = 0;
 		const std::size_t Written = std::fwrite(Text.data(), 1, Text.size(), Pipe);
+		const bool bFlushed = std::fflush(Pipe) == 0;
+		const int WriteError = errno;
 		const int Status = pclose(Pipe);
-		return Written == Text.size() && Status != -1 && WIFEXITED(Status) && WEXITSTATUS(Status) == 0;
+
+		const timespec NoWait{0, 0};
+		while (sigtimedwait(&BrokenPipe, nullptr, &NoWait) > 0)
+		{
+			// The held-back SIGPIPE of this write, dropped.
+		}
+		pthread_sigmask(SIG_SETMASK, &Previous, nullptr);
+
+		if (Status == -1 || !WIFEXITED(Status))
+		{
+			OutFailure = std::string(Program) + " did not finish normally";
+			return false;
+		}
+		if (WEXITSTATUS(Status) != 0)
+		{
+			OutFailure = std::string(Program) + " failed (exit status " + std::to_string(WEXITSTATUS(Status)) + ")";
+			return false;
+		}
+		if (Written != Text.size() || !bFlushed)
+		{
+			OutFailure = std::string(Program) + " did not take the text (" + std::strerror(WriteError) + ")";
+			return false;
+		}
+		return true;
 	}
 }
 
-bool WriteFileAtomically(const std::string& Path, const std::string& Text, std::string& OutError)
-{
-	const std::string Temporary = Path + ".lodex-tmp";
-	FILE* File = std::fopen(Temporary.c_str(), "wb");
-	if (File == nullptr)
-	{
-		OutError = Path + ": cannot write the file (" + std::strerror(errno) + ")";
-		return false;
-	}
-	const bool bWritten = std::fwrite(Text.data(), 1, Text.size(), File) == Text.size();
-	const bool bClosed = std::fclose(File) == 0;
-	if (!bWritten || !bClosed)
-	{
-		OutError = Path + ": cannot write the file (" + std::strerror(errno) + ")";
-		std::remove(Temporary.c_str());
-		return false;
-	}
-	if (std::rename(Temporary.c_str(), Path.c_str()) != 0)
-	{
-		OutError = Path + ": cannot replace the file (" + std::strerror(errno) + ")";
-		std::remove(Temporary.c_str());
-		return false;
-	}
-	return true;
-}
-
-bool CopyToSystemClipboard(const std::string& Text)
+bool CopyToSystemClipboard(const std::string& Text, std::string& OutFailure)
 {
 	struct FClipboardTool
 	{
@@ -110,7 +124,7 @@ bool CopyToSystemClipboard(const std::string& Text)
 		{
 			continue;
 		}
-		if (PipeToCommand(Tool.Command, Text))
+		if (PipeToCommand(Tool.Program, Tool.Command, Text, OutFailure))
 		{
 			return true;
 		}

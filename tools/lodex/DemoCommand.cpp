@@ -128,6 +128,11 @@ namespace
 			{
 				Where += std::string(" (built by ") + Menu.AddedThrough + ")";
 			}
+			if (std::string(Menu.CommandSet) == GetDetailToolCommandSet().ContextName)
+			{
+				// Start-up does not add these: the Object Explorer's panel does, when its tab opens.
+				Where += ", once an Object Explorer tab has opened";
+			}
 			FTextTreeNode& Kind = Menus.Add(Where);
 			FTextTreeNode& Section =
 				Kind.Add("section " + Quote(Menu.SectionName) + ", heading " + Quote(Menu.SectionHeading));
@@ -167,7 +172,8 @@ namespace
 		Io.Out << "\nUnloading the module\n\n";
 		FHostOutput Output(Io.Out, Io.Err, EClipboardTarget::Memory);
 		Shell.ShutdownModule(Editor, Output);
-		Io.Out << "\nTab spawners left: " << Editor.GetTabSpawners().GetSpawners().size() << "\n";
+		Io.Out << "\nTab spawners left: " << Editor.GetTabSpawners().GetSpawners().size()
+			   << "\nMenu extenders left in the level editor: " << Editor.CountLevelEditorExtenders() << "\n";
 	}
 
 	class FDemoCommand final : public ILodexCommand

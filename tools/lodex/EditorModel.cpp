@@ -1,6 +1,34 @@
 // Copyright Lodex contributors.
 #include "EditorModel.h"
 
+#include <algorithm>
+
+FEditorModelTabTool::FEditorModelTabTool(FEditorModel& InEditor, const FLodexTabInfo& InTab)
+	: Editor(InEditor)
+	, Tab(InTab)
+{
+}
+
+void FEditorModelTabTool::Initialize()
+{
+	Fields = {Tab.TabName, Tab.DisplayName, Tab.ToolTip};
+}
+
+void FEditorModelTabTool::RegisterNomadTabSpawner(const char* GroupName)
+{
+	Editor.RegisterNomadTabSpawner({Fields.TabName, Fields.TabDisplayName, Fields.ToolTipText, GroupName});
+}
+
+void FEditorModelTabTool::UnregisterNomadTabSpawner()
+{
+	Editor.UnregisterNomadTabSpawner(Fields.TabName);
+}
+
+void FEditorModelTabTool::AddMenuExtension(const char* Hook, ELodexExtensionPosition Position)
+{
+	Editor.AddTabMenuExtension(Hook, Position, Fields.TabName);
+}
+
 FEditorModel::FEditorModel(bool bInCommandlet)
 	: bCommandlet(bInCommandlet)
 {
@@ -29,29 +57,76 @@ void FEditorModel::AddMenuBarExtension(const FLodexPullDownInfo& PullDown)
 	MenuBarPullDowns.push_back(&PullDown);
 }
 
+void FEditorModel::ReleaseMenuExtender()
+{
+	bHasMenuExtender = false;
+	MenuExtender = FLodexMenuExtender();
+	MenuBarPullDowns.clear();
+	ModuleExtenderMenus.clear();
+}
+
+void FEditorModel::AddModuleListeners(FLodexShell& Shell)
+{
+	Shell.AddModuleListeners(*this);
+}
+
 void FEditorModel::CreateListener(const FLodexListenerInfo& Listener)
 {
-	CreatedListeners.push_back(Listener.Name);
+	Listeners.emplace_back(
+		Listener.Name, Listener.Tab != nullptr ? std::make_unique<FEditorModelTabTool>(*this, *Listener.Tab) : nullptr);
 }
 
 void FEditorModel::StartListener(const FLodexListenerInfo& Listener)
 {
-	if (Listener.Tab != nullptr)
+	for (const auto& [Name, TabTool] : Listeners)
 	{
-		StartLodexTabTool(*this, *Listener.Tab);
-	}
-	else
-	{
-		StartMenuTool(*this);
+		if (Name != Listener.Name)
+		{
+			continue;
+		}
+		if (TabTool)
+		{
+			StartLodexTabTool(*TabTool, TabTool->GetTab());
+		}
+		else
+		{
+			StartMenuTool(*this);
+		}
 	}
 }
 
 void FEditorModel::StopListener(const FLodexListenerInfo& Listener)
 {
-	if (Listener.Tab != nullptr)
+	for (const auto& [Name, TabTool] : Listeners)
 	{
-		StopLodexTabTool(*this, *Listener.Tab);
+		if (Name != Listener.Name)
+		{
+			continue;
+		}
+		if (TabTool)
+		{
+			StopLodexTabTool(*TabTool);
+		}
+		else
+		{
+			StopMenuTool(*this);
+		}
 	}
+}
+
+void FEditorModel::DestroyListeners()
+{
+	Listeners.clear();
+}
+
+std::vector<std::string> FEditorModel::GetListeners() const
+{
+	std::vector<std::string> Names;
+	for (const auto& Listener : Listeners)
+	{
+		Names.push_back(Listener.first);
+	}
+	return Names;
 }
 
 void FEditorModel::UnregisterSettings(const FLodexSettingsSectionInfo&)
@@ -59,22 +134,22 @@ void FEditorModel::UnregisterSettings(const FLodexSettingsSectionInfo&)
 	// The module never registers the section; removing an absent one is a no-op in the editor too.
 }
 
-void FEditorModel::RegisterNomadTabSpawner(const FLodexTabInfo& Tab, const char* GroupName)
+void FEditorModel::RegisterNomadTabSpawner(const FLodexTabSpawnerEntry& Entry)
 {
-	TabSpawners.Register({Tab.TabName, Tab.DisplayName, Tab.ToolTip, GroupName});
+	TabSpawners.Register(Entry);
 }
 
-void FEditorModel::UnregisterNomadTabSpawner(const char* TabName)
+void FEditorModel::UnregisterNomadTabSpawner(const std::string& TabName)
 {
 	TabSpawners.Unregister(TabName);
 }
 
-void FEditorModel::AddMenuExtension(const char* Hook, ELodexExtensionPosition Position, const FLodexTabInfo& Tab)
+void FEditorModel::AddTabMenuExtension(const char* Hook, ELodexExtensionPosition Position, const std::string& TabName)
 {
 	// The module's AddMenuExtension adds only when its extender exists.
 	if (bHasMenuExtender)
 	{
-		MenuExtender.AddMenuExtension(Hook, Position, Tab.TabName);
+		MenuExtender.AddMenuExtension(Hook, Position, TabName);
 	}
 }
 
@@ -89,13 +164,31 @@ void FEditorModel::AddModuleMenuExtension(const FLodexMenuInfo& Menu)
 {
 	if (bHasMenuExtender)
 	{
-		ExtendedContextMenus.push_back(&Menu);
+		ModuleExtenderMenus.push_back(&Menu);
 	}
 }
 
 void FEditorModel::AddViewportContextMenuExtender(const FLodexMenuInfo& Menu)
 {
-	ExtendedContextMenus.push_back(&Menu);
+	ViewportMenuExtenders.push_back(&Menu);
+}
+
+void FEditorModel::RemoveViewportContextMenuExtender(const FLodexMenuInfo& Menu)
+{
+	ViewportMenuExtenders.erase(
+		std::remove(ViewportMenuExtenders.begin(), ViewportMenuExtenders.end(), &Menu), ViewportMenuExtenders.end());
+}
+
+void FEditorModel::UnregisterCommandSet(const FLodexCommandSetInfo& Set)
+{
+	RegisteredCommandSets.erase(
+		std::remove(RegisteredCommandSets.begin(), RegisteredCommandSets.end(), std::string(Set.ContextName)),
+		RegisteredCommandSets.end());
+}
+
+std::size_t FEditorModel::CountLevelEditorExtenders() const
+{
+	return (bExtenderInLevelEditor ? 1 : 0) + ViewportMenuExtenders.size();
 }
 
 std::vector<FLodexMenuItem> FEditorModel::OpenPullDown() const

@@ -5,9 +5,34 @@
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Paths/PathCommands.h"
 
+#include <memory>
 #include <set>
+#include <utility>
 #include <string>
 #include <vector>
+
+class FEditorModel;
+
+/** A tab tool as the module makes it: its Initialize sets the fields from its row of the tab table. */
+class FEditorModelTabTool final : public ILodexTabTool
+{
+public:
+	FEditorModelTabTool(FEditorModel& InEditor, const FLodexTabInfo& InTab);
+
+	//~ Begin ILodexTabTool Interface
+	void Initialize() override;
+	void RegisterNomadTabSpawner(const char* GroupName) override;
+	void UnregisterNomadTabSpawner() override;
+	void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position) override;
+	//~ End ILodexTabTool Interface
+
+	const FLodexTabInfo& GetTab() const { return Tab; }
+
+private:
+	FEditorModel& Editor;
+	const FLodexTabInfo& Tab;
+	FLodexTabFields Fields;
+};
 
 /**
  * The editor as far as the module's shell reaches it, over plain data: modules, the menu extender, the
@@ -16,7 +41,6 @@
  */
 class FEditorModel final
 	: public ILodexShellHost
-	, public ILodexTabHost
 	, public IMenuToolHost
 {
 public:
@@ -30,17 +54,20 @@ public:
 	void CreateMenuBarCommandList() override {}
 	void AddMenuBarExtension(const FLodexPullDownInfo& PullDown) override;
 	void AddMenuExtenderToLevelEditor() override { bExtenderInLevelEditor = true; }
+	void RemoveMenuExtenderFromLevelEditor() override { bExtenderInLevelEditor = false; }
+	void ReleaseMenuExtender() override;
+	void AddModuleListeners(FLodexShell& Shell) override;
 	void CreateListener(const FLodexListenerInfo& Listener) override;
 	void StartListener(const FLodexListenerInfo& Listener) override;
 	void StopListener(const FLodexListenerInfo& Listener) override;
+	void DestroyListeners() override;
 	void UnregisterSettings(const FLodexSettingsSectionInfo& Section) override;
 	//~ End ILodexShellHost Interface
 
-	//~ Begin ILodexTabHost Interface
-	void RegisterNomadTabSpawner(const FLodexTabInfo& Tab, const char* GroupName) override;
-	void UnregisterNomadTabSpawner(const char* TabName) override;
-	void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position, const FLodexTabInfo& Tab) override;
-	//~ End ILodexTabHost Interface
+	/** The global tab manager's registration calls and the module's AddMenuExtension, for the tab tools. */
+	void RegisterNomadTabSpawner(const FLodexTabSpawnerEntry& Entry);
+	void UnregisterNomadTabSpawner(const std::string& TabName);
+	void AddTabMenuExtension(const char* Hook, ELodexExtensionPosition Position, const std::string& TabName);
 
 	//~ Begin IMenuToolHost Interface
 	void CreateCommandList() override {}
@@ -48,18 +75,21 @@ public:
 	void MapPrintAction(const FLodexCommandInfo& Command, const std::string& Mode) override;
 	void AddModuleMenuExtension(const FLodexMenuInfo& Menu) override;
 	void AddViewportContextMenuExtender(const FLodexMenuInfo& Menu) override;
+	void RemoveViewportContextMenuExtender(const FLodexMenuInfo& Menu) override;
+	void UnregisterCommandSet(const FLodexCommandSetInfo& Set) override;
 	//~ End IMenuToolHost Interface
 
 	/** The pull-downs added to the main menu bar (at most one: the module's). */
 	const std::vector<const FLodexPullDownInfo*>& GetMenuBarPullDowns() const { return MenuBarPullDowns; }
-	/** Whether the module's extender reaches the level editor's menus. */
-	bool IsExtenderInLevelEditor() const { return bExtenderInLevelEditor; }
-	const FLodexMenuExtender& GetMenuExtender() const { return MenuExtender; }
 	const FLodexTabSpawnerRegistry& GetTabSpawners() const { return TabSpawners; }
-	/** The context menus the module's tools extend, in the order they asked. */
-	const std::vector<const FLodexMenuInfo*>& GetExtendedContextMenus() const { return ExtendedContextMenus; }
+	/**
+	 * The menu extenders the level editor holds from the module: the module's own (with the pull-down and
+	 * the scene outliner's section) and the level viewport's context-menu extenders.
+	 */
+	std::size_t CountLevelEditorExtenders() const;
 	const std::vector<std::string>& GetRegisteredCommandSets() const { return RegisteredCommandSets; }
-	const std::vector<std::string>& GetCreatedListeners() const { return CreatedListeners; }
+	/** The listeners the module holds, in list order. */
+	std::vector<std::string> GetListeners() const;
 
 	/** The module's pull-down as it shows when opened. */
 	std::vector<FLodexMenuItem> OpenPullDown() const;
@@ -72,7 +102,11 @@ private:
 	std::vector<const FLodexPullDownInfo*> MenuBarPullDowns;
 	FLodexMenuExtender MenuExtender;
 	FLodexTabSpawnerRegistry TabSpawners;
-	std::vector<const FLodexMenuInfo*> ExtendedContextMenus;
+	/** The context menus whose section sits in the module's extender (the scene outliner's). */
+	std::vector<const FLodexMenuInfo*> ModuleExtenderMenus;
+	/** The level editor's viewport context-menu extenders added by the module. */
+	std::vector<const FLodexMenuInfo*> ViewportMenuExtenders;
 	std::vector<std::string> RegisteredCommandSets;
-	std::vector<std::string> CreatedListeners;
+	/** The module's listeners: the tab tools, and null for MenuTool, which the model runs through its own calls. */
+	std::vector<std::pair<std::string, std::unique_ptr<FEditorModelTabTool>>> Listeners;
 };

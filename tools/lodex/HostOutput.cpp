@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #include "HostOutput.h"
 
+#include "AtomicFile.h"
 #include "Clipboard.h"
 
 #include <utility>
@@ -40,13 +41,19 @@ void FHostOutput::CopyToClipboard(const std::string& Text)
 			break;
 		}
 		case EClipboardTarget::System:
-			if (!CopyToSystemClipboard(Text) && !bNoticeShown)
+		{
+			std::string Failure;
+			if (!CopyToSystemClipboard(Text, Failure) && !bNoticeShown)
 			{
-				ErrStream << "lodex: no system clipboard is reachable (tried wl-copy, xclip, xsel, pbcopy, clip.exe); "
-							 "use --clipboard FILE to keep the copied text\n";
+				ErrStream << "lodex: not copied to the clipboard: "
+						  << (Failure.empty()
+									 ? "no clipboard tool is reachable (tried wl-copy, xclip, xsel, pbcopy, clip.exe)"
+									 : Failure)
+						  << "; use --clipboard FILE to keep the copied text\n";
 				bNoticeShown = true;
 			}
 			break;
+		}
 		case EClipboardTarget::Memory:
 			break;
 	}

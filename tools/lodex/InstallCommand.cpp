@@ -1,20 +1,23 @@
 // Copyright Lodex contributors.
-#include "Clipboard.h"
+#include "AtomicFile.h"
+#include "DescriptorText.h"
 #include "JsonErrors.h"
 #include "LodexCli.h"
 
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Shell/LodexStyle.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <optional>
-#include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #ifndef LODEX_DEFAULT_SOURCE_DIR
@@ -36,22 +39,41 @@ namespace
 	 * The descriptor entry: an editor module, loaded after the engine has started, when the level editor
 	 * is there for the module to extend its main menu.
 	 */
-	FOrderedJson MakeModuleEntry()
+	const FJsonStringFields& GetModuleEntry()
 	{
-		FOrderedJson Entry = FOrderedJson::object();
-		Entry["Name"] = LodexModuleName;
-		Entry["Type"] = "Editor";
-		Entry["LoadingPhase"] = "PostEngineInit";
+		static const FJsonStringFields Entry{
+			{"Name", LodexModuleName}, {"Type", "Editor"}, {"LoadingPhase", "PostEngineInit"}};
 		return Entry;
 	}
 
-	/** One file the install puts into the plug-in folder. */
+	std::string DescribeModuleEntry()
+	{
+		FOrderedJson Entry = FOrderedJson::object();
+		for (const auto& [Key, Value] : GetModuleEntry())
+		{
+			Entry[Key] = Value;
+		}
+		return Entry.dump();
+	}
+
+	/** What stands where the install puts a file. */
+	enum class EDestination
+	{
+		Absent,
+		File,
+		Link,
+	};
+
+	/** One file the install puts into the plug-in folder, with its bytes, and what it replaces. */
 	struct FPlannedFile
 	{
-		fs::path From;
+		fs::path To;
 		/** The path under the plug-in folder, with "/" separators. */
 		std::string Relative;
-		bool bExists = false;
+		std::string Bytes;
+		EDestination Destination = EDestination::Absent;
+		/** The bytes of the file replaced, or the target of the link replaced, to put back after a failure. */
+		std::string Previous;
 		bool bSame = false;
 	};
 
@@ -59,27 +81,57 @@ namespace
 	{
 		fs::path PluginDir;
 		fs::path Descriptor;
+		/** Where the descriptor's links lead: the file that is updated. */
+		fs::path DescriptorTarget;
 		std::vector<FPlannedFile> Files;
 		/** Files under the installed module folder that the source tree no longer has. */
 		std::vector<std::string> Stale;
 		std::string DescriptorText;
 		/** The descriptor's new text, when the module has to be added. */
 		std::optional<std::string> NewDescriptorText;
+		/** The backup of the descriptor as it was, beside the descriptor. */
+		std::optional<FPlannedFile> Backup;
 		/** Set when the descriptor already lists the module in a form other than the one the install writes. */
 		std::string ExistingEntryNote;
 	};
 
-	bool ReadWholeFile(const fs::path& Path, std::string& OutText)
+	std::string GenericString(const fs::path& Path)
 	{
-		std::ifstream In(Path, std::ios::binary);
-		if (!In)
+		return Path.generic_string();
+	}
+
+	/** Reads a whole file; on failure OutError says why, after the path. */
+	bool ReadFileBytes(const fs::path& Path, std::string& OutBytes, std::string& OutError)
+	{
+		const int Handle = open(Path.c_str(), O_RDONLY | O_CLOEXEC);
+		if (Handle < 0)
 		{
+			OutError = GenericString(Path) + ": cannot read the file (" + std::strerror(errno) + ")";
 			return false;
 		}
-		std::ostringstream Buffer;
-		Buffer << In.rdbuf();
-		OutText = Buffer.str();
-		return !In.bad();
+		OutBytes.clear();
+		char Buffer[65536];
+		for (;;)
+		{
+			const ssize_t Count = read(Handle, Buffer, sizeof(Buffer));
+			if (Count < 0 && errno == EINTR)
+			{
+				continue;
+			}
+			if (Count < 0)
+			{
+				OutError = GenericString(Path) + ": cannot read the file (" + std::strerror(errno) + ")";
+				close(Handle);
+				return false;
+			}
+			if (Count == 0)
+			{
+				break;
+			}
+			OutBytes.append(Buffer, static_cast<std::size_t>(Count));
+		}
+		close(Handle);
+		return true;
 	}
 
 	/** Whether the file can really be opened for writing (a permission check alone is wrong for root). */
@@ -96,12 +148,28 @@ namespace
 
 	bool CanWriteFolder(const fs::path& Path)
 	{
-		return access(Path.c_str(), W_OK | X_OK) == 0;
+		return access(Path.empty() ? "." : Path.c_str(), W_OK | X_OK) == 0;
 	}
 
-	std::string GenericString(const fs::path& Path)
+	/** Whether a file written by this process could be given the owner and group of the existing one. */
+	bool CanKeepOwner(const struct stat& Existing)
 	{
-		return Path.generic_string();
+		if (geteuid() == 0)
+		{
+			return true;
+		}
+		if (Existing.st_uid != geteuid())
+		{
+			return false;
+		}
+		if (Existing.st_gid == getegid())
+		{
+			return true;
+		}
+		std::vector<gid_t> Groups(static_cast<std::size_t>(std::max(getgroups(0, nullptr), 0)));
+		const int Count = getgroups(static_cast<int>(Groups.size()), Groups.data());
+		return std::find(Groups.begin(), Groups.begin() + std::max(Count, 0), Existing.st_gid) !=
+			Groups.begin() + std::max(Count, 0);
 	}
 
 	/** The nearest folder at or above Path (inside Stop) that exists; where new folders would be made. */
@@ -137,9 +205,10 @@ namespace
 
 	/**
 	 * The files under Root, as sorted generic paths relative to it, leaving out build outputs and hidden
-	 * entries. Listing stops at the first error, which Code then holds.
+	 * entries. Listing stops at the first error, which Code then holds; a link that leads nowhere is an error
+	 * too (OutDangling names it), since the install could copy nothing for it.
 	 */
-	std::vector<std::string> ListModuleFiles(const fs::path& Root, std::error_code& Code)
+	std::vector<std::string> ListModuleFiles(const fs::path& Root, std::error_code& Code, fs::path* OutDangling)
 	{
 		std::vector<std::string> Files;
 		for (fs::recursive_directory_iterator It(Root, Code), End; !Code && It != End; It.increment(Code))
@@ -153,6 +222,12 @@ namespace
 				}
 				continue;
 			}
+			std::error_code StatusCode;
+			if (OutDangling != nullptr && It->is_symlink(StatusCode) && !fs::exists(It->path(), StatusCode))
+			{
+				*OutDangling = It->path();
+				break;
+			}
 			if (It->is_regular_file(Code))
 			{
 				Files.push_back(GenericString(Relative));
@@ -160,35 +235,6 @@ namespace
 		}
 		std::sort(Files.begin(), Files.end());
 		return Files;
-	}
-
-	/** Renders the descriptor the way the engine writes descriptors: tabs, and the original's BOM and line ends. */
-	std::string RenderDescriptor(const FOrderedJson& Descriptor, const std::string& Original)
-	{
-		std::string Text = Descriptor.dump(1, '\t');
-		const bool bCrLf = Original.find("\r\n") != std::string::npos;
-		if (bCrLf)
-		{
-			std::string Converted;
-			for (const char Char : Text)
-			{
-				if (Char == '\n')
-				{
-					Converted += '\r';
-				}
-				Converted += Char;
-			}
-			Text = Converted;
-		}
-		if (!Original.empty() && Original.back() == '\n')
-		{
-			Text += bCrLf ? "\r\n" : "\n";
-		}
-		if (Original.rfind("\xEF\xBB\xBF", 0) == 0)
-		{
-			Text = "\xEF\xBB\xBF" + Text;
-		}
-		return Text;
 	}
 
 	class FInstallCommand final : public ILodexCommand
@@ -227,9 +273,15 @@ namespace
 		bool CheckProject(std::string& OutError) const
 		{
 			std::error_code Code;
-			if (!fs::is_directory(ProjectDir, Code))
+			const fs::file_status Status = fs::status(ProjectDir, Code);
+			if (!fs::exists(Status))
 			{
 				OutError = ProjectDir + ": no such folder";
+				return false;
+			}
+			if (!fs::is_directory(Status))
+			{
+				OutError = ProjectDir + ": is a file, not a folder; give the game project's folder";
 				return false;
 			}
 			for (const fs::directory_entry& Entry : fs::directory_iterator(ProjectDir, Code))
@@ -266,19 +318,47 @@ namespace
 			return true;
 		}
 
-		void AddFile(FInstallPlan& Plan, const fs::path& From, const std::string& Relative) const
+		/** Reads the source file and looks at what stands where it goes. */
+		bool AddFile(FInstallPlan& Plan, const fs::path& From, const std::string& Relative, std::string& OutError) const
 		{
 			FPlannedFile File;
-			File.From = From;
+			File.To = Plan.PluginDir / Relative;
 			File.Relative = Relative;
-			const fs::path To = Plan.PluginDir / Relative;
+			if (!ReadFileBytes(From, File.Bytes, OutError))
+			{
+				return false;
+			}
 			std::error_code Code;
-			File.bExists = fs::exists(To, Code);
-			std::string Old;
-			std::string New;
-			File.bSame = File.bExists && fs::is_regular_file(To, Code) && ReadWholeFile(To, Old) &&
-				ReadWholeFile(From, New) && Old == New;
-			Plan.Files.push_back(File);
+			const fs::file_status Status = fs::symlink_status(File.To, Code);
+			if (fs::is_symlink(Status))
+			{
+				// Replaced by the file itself: nothing is written through a link.
+				File.Destination = EDestination::Link;
+				File.Previous = fs::read_symlink(File.To, Code).string();
+			}
+			else if (fs::is_directory(Status))
+			{
+				OutError = GenericString(File.To) +
+					": is a folder where the install needs to put a file; nothing "
+					"was changed";
+				return false;
+			}
+			else if (fs::is_regular_file(Status))
+			{
+				File.Destination = EDestination::File;
+				if (!ReadFileBytes(File.To, File.Previous, OutError))
+				{
+					return false;
+				}
+				File.bSame = File.Previous == File.Bytes;
+			}
+			else if (fs::exists(Status))
+			{
+				OutError = GenericString(File.To) + ": is not a regular file; the install needs to put a file there";
+				return false;
+			}
+			Plan.Files.push_back(std::move(File));
+			return true;
 		}
 
 		bool CollectFiles(FInstallPlan& Plan, std::string& OutError) const
@@ -286,27 +366,40 @@ namespace
 			const std::string ModuleRelative = std::string("Source/") + LodexModuleName;
 			const fs::path ModuleSource = fs::path(SourceDir) / ModuleRelative;
 			std::error_code Code;
-			const std::vector<std::string> Sources = ListModuleFiles(ModuleSource, Code);
+			fs::path Dangling;
+			const std::vector<std::string> Sources = ListModuleFiles(ModuleSource, Code, &Dangling);
 			if (Code)
 			{
 				OutError = GenericString(ModuleSource) + ": cannot list the folder (" + Code.message() + ")";
 				return false;
 			}
+			if (!Dangling.empty())
+			{
+				OutError = GenericString(Dangling) + ": is a link to nothing (" +
+					fs::read_symlink(Dangling, Code).string() + "); the install cannot copy it";
+				return false;
+			}
 			for (const std::string& Relative : Sources)
 			{
-				AddFile(Plan, ModuleSource / Relative, ModuleRelative + "/" + Relative);
+				if (!AddFile(Plan, ModuleSource / Relative, ModuleRelative + "/" + Relative, OutError))
+				{
+					return false;
+				}
 			}
 			for (const FLodexBrushInfo& Brush : GetLodexBrushes())
 			{
 				const std::string Relative = std::string(Brush.RelativePath) + Brush.Extension;
-				AddFile(Plan, fs::path(SourceDir) / Relative, Relative);
+				if (!AddFile(Plan, fs::path(SourceDir) / Relative, Relative, OutError))
+				{
+					return false;
+				}
 			}
 
 			// Files of an earlier install that this source tree no longer has: reported, never deleted.
 			const fs::path Installed = Plan.PluginDir / ModuleRelative;
 			if (fs::is_directory(Installed, Code))
 			{
-				for (const std::string& Relative : ListModuleFiles(Installed, Code))
+				for (const std::string& Relative : ListModuleFiles(Installed, Code, nullptr))
 				{
 					if (!std::binary_search(Sources.begin(), Sources.end(), Relative))
 					{
@@ -317,19 +410,24 @@ namespace
 			return true;
 		}
 
-		/** Every destination must be a file or absent, every folder on its way a folder or absent, all writable. */
+		/** Every folder on a file's way must be a folder or absent, and every place written to writable. */
 		bool CheckDestinations(const FInstallPlan& Plan, std::string& OutError) const
 		{
 			std::error_code Code;
 			for (const FPlannedFile& File : Plan.Files)
 			{
-				const fs::path To = Plan.PluginDir / File.Relative;
-				for (fs::path Folder = To.parent_path(); Folder != Plan.PluginDir && Folder.has_parent_path();
+				for (fs::path Folder = File.To.parent_path(); Folder != Plan.PluginDir && Folder.has_parent_path();
 					 Folder = Folder.parent_path())
 				{
-					if (fs::exists(Folder, Code) && !fs::is_directory(Folder, Code))
+					const fs::file_status Status = fs::status(Folder, Code);
+					if (fs::exists(Status) && !fs::is_directory(Status))
 					{
 						OutError = GenericString(Folder) + ": is a file where the install needs a folder";
+						return false;
+					}
+					if (!fs::exists(Status) && fs::is_symlink(fs::symlink_status(Folder, Code)))
+					{
+						OutError = GenericString(Folder) + ": is a link to nothing where the install needs a folder";
 						return false;
 					}
 				}
@@ -337,27 +435,12 @@ namespace
 				{
 					continue;
 				}
-				if (File.bExists)
+				const fs::path Folder = NearestExisting(File.To.parent_path(), Plan.PluginDir);
+				if ((File.Destination == EDestination::File && !CanWriteFile(File.To)) || !CanWriteFolder(Folder))
 				{
-					if (!fs::is_regular_file(To, Code))
-					{
-						OutError = GenericString(To) + ": is not a file; the install needs to write a file there";
-						return false;
-					}
-					if (!CanWriteFile(To) || !CanWriteFolder(To.parent_path()))
-					{
-						OutError = GenericString(To) + ": cannot be written (read-only?); nothing was changed";
-						return false;
-					}
-				}
-				else
-				{
-					const fs::path Existing = NearestExisting(To.parent_path(), Plan.PluginDir);
-					if (!CanWriteFolder(Existing))
-					{
-						OutError = GenericString(Existing) + ": the folder cannot be written; nothing was changed";
-						return false;
-					}
+					OutError = GenericString(File.Destination == EDestination::Absent ? Folder : File.To) +
+						": cannot be written (read-only?); nothing was changed";
+					return false;
 				}
 			}
 			return true;
@@ -366,57 +449,122 @@ namespace
 		bool ReadDescriptor(FInstallPlan& Plan, std::string& OutError) const
 		{
 			const std::string Shown = GenericString(Plan.Descriptor);
-			if (!ReadWholeFile(Plan.Descriptor, Plan.DescriptorText))
+			std::string ReadError;
+			if (!ReadFileBytes(Plan.Descriptor, Plan.DescriptorText, ReadError))
 			{
-				OutError = Shown + ": cannot read the file";
+				OutError = ReadError;
 				return false;
 			}
 			FOrderedJson Descriptor;
+			if (!ParseJsonFile(Plan.DescriptorText, Shown, "not valid JSON: ", Descriptor, OutError))
+			{
+				return false;
+			}
 			try
 			{
-				Descriptor = FOrderedJson::parse(Plan.DescriptorText);
-			}
-			catch (const FOrderedJson::parse_error& ParseError)
-			{
-				OutError = Shown + ":" + DescribeJsonPosition(Plan.DescriptorText, ParseError.byte) +
-					": not valid JSON: " + DescribeJsonParseReason(ParseError.what());
-				return false;
-			}
-			if (!Descriptor.is_object())
-			{
-				OutError = Shown + ": the descriptor is a JSON " + Descriptor.type_name() + ", not an object";
-				return false;
-			}
-			if (Descriptor.contains("Modules") && !Descriptor["Modules"].is_array())
-			{
-				OutError = Shown + ": \"Modules\" is a JSON " + std::string(Descriptor["Modules"].type_name()) +
-					", not a list";
-				return false;
-			}
-			for (const FOrderedJson& Module : Descriptor.value("Modules", FOrderedJson::array()))
-			{
-				if (Module.is_object() && Module.value("Name", FOrderedJson()) == LodexModuleName)
+				if (!Descriptor.is_object())
 				{
-					if (Module.value("Type", FOrderedJson()) != "Editor")
+					OutError = Shown + ": the descriptor is a JSON " + Descriptor.type_name() + ", not an object";
+					return false;
+				}
+				const auto ModulesIt = Descriptor.find("Modules");
+				if (ModulesIt != Descriptor.end() && !ModulesIt->is_array())
+				{
+					OutError =
+						Shown + ": \"Modules\" is a JSON " + std::string(ModulesIt->type_name()) + ", not a list";
+					return false;
+				}
+				if (ModulesIt != Descriptor.end())
+				{
+					for (const FOrderedJson& Module : *ModulesIt)
 					{
-						Plan.ExistingEntryNote = "note: " + Shown + " already lists " + LodexModuleName +
-							" with Type " + Module.value("Type", FOrderedJson()).dump() + "; it is left as it is";
+						// The engine compares module names ignoring case.
+						const auto NameIt = Module.is_object() ? Module.find("Name") : Module.end();
+						if (NameIt == Module.end() || !NameIt->is_string() ||
+							!LodexText::EqualsIgnoreCase(NameIt->get<std::string>(), LodexModuleName))
+						{
+							continue;
+						}
+						const FOrderedJson Type = Module.value("Type", FOrderedJson());
+						if (Type != "Editor" || NameIt->get<std::string>() != LodexModuleName)
+						{
+							Plan.ExistingEntryNote = "note: " + Shown + " already lists " + NameIt->dump() +
+								" with Type " + Type.dump() + "; it is left as it is";
+						}
+						return true;
 					}
-					return true;
 				}
 			}
-			Descriptor["Modules"].push_back(MakeModuleEntry());
-			Plan.NewDescriptorText = RenderDescriptor(Descriptor, Plan.DescriptorText);
-			if (!CanWriteFile(Plan.Descriptor))
+			catch (const FOrderedJson::exception& Exception)
+			{
+				OutError = Shown + ": " + DescribeJsonParseReason(Exception.what());
+				return false;
+			}
+			Plan.NewDescriptorText = AddToDescriptorModules(Plan.DescriptorText, GetModuleEntry());
+			return CheckDescriptorWrites(Plan, OutError);
+		}
+
+		/** The descriptor is updated where its links lead, keeping its owner; its backup goes beside it. */
+		bool CheckDescriptorWrites(FInstallPlan& Plan, std::string& OutError) const
+		{
+			const std::string Shown = GenericString(Plan.Descriptor);
+			std::error_code Code;
+			Plan.DescriptorTarget = fs::canonical(Plan.Descriptor, Code);
+			if (Code)
+			{
+				OutError = Shown + ": cannot find the file its link leads to (" + Code.message() + ")";
+				return false;
+			}
+			struct stat Existing;
+			if (!CanWriteFile(Plan.DescriptorTarget) || stat(Plan.DescriptorTarget.c_str(), &Existing) != 0)
 			{
 				OutError = Shown + ": the descriptor is read-only; nothing was changed";
 				return false;
 			}
-			if (!CanWriteFolder(Plan.PluginDir))
+			if (!CanKeepOwner(Existing))
 			{
-				OutError = GenericString(Plan.PluginDir) + ": the folder cannot be written; nothing was changed";
+				OutError = Shown +
+					": the descriptor belongs to another user, whom a rewritten file could not keep as "
+					"its owner; nothing was changed";
 				return false;
 			}
+			for (const fs::path& Folder : {Plan.DescriptorTarget.parent_path(), Plan.PluginDir})
+			{
+				if (!CanWriteFolder(Folder))
+				{
+					OutError = GenericString(Folder) + ": the folder cannot be written; nothing was changed";
+					return false;
+				}
+			}
+
+			FPlannedFile Backup;
+			Backup.To = Plan.Descriptor;
+			Backup.To += BackupSuffix;
+			Backup.Relative = std::string(PluginDescriptorName) + BackupSuffix;
+			Backup.Bytes = Plan.DescriptorText;
+			const fs::file_status Status = fs::symlink_status(Backup.To, Code);
+			if (fs::is_directory(Status))
+			{
+				OutError = GenericString(Backup.To) +
+					": is a folder where the install keeps the descriptor's backup; nothing was changed";
+				return false;
+			}
+			if (fs::is_symlink(Status))
+			{
+				Backup.Destination = EDestination::Link;
+				Backup.Previous = fs::read_symlink(Backup.To, Code).string();
+			}
+			else if (fs::exists(Status))
+			{
+				std::string ReadError;
+				Backup.Destination = EDestination::File;
+				if (!ReadFileBytes(Backup.To, Backup.Previous, ReadError))
+				{
+					OutError = ReadError;
+					return false;
+				}
+			}
+			Plan.Backup = std::move(Backup);
 			return true;
 		}
 
@@ -432,7 +580,9 @@ namespace
 			if (!fs::is_regular_file(Plan.Descriptor, Code))
 			{
 				OutError = GenericString(Plan.Descriptor) +
-					": not found; the project needs the UnrealCLR plug-in in Plugins/UnrealCLR first";
+					(fs::is_directory(Plan.Descriptor, Code)
+							? ": is a folder, not the plug-in's descriptor"
+							: ": not found; the project needs the UnrealCLR plug-in in Plugins/UnrealCLR first");
 				return false;
 			}
 			return CheckSource(OutError) && ReadDescriptor(Plan, OutError) && CollectFiles(Plan, OutError) &&
@@ -449,10 +599,10 @@ namespace
 			return Count;
 		}
 
-		std::string DescribeModuleEntry() const
+		static std::string DescribeFile(const FPlannedFile& File, const char* Copy, const char* Replace)
 		{
-			return std::string("add ") + MakeModuleEntry().dump() + " to \"Modules\" of " + PluginDescriptorName +
-				" (the descriptor as it was is kept in " + PluginDescriptorName + BackupSuffix + ")";
+			return std::string(File.Destination == EDestination::Absent ? Copy : Replace) + " " + File.Relative +
+				(File.Destination == EDestination::Link ? " (a link there becomes a copy of the file)" : "");
 		}
 
 		void PrintNotes(const FInstallPlan& Plan, FLodexCliIo& Io) const
@@ -479,11 +629,12 @@ namespace
 					++Same;
 					continue;
 				}
-				Io.Out << "  " << (File.bExists ? "replace " : "copy ") << File.Relative << "\n";
+				Io.Out << "  " << DescribeFile(File, "copy", "replace") << "\n";
 			}
 			if (Plan.NewDescriptorText)
 			{
-				Io.Out << "  " << DescribeModuleEntry() << "\n";
+				Io.Out << "  add " << DescribeModuleEntry() << " to \"Modules\" of " << PluginDescriptorName
+					   << " (the descriptor as it was is kept in " << PluginDescriptorName << BackupSuffix << ")\n";
 			}
 			if (CountChanges(Plan) == 0)
 			{
@@ -498,6 +649,59 @@ namespace
 			return LodexExitOk;
 		}
 
+		/** Puts a changed file back as it was: its old bytes, its old link, or nothing. */
+		static void PutBack(const FPlannedFile& File)
+		{
+			std::error_code Code;
+			std::string Ignored;
+			switch (File.Destination)
+			{
+				case EDestination::Absent:
+					fs::remove(File.To, Code);
+					break;
+				case EDestination::File:
+					WriteFileAtomically(File.To.string(), File.Previous, Ignored, {false, false});
+					break;
+				case EDestination::Link:
+					fs::remove(File.To, Code);
+					fs::create_symlink(File.Previous, File.To, Code);
+					break;
+			}
+		}
+
+		/**
+		 * Creates the folders missing on the way to Folder, innermost last, adding each to Created; false with
+		 * the reason when one cannot be made.
+		 */
+		static bool MakeFolders(const fs::path& Folder, std::vector<fs::path>& Created, std::string& OutError)
+		{
+			std::error_code Code;
+			if (Folder.empty() || fs::is_directory(Folder, Code))
+			{
+				return true;
+			}
+			if (!MakeFolders(Folder.parent_path(), Created, OutError))
+			{
+				return false;
+			}
+			if (!fs::create_directory(Folder, Code) && Code)
+			{
+				OutError = GenericString(Folder) + ": cannot make the folder (" + Code.message() + ")";
+				return false;
+			}
+			Created.push_back(Folder);
+			return true;
+		}
+
+		static void RemoveFolders(const std::vector<fs::path>& Created)
+		{
+			std::error_code Code;
+			for (auto It = Created.rbegin(); It != Created.rend(); ++It)
+			{
+				fs::remove(*It, Code); // only when empty
+			}
+		}
+
 		int Apply(const FInstallPlan& Plan, FLodexCliIo& Io) const
 		{
 			if (CountChanges(Plan) == 0)
@@ -507,61 +711,87 @@ namespace
 					   << " and up to date; nothing was changed.\n";
 				return LodexExitOk;
 			}
+
+			// First every new content is written beside its place, where a failure (a full disk, a file-size
+			// limit) leaves the project as it was; then each is moved in, the descriptor last.
+			std::vector<const FPlannedFile*> Changes;
+			for (const FPlannedFile& File : Plan.Files)
+			{
+				if (!File.bSame)
+				{
+					Changes.push_back(&File);
+				}
+			}
+			if (Plan.NewDescriptorText)
+			{
+				Changes.push_back(&*Plan.Backup);
+			}
+			std::vector<fs::path> CreatedFolders;
+			std::vector<FStagedFile> Staged(Changes.size());
+			FStagedFile StagedDescriptor;
+			std::string Error;
+			bool bStaged = true;
+			for (std::size_t Index = 0; bStaged && Index < Changes.size(); ++Index)
+			{
+				bStaged = MakeFolders(Changes[Index]->To.parent_path(), CreatedFolders, Error) &&
+					Staged[Index].Stage(Changes[Index]->To.string(), Changes[Index]->Bytes, {false, false}, Error);
+			}
+			if (bStaged && Plan.NewDescriptorText)
+			{
+				bStaged =
+					StagedDescriptor.Stage(Plan.Descriptor.string(), *Plan.NewDescriptorText, {true, true}, Error);
+			}
+			if (!bStaged)
+			{
+				Staged.clear();
+				StagedDescriptor.Discard();
+				RemoveFolders(CreatedFolders);
+				Io.Err << "lodex: " << Error << "; nothing was changed\n";
+				return LodexExitFailure;
+			}
+
+			std::size_t Committed = 0;
+			while (Committed < Changes.size() && Staged[Committed].Commit(Error))
+			{
+				++Committed;
+			}
+			const bool bCommitted =
+				Committed == Changes.size() && (!Plan.NewDescriptorText || StagedDescriptor.Commit(Error));
+			if (!bCommitted)
+			{
+				for (std::size_t Index = 0; Index < Committed; ++Index)
+				{
+					PutBack(*Changes[Index]);
+				}
+				Staged.clear();
+				StagedDescriptor.Discard();
+				RemoveFolders(CreatedFolders);
+				Io.Err << "lodex: " << Error << "; the project was put back as it was\n";
+				return LodexExitFailure;
+			}
+
 			Io.Out << "Installing " << LodexModuleName << " from " << SourceDir << " into "
 				   << GenericString(Plan.PluginDir) << "\n";
 			std::size_t Copied = 0;
 			std::size_t Replaced = 0;
-			std::size_t Same = 0;
 			for (const FPlannedFile& File : Plan.Files)
 			{
-				if (File.bSame)
+				if (!File.bSame)
 				{
-					++Same;
-					continue;
+					Io.Out << "  " << DescribeFile(File, "copied", "replaced") << "\n";
+					++(File.Destination == EDestination::Absent ? Copied : Replaced);
 				}
-				const fs::path To = Plan.PluginDir / File.Relative;
-				std::error_code Code;
-				fs::create_directories(To.parent_path(), Code);
-				if (!Code)
-				{
-					fs::copy_file(File.From, To, fs::copy_options::overwrite_existing, Code);
-				}
-				if (Code)
-				{
-					Io.Err << "lodex: " << GenericString(To) << ": cannot copy the file (" << Code.message()
-						   << "); the descriptor was not changed\n";
-					return LodexExitFailure;
-				}
-				Io.Out << "  " << (File.bExists ? "replaced " : "copied ") << File.Relative << "\n";
-				++(File.bExists ? Replaced : Copied);
 			}
-			if (Plan.NewDescriptorText && !WriteDescriptor(Plan, Io))
+			if (Plan.NewDescriptorText)
 			{
-				return LodexExitFailure;
+				Io.Out << "  added " << DescribeModuleEntry() << " to \"Modules\" of " << PluginDescriptorName
+					   << " (the descriptor as it was is in " << PluginDescriptorName << BackupSuffix << ")\n";
 			}
 			PrintNotes(Plan, Io);
-			Io.Out << "Done: " << Copied << " file(s) copied, " << Replaced << " replaced, " << Same
-				   << " already up to date; " << PluginDescriptorName << " "
+			Io.Out << "Done: " << Copied << " file(s) copied, " << Replaced << " replaced, "
+				   << Plan.Files.size() - Copied - Replaced << " already up to date; " << PluginDescriptorName << " "
 				   << (Plan.NewDescriptorText ? "now lists " : "already listed ") << LodexModuleName << ".\n";
 			return LodexExitOk;
-		}
-
-		bool WriteDescriptor(const FInstallPlan& Plan, FLodexCliIo& Io) const
-		{
-			std::error_code Code;
-			const fs::perms Permissions = fs::status(Plan.Descriptor, Code).permissions();
-			const std::string Backup = GenericString(Plan.Descriptor) + BackupSuffix;
-			std::string Error;
-			if (!WriteFileAtomically(Backup, Plan.DescriptorText, Error) ||
-				!WriteFileAtomically(GenericString(Plan.Descriptor), *Plan.NewDescriptorText, Error))
-			{
-				Io.Err << "lodex: " << Error << "\n";
-				return false;
-			}
-			fs::permissions(Plan.Descriptor, Permissions, Code);
-			Io.Out << "  added " << MakeModuleEntry().dump() << " to \"Modules\" of " << PluginDescriptorName
-				   << " (the descriptor as it was is in " << PluginDescriptorName << BackupSuffix << ")\n";
-			return true;
 		}
 
 		std::string ProjectDir;

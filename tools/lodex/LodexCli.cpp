@@ -35,6 +35,19 @@ int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::os
 		Subcommands.push_back(Command->Register(App));
 	}
 
+	if (!Args.empty() && !Args.front().empty() && Args.front()[0] != '-' &&
+		std::none_of(Subcommands.begin(), Subcommands.end(),
+			[&](const CLI::App* Sub) { return Sub->get_name() == Args.front(); }))
+	{
+		std::string Names;
+		for (const CLI::App* Sub : Subcommands)
+		{
+			Names += (Names.empty() ? "" : ", ") + Sub->get_name();
+		}
+		Err << "lodex: unknown command '" << Args.front() << "' (the commands are " << Names << ")\n" << App.help();
+		return LodexExitUsage;
+	}
+
 	// CLI11 wants the arguments in reverse order.
 	std::vector<std::string> Reversed(Args.rbegin(), Args.rend());
 	try

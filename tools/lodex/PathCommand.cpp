@@ -89,7 +89,10 @@ namespace
 				->required()
 				->check(CLI::IsMember(Modes));
 			Sub->add_option(
-				"--clipboard", ClipboardFile, "Write the clipboard to this file instead of the system clipboard");
+				   "--clipboard", ClipboardFile, "Write the clipboard to this file instead of the system clipboard")
+				->check(CLI::Validator([](const std::string& Value)
+					{ return Value.empty() ? std::string("needs a file name") : std::string(); },
+					"FILE"));
 			Sub->add_option("objects", Objects, "The selection, in order: object ids or unique names");
 			return Sub;
 		}

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <unordered_map>
@@ -40,17 +41,24 @@ bool FSceneSnapshot::Parse(
 	const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
 {
 	FJson Root;
-	try
+	if (!ParseJsonFile(Text, SourceName, "", Root, OutError))
 	{
-		Root = FJson::parse(Text);
-	}
-	catch (const FJson::parse_error& Error)
-	{
-		OutError =
-			SourceName + ":" + DescribeJsonPosition(Text, Error.byte) + ": " + DescribeJsonParseReason(Error.what());
 		return false;
 	}
+	try
+	{
+		return ReadObjects(Root, SourceName, Out, OutError);
+	}
+	catch (const FJson::exception& Error)
+	{
+		OutError = SourceName + ": " + DescribeJsonParseReason(Error.what());
+		return false;
+	}
+}
 
+bool FSceneSnapshot::ReadObjects(
+	const nlohmann::json& Root, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
+{
 	auto Fail = [&](const std::string& Message)
 	{
 		OutError = SourceName + ": " + Message;
@@ -187,6 +195,12 @@ bool FSceneSnapshot::Parse(
 
 bool FSceneSnapshot::LoadFile(const std::string& Path, FSceneSnapshot& Out, std::string& OutError)
 {
+	std::error_code Code;
+	if (std::filesystem::is_directory(Path, Code))
+	{
+		OutError = Path + ": is a folder, not a scene file";
+		return false;
+	}
 	std::ifstream File(Path, std::ios::binary);
 	if (!File)
 	{

@@ -3,6 +3,8 @@
 
 #include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -67,5 +69,8 @@ public:
 	//~ End ILodexObjectGraph Interface
 
 private:
+	static bool ReadObjects(
+		const nlohmann::json& Root, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError);
+
 	std::vector<FSceneObject> Objects;
 };

@@ -1,24 +1,26 @@
 // Copyright Lodex contributors.
 #include "DetailToolCommands.h"
 
+#include "LodexEditorAdapters.h"
+#include "LodexInterop.h"
 #include "Styling/AppStyle.h"
 
-// The labels and tooltips are the ones of the core's "DetailToolA" table (GetDetailToolCommandSet); UI_COMMAND needs
-// them as literals.
-#define LOCTEXT_NAMESPACE "DetailToolA"
-
+// The context, labels and tooltips are those of the core's "DetailToolA" table (GetDetailToolCommandSet), localisable
+// under the keys the engine's command macro would give them.
 FDetailToolCommands::FDetailToolCommands()
-	: TCommands<FDetailToolCommands>(TEXT("DetailToolA"),
-		  NSLOCTEXT("Contexts", "DetailToolA", "Veltrane right click menu"), NAME_None, FAppStyle::GetAppStyleSetName())
+	: TCommands<FDetailToolCommands>(LodexInterop::ToName(GetDetailToolCommandSet().ContextName),
+		  LodexEditor::MakeContextDescription(GetDetailToolCommandSet().ContextName), NAME_None,
+		  FAppStyle::GetAppStyleSetName())
 {
 }
 
 void FDetailToolCommands::RegisterCommands()
 {
-	UI_COMMAND(DetailCommand1, "Lodestring Relative", "Print the Lodestring to the console",
-		EUserInterfaceActionType::Button, FInputChord());
-	UI_COMMAND(DetailCommand2, "Lodestring Absolute", "Print the Lodestring to the console",
-		EUserInterfaceActionType::Button, FInputChord());
+	const FLodexCommandSetInfo& Set = GetDetailToolCommandSet();
+	LodexEditor::MakeCommandFromTable(
+		*this, DetailCommand1, Set, GET_MEMBER_NAME_CHECKED(FDetailToolCommands, DetailCommand1));
+	LodexEditor::MakeCommandFromTable(
+		*this, DetailCommand2, Set, GET_MEMBER_NAME_CHECKED(FDetailToolCommands, DetailCommand2));
 }
 
 TSharedPtr<FUICommandInfo> FDetailToolCommands::FindCommand(FName CommandId) const
@@ -32,5 +34,3 @@ TSharedPtr<FUICommandInfo> FDetailToolCommands::FindCommand(FName CommandId) con
 	}
 	return nullptr;
 }
-
-#undef LOCTEXT_NAMESPACE

@@ -7,7 +7,8 @@
 
 void DetailsTool::OnStartupModule()
 {
-	StartupWithMenuEntry();
+	ExampleTabToolBase::OnStartupModule();
+	AddMenuEntryFromTabTable(ELodexListener::DetailsTool);
 }
 
 void DetailsTool::Initialize()

@@ -8,39 +8,41 @@
 #include "LodexInterop.h"
 #include "Widgets/Docking/SDockTab.h"
 
-/** The editor calls of a tab tool: the global tab manager and the module's menu extension service. */
-class FLodexTabToolHost final : public ILodexTabHost
+class ExampleTabToolBase::FTabToolCalls final : public ILodexTabTool
 {
 public:
-	explicit FLodexTabToolHost(ExampleTabToolBase& InTool)
+	explicit FTabToolCalls(ExampleTabToolBase& InTool)
 		: Tool(InTool)
 	{
 	}
 
-	//~ Begin ILodexTabHost Interface
-	virtual void RegisterNomadTabSpawner(const FLodexTabInfo& Tab, const char* GroupName) override
+	//~ Begin ILodexTabTool Interface
+	virtual void Initialize() override { Tool.Initialize(); }
+
+	virtual void RegisterNomadTabSpawner(const char* GroupName) override
 	{
-		// GroupName names the module's MenuRoot, the one group every spawner of the module goes in.
+		// GroupName names the module's MenuRoot, the one group every spawner of the module goes in. The spawner is
+		// bound to the tool by a shared reference's weak side: once the tool is gone it spawns nothing.
 		FGlobalTabmanager::Get()
-			->RegisterNomadTabSpawner(LodexInterop::ToName(Tab.TabName),
-				FOnSpawnTab::CreateSP(Tool.AsShared(), &ExampleTabToolBase::SpawnTab))
+			->RegisterNomadTabSpawner(
+				Tool.TabName, FOnSpawnTab::CreateSP(Tool.AsShared(), &ExampleTabToolBase::SpawnTab))
 			.SetGroup(FLodexDebugger::Get().GetMenuRoot())
-			.SetDisplayName(LodexInterop::ToText(Tab.DisplayName))
-			.SetTooltipText(LodexInterop::ToText(Tab.ToolTip));
+			.SetDisplayName(Tool.TabDisplayName)
+			.SetTooltipText(Tool.ToolTipText);
 	}
 
-	virtual void UnregisterNomadTabSpawner(const char* TabName) override
+	virtual void UnregisterNomadTabSpawner() override
 	{
-		FGlobalTabmanager::Get()->UnregisterNomadTabSpawner(LodexInterop::ToName(TabName));
+		FGlobalTabmanager::Get()->UnregisterNomadTabSpawner(Tool.TabName);
 	}
 
-	virtual void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position, const FLodexTabInfo& Tab) override
+	virtual void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position) override
 	{
 		FLodexDebugger::Get().AddMenuExtension(
 			FMenuExtensionDelegate::CreateSP(Tool.AsShared(), &ExampleTabToolBase::MakeMenuEntry),
 			LodexInterop::ToName(Hook), nullptr, LodexInterop::ToExtensionHookPosition(Position));
 	}
-	//~ End ILodexTabHost Interface
+	//~ End ILodexTabTool Interface
 
 private:
 	ExampleTabToolBase& Tool;
@@ -48,21 +50,14 @@ private:
 
 void ExampleTabToolBase::OnStartupModule()
 {
-	Initialize();
-	if (TabInfo)
-	{
-		FLodexTabToolHost Host(*this);
-		RegisterLodexTabSpawner(Host, *TabInfo);
-	}
+	FTabToolCalls Calls(*this);
+	StartLodexTabToolBase(Calls);
 }
 
 void ExampleTabToolBase::OnShutdownModule()
 {
-	if (TabInfo)
-	{
-		FLodexTabToolHost Host(*this);
-		StopLodexTabTool(Host, *TabInfo);
-	}
+	FTabToolCalls Calls(*this);
+	StopLodexTabTool(Calls);
 }
 
 void ExampleTabToolBase::Initialize() {}
@@ -79,21 +74,19 @@ void ExampleTabToolBase::MakeMenuEntry(FMenuBuilder& MenuBuilder)
 
 void ExampleTabToolBase::InitializeFromTabTable(ELodexListener Listener)
 {
-	TabInfo = GetLodexListener(Listener).Tab;
-	if (TabInfo)
+	if (const FLodexTabInfo* Tab = GetLodexListener(Listener).Tab)
 	{
-		TabName = LodexInterop::ToName(TabInfo->TabName);
-		TabDisplayName = LodexInterop::ToText(TabInfo->DisplayName);
-		ToolTipText = LodexInterop::ToText(TabInfo->ToolTip);
+		TabName = LodexInterop::ToName(Tab->TabName);
+		TabDisplayName = LodexInterop::ToText(Tab->DisplayName);
+		ToolTipText = LodexInterop::ToText(Tab->ToolTip);
 	}
 }
 
-void ExampleTabToolBase::StartupWithMenuEntry()
+void ExampleTabToolBase::AddMenuEntryFromTabTable(ELodexListener Listener)
 {
-	Initialize();
-	if (TabInfo)
+	if (const FLodexTabInfo* Tab = GetLodexListener(Listener).Tab)
 	{
-		FLodexTabToolHost Host(*this);
-		StartLodexTabTool(Host, *TabInfo);
+		FTabToolCalls Calls(*this);
+		AddLodexTabMenuEntry(Calls, *Tab);
 	}
 }

@@ -11,8 +11,9 @@ class FSpawnTabArgs;
 class SDockTab;
 
 /**
- * A module listener that owns one dockable tab: it registers the tab's nomad spawner in the module's "Menu Root" group
- * at start-up and unregisters it at shut-down.
+ * A module listener that owns one dockable tab. At start-up it calls Initialize, then registers a nomad tab spawner
+ * under TabName with TabDisplayName and ToolTipText, as Initialize set them, in the module's "Menu Root" group; at
+ * shut-down it unregisters the spawner of TabName.
  */
 class ExampleTabToolBase
 	: public IModuleListenerInterface
@@ -36,17 +37,17 @@ public:
 	virtual ~ExampleTabToolBase() = default;
 
 protected:
-	/** Takes the tool's row of the tab table: TabName, TabDisplayName and ToolTipText come from it. */
+	/** Sets TabName, TabDisplayName and ToolTipText from the tool's row of the module's tab table. */
 	void InitializeFromTabTable(ELodexListener Listener);
 
-	/** The base start-up (Initialize, the tab spawner), then the tool's pull-down entry before its menu hook. */
-	void StartupWithMenuEntry();
+	/** Asks the module to put MakeMenuEntry before the menu hook of the tool's row of the tab table. */
+	void AddMenuEntryFromTabTable(ELodexListener Listener);
 
 	FName TabName;
 	FText TabDisplayName;
 	FText ToolTipText;
 
 private:
-	/** The tool's row of the tab table; null until a tool's Initialize takes one. */
-	const FLodexTabInfo* TabInfo = nullptr;
+	/** The editor calls of the tool as the core's tab start-up and shut-down make them. */
+	class FTabToolCalls;
 };

@@ -7,7 +7,8 @@
 
 void ReplTool::OnStartupModule()
 {
-	StartupWithMenuEntry();
+	ExampleTabToolBase::OnStartupModule();
+	AddMenuEntryFromTabTable(ELodexListener::ReplTool);
 }
 
 void ReplTool::Initialize()

@@ -12,11 +12,6 @@
 #include "Modules/ModuleManager.h"
 #include "Textures/SlateIcon.h"
 
-namespace MenuToolPrivate
-{
-	const FName LevelEditorModuleName(TEXT("LevelEditor"));
-}
-
 void MenuTool::OnStartupModule()
 {
 	StartMenuTool(*this);
@@ -24,18 +19,7 @@ void MenuTool::OnStartupModule()
 
 void MenuTool::OnShutdownModule()
 {
-	if (ViewportContextMenuExtenderHandle.IsValid() &&
-		FModuleManager::Get().IsModuleLoaded(MenuToolPrivate::LevelEditorModuleName))
-	{
-		FLevelEditorModule& LevelEditorModule =
-			FModuleManager::GetModuleChecked<FLevelEditorModule>(MenuToolPrivate::LevelEditorModuleName);
-		const FDelegateHandle Handle = ViewportContextMenuExtenderHandle;
-		LevelEditorModule.GetAllLevelViewportContextMenuExtenders().RemoveAll(
-			[Handle](const FLevelEditorModule::FLevelViewportMenuExtender_SelectedActors& Extender)
-			{ return Extender.GetHandle() == Handle; });
-	}
-	ViewportContextMenuExtenderHandle.Reset();
-	FMenuToolCommands::Unregister();
+	StopMenuTool(*this);
 }
 
 void MenuTool::CreateCommandList()
@@ -45,9 +29,17 @@ void MenuTool::CreateCommandList()
 
 void MenuTool::RegisterCommandSet(const FLodexCommandSetInfo& Set)
 {
+	// FMenuToolCommands takes its context, labels and tooltips from the same table (GetMenuToolCommandSet).
 	FMenuToolCommands::Register();
-	LodexEditor::EnsureCommandSetMatches(
-		FMenuToolCommands::Get(), Set, [](FName CommandId) { return FMenuToolCommands::Get().FindCommand(CommandId); });
+}
+
+void MenuTool::UnregisterCommandSet(const FLodexCommandSetInfo& Set)
+{
+	if (FMenuToolCommands::IsRegistered())
+	{
+		FMenuToolCommands::Unregister();
+	}
+	CommandList.Reset();
 }
 
 void MenuTool::MapPrintAction(const FLodexCommandInfo& Command, const std::string& Mode)
@@ -70,12 +62,26 @@ void MenuTool::AddModuleMenuExtension(const FLodexMenuInfo& Menu)
 void MenuTool::AddViewportContextMenuExtender(const FLodexMenuInfo& Menu)
 {
 	FLevelEditorModule& LevelEditorModule =
-		FModuleManager::LoadModuleChecked<FLevelEditorModule>(MenuToolPrivate::LevelEditorModuleName);
+		FModuleManager::LoadModuleChecked<FLevelEditorModule>(LodexInterop::ToName(LodexShellModules::LevelEditor));
 	const FLevelEditorModule::FLevelViewportMenuExtender_SelectedActors Extender =
 		FLevelEditorModule::FLevelViewportMenuExtender_SelectedActors::CreateSP(
 			this, &MenuTool::HandleViewportContextMenu, &Menu);
 	ViewportContextMenuExtenderHandle = Extender.GetHandle();
 	LevelEditorModule.GetAllLevelViewportContextMenuExtenders().Add(Extender);
+}
+
+void MenuTool::RemoveViewportContextMenuExtender(const FLodexMenuInfo& Menu)
+{
+	const FName LevelEditorName = LodexInterop::ToName(LodexShellModules::LevelEditor);
+	if (ViewportContextMenuExtenderHandle.IsValid() && FModuleManager::Get().IsModuleLoaded(LevelEditorName))
+	{
+		FLevelEditorModule& LevelEditorModule = FModuleManager::GetModuleChecked<FLevelEditorModule>(LevelEditorName);
+		const FDelegateHandle Handle = ViewportContextMenuExtenderHandle;
+		LevelEditorModule.GetAllLevelViewportContextMenuExtenders().RemoveAll(
+			[Handle](const FLevelEditorModule::FLevelViewportMenuExtender_SelectedActors& Extender)
+			{ return Extender.GetHandle() == Handle; });
+	}
+	ViewportContextMenuExtenderHandle.Reset();
 }
 
 void MenuTool::MakeMenuSection(FMenuBuilder& MenuBuilder, const FLodexMenuInfo* Menu)

@@ -35,6 +35,8 @@ public:
 	virtual void MapPrintAction(const FLodexCommandInfo& Command, const std::string& Mode) override;
 	virtual void AddModuleMenuExtension(const FLodexMenuInfo& Menu) override;
 	virtual void AddViewportContextMenuExtender(const FLodexMenuInfo& Menu) override;
+	virtual void RemoveViewportContextMenuExtender(const FLodexMenuInfo& Menu) override;
+	virtual void UnregisterCommandSet(const FLodexCommandSetInfo& Set) override;
 	//~ End IMenuToolHost Interface
 
 private:

@@ -1,24 +1,26 @@
 // Copyright Lodex contributors.
 #include "MenuToolCommands.h"
 
+#include "LodexEditorAdapters.h"
+#include "LodexInterop.h"
 #include "Styling/AppStyle.h"
 
-// The labels and tooltips are the ones of the core's "MenuTool" table (GetMenuToolCommandSet); UI_COMMAND needs
-// them as literals. MenuTool checks at registration that both still agree.
-#define LOCTEXT_NAMESPACE "MenuTool"
-
+// The context, labels and tooltips are those of the core's "MenuTool" table (GetMenuToolCommandSet), localisable under
+// the keys the engine's command macro would give them.
 FMenuToolCommands::FMenuToolCommands()
-	: TCommands<FMenuToolCommands>(TEXT("MenuTool"), NSLOCTEXT("Contexts", "MenuTool", "Veltrane right click menu"),
-		  NAME_None, FAppStyle::GetAppStyleSetName())
+	: TCommands<FMenuToolCommands>(LodexInterop::ToName(GetMenuToolCommandSet().ContextName),
+		  LodexEditor::MakeContextDescription(GetMenuToolCommandSet().ContextName), NAME_None,
+		  FAppStyle::GetAppStyleSetName())
 {
 }
 
 void FMenuToolCommands::RegisterCommands()
 {
-	UI_COMMAND(MenuCommand1, "Lodestring Relative", "Print the Lodestring to the console",
-		EUserInterfaceActionType::Button, FInputChord());
-	UI_COMMAND(MenuCommand2, "Lodestring Absolute", "Print the Lodestring to the console",
-		EUserInterfaceActionType::Button, FInputChord());
+	const FLodexCommandSetInfo& Set = GetMenuToolCommandSet();
+	LodexEditor::MakeCommandFromTable(
+		*this, MenuCommand1, Set, GET_MEMBER_NAME_CHECKED(FMenuToolCommands, MenuCommand1));
+	LodexEditor::MakeCommandFromTable(
+		*this, MenuCommand2, Set, GET_MEMBER_NAME_CHECKED(FMenuToolCommands, MenuCommand2));
 }
 
 TSharedPtr<FUICommandInfo> FMenuToolCommands::FindCommand(FName CommandId) const
@@ -32,5 +34,3 @@ TSharedPtr<FUICommandInfo> FMenuToolCommands::FindCommand(FName CommandId) const
 	}
 	return nullptr;
 }
-
-#undef LOCTEXT_NAMESPACE

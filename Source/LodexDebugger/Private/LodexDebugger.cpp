@@ -43,6 +43,28 @@ private:
 	FMenuBuilder& MenuBuilder;
 };
 
+/**
+ * The builders of the module's pull-down. The menu bar extension and the pull-down are bound to this object through
+ * shared-pointer delegates: once the module lets it go at shut-down, a menu the editor built earlier finds them
+ * unbound.
+ */
+class FLodexPullDownMenu final : public TSharedFromThis<FLodexPullDownMenu>
+{
+public:
+	void MakePullDownMenu(FMenuBarBuilder& MenuBarBuilder, const FLodexPullDownInfo* PullDown)
+	{
+		MenuBarBuilder.AddPullDownMenu(LodexInterop::ToText(PullDown->Label), LodexInterop::ToText(PullDown->ToolTip),
+			FNewMenuDelegate::CreateSP(AsShared(), &FLodexPullDownMenu::FillPullDownMenu),
+			LodexInterop::ToName(PullDown->ExtensionHook), LodexInterop::ToName(PullDown->TutorialHighlightName));
+	}
+
+	void FillPullDownMenu(FMenuBuilder& MenuBuilder)
+	{
+		FLodexPulldownMenuBuilder Builder(MenuBuilder);
+		BuildLodexPullDownContent(Builder);
+	}
+};
+
 /** The editor calls of the module's start-up and shut-down, in the order the shell makes them. */
 class FLodexShellHost final : public ILodexShellHost
 {
@@ -75,16 +97,38 @@ public:
 
 	virtual void AddMenuBarExtension(const FLodexPullDownInfo& PullDown) override
 	{
+		Module.PullDownMenu = MakeShared<FLodexPullDownMenu>();
 		Module.MenuExtender->AddMenuBarExtension(LodexInterop::ToName(PullDown.AfterHook), EExtensionHook::After,
 			Module.MenuBarCommandList,
-			FMenuBarExtensionDelegate::CreateRaw(&Module, &FLodexDebugger::MakePulldownMenu, &PullDown));
+			FMenuBarExtensionDelegate::CreateSP(
+				Module.PullDownMenu.ToSharedRef(), &FLodexPullDownMenu::MakePullDownMenu, &PullDown));
 	}
 
 	virtual void AddMenuExtenderToLevelEditor() override
 	{
-		FLevelEditorModule& LevelEditorModule =
-			FModuleManager::LoadModuleChecked<FLevelEditorModule>(LodexInterop::ToName(LodexShellModules::LevelEditor));
-		LevelEditorModule.GetMenuExtensibilityManager()->AddExtender(Module.MenuExtender);
+		GetLevelEditorModule().GetMenuExtensibilityManager()->AddExtender(Module.MenuExtender);
+	}
+
+	virtual void RemoveMenuExtenderFromLevelEditor() override
+	{
+		if (Module.MenuExtender.IsValid())
+		{
+			GetLevelEditorModule().GetMenuExtensibilityManager()->RemoveExtender(Module.MenuExtender);
+		}
+	}
+
+	virtual void ReleaseMenuExtender() override
+	{
+		Module.MenuExtender.Reset();
+		Module.MenuBarCommandList.Reset();
+		Module.PullDownMenu.Reset();
+	}
+
+	virtual void AddModuleListeners(FLodexShell& Shell) override
+	{
+		// The module's own version (a module may override it); it calls back into the shell to create the listeners.
+		check(&Shell == &Module.Shell);
+		Module.AddModuleListeners();
 	}
 
 	virtual void CreateListener(const FLodexListenerInfo& Listener) override
@@ -125,6 +169,8 @@ public:
 		}
 	}
 
+	virtual void DestroyListeners() override { Module.ModuleListeners.Empty(); }
+
 	virtual void UnregisterSettings(const FLodexSettingsSectionInfo& Section) override
 	{
 		if (ISettingsModule* SettingsModule =
@@ -137,10 +183,17 @@ public:
 	//~ End ILodexShellHost Interface
 
 private:
+	static FLevelEditorModule& GetLevelEditorModule()
+	{
+		return FModuleManager::LoadModuleChecked<FLevelEditorModule>(
+			LodexInterop::ToName(LodexShellModules::LevelEditor));
+	}
+
 	FLodexDebugger& Module;
 };
 
-TSharedRef<FWorkspaceItem> FLodexDebugger::MenuRoot = FWorkspaceItem::NewGroup(FText::FromString(TEXT("Menu Root")));
+TSharedRef<FWorkspaceItem> FLodexDebugger::MenuRoot =
+	FWorkspaceItem::NewGroup(LodexInterop::ToText(LodexMenuRootGroupName));
 
 void FLodexDebugger::StartupModule()
 {
@@ -177,19 +230,6 @@ void FLodexDebugger::AddMenuExtension(const FMenuExtensionDelegate& ExtensionDel
 	{
 		MenuExtender->AddMenuExtension(ExtensionHook, Position, CommandList, ExtensionDelegate);
 	}
-}
-
-void FLodexDebugger::MakePulldownMenu(FMenuBarBuilder& MenuBarBuilder, const FLodexPullDownInfo* PullDown)
-{
-	MenuBarBuilder.AddPullDownMenu(LodexInterop::ToText(PullDown->Label), LodexInterop::ToText(PullDown->ToolTip),
-		FNewMenuDelegate::CreateRaw(this, &FLodexDebugger::FillPulldownMenu),
-		LodexInterop::ToName(PullDown->ExtensionHook), LodexInterop::ToName(PullDown->TutorialHighlightName));
-}
-
-void FLodexDebugger::FillPulldownMenu(FMenuBuilder& MenuBuilder)
-{
-	FLodexPulldownMenuBuilder Builder(MenuBuilder);
-	BuildLodexPullDownContent(Builder);
 }
 
 TSharedPtr<IModuleListenerInterface> FLodexDebugger::FindModuleListener(ELodexListener Listener) const

@@ -8,9 +8,8 @@
 
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 
+class FLodexPullDownMenu;
 class FLodexShellHost;
-class FMenuBarBuilder;
-class FMenuBuilder;
 class FUICommandList;
 class FWorkspaceItem;
 
@@ -23,7 +22,10 @@ public:
 	virtual void ShutdownModule() override;
 	//~ End IModuleInterface Interface
 
-	/** Creates the module listeners, in start-up order: MenuTool, TabTool, RecorderTool, ReplTool, DetailsTool. */
+	/**
+	 * Creates the module listeners, in start-up order: MenuTool, TabTool, RecorderTool, ReplTool, DetailsTool. Start-up
+	 * calls it before it starts the listeners.
+	 */
 	virtual void AddModuleListeners();
 
 	/** The loaded module. */
@@ -47,12 +49,11 @@ protected:
 private:
 	friend class FLodexShellHost;
 
-	void MakePulldownMenu(FMenuBarBuilder& MenuBarBuilder, const FLodexPullDownInfo* PullDown);
-	void FillPulldownMenu(FMenuBuilder& MenuBuilder);
-
 	/** The listener created for the shell's list entry, or null. */
 	TSharedPtr<IModuleListenerInterface> FindModuleListener(ELodexListener Listener) const;
 
 	FLodexShell Shell;
 	TSharedPtr<FUICommandList> MenuBarCommandList;
+	/** What the pull-down's builders are bound to; released at shut-down, which unbinds them. */
+	TSharedPtr<FLodexPullDownMenu> PullDownMenu;
 };

@@ -1,21 +1,19 @@
 // Copyright Lodex contributors.
 #include "LodexDebuggerCommands.h"
 
+#include "LodexEditorAdapters.h"
+#include "LodexInterop.h"
 #include "Styling/AppStyle.h"
 
-// Label and tooltip are the ones of the core's module command (GetModuleTestCommand).
-#define LOCTEXT_NAMESPACE "FLodexDebugger"
-
+// The context is named after the module; the command's label and tooltip are those of the core's module command
+// (GetModuleTestCommand), localisable in the module's namespace.
 FLodexDebuggerCommands::FLodexDebuggerCommands()
-	: TCommands<FLodexDebuggerCommands>(TEXT("LodexDebugger"),
-		  NSLOCTEXT("Contexts", "LodexDebugger", "Veltrane right click menu"), NAME_None,
-		  FAppStyle::GetAppStyleSetName())
+	: TCommands<FLodexDebuggerCommands>(LodexInterop::ToName(LodexModuleName),
+		  LodexEditor::MakeContextDescription(LodexModuleName), NAME_None, FAppStyle::GetAppStyleSetName())
 {
 }
 
 void FLodexDebuggerCommands::RegisterCommands()
 {
-	UI_COMMAND(TestCommand, "TestCommand", "This is test command", EUserInterfaceActionType::Button, FInputChord());
+	LodexEditor::MakeCommandFromTable(*this, TestCommand, LodexModuleLocNamespace, GetModuleTestCommand());
 }
-
-#undef LOCTEXT_NAMESPACE

@@ -4,8 +4,10 @@
 #include "Editor.h"
 #include "Editor/EditorEngine.h"
 #include "Engine/Selection.h"
+#include "Framework/Commands/Commands.h"
 #include "Framework/Commands/UICommandInfo.h"
 #include "HAL/PlatformApplicationMisc.h"
+#include "Internationalization/Internationalization.h"
 #include "LodexInterop.h"
 
 FLodexEditorActorSelection::FLodexEditorActorSelection()
@@ -47,16 +49,6 @@ void FLodexEditorOutput::CopyToClipboard(const std::string& Text)
 	FPlatformApplicationMisc::ClipboardCopy(*LodexInterop::FromUtf8(Text));
 }
 
-namespace LodexEditorAdaptersPrivate
-{
-	/** The text as written in the source, whatever the culture the editor shows. */
-	FString GetSourceText(const FText& Text)
-	{
-		const FString* Source = FTextInspector::GetSourceString(Text);
-		return Source ? *Source : Text.ToString();
-	}
-}
-
 namespace LodexEditor
 {
 	void PrintSelectedActorLodestrings(const FString& Mode)
@@ -67,22 +59,31 @@ namespace LodexEditor
 		::PrintSelectedActorLodestrings(Graph, Selection, Output, LodexInterop::ToUtf8(Mode));
 	}
 
-	void EnsureCommandSetMatches(const FBindingContext& Context, const FLodexCommandSetInfo& Set,
-		TFunctionRef<TSharedPtr<FUICommandInfo>(FName)> FindCommand)
+	FText MakeContextDescription(const char* ContextName)
 	{
-		ensureMsgf(Context.GetContextName() == LodexInterop::ToName(Set.ContextName) &&
-				LodexEditorAdaptersPrivate::GetSourceText(Context.GetContextDesc()) ==
-					LodexInterop::FromUtf8(Set.ContextDescription),
-			TEXT("Command set %s differs from its table"), *Context.GetContextName().ToString());
-		for (const FLodexCommandInfo& Command : Set.Commands)
+		return FInternationalization::ForUseOnlyByLocMacroAndGraphNodeTextLiterals_CreateText(
+			*LodexInterop::FromUtf8(LodexCommandContextDescription), TEXT("Contexts"),
+			*LodexInterop::FromUtf8(ContextName));
+	}
+
+	void MakeCommandFromTable(FBindingContext& Context, TSharedPtr<FUICommandInfo>& OutCommand,
+		const char* LocNamespace, const FLodexCommandInfo& Command)
+	{
+		const FLodexCommandKeys Keys = MakeCommandKeys(LocNamespace, Command);
+		MakeUICommand_InternalUseOnly(&Context, OutCommand, *LodexInterop::FromUtf8(Keys.Namespace),
+			*LodexInterop::FromUtf8(Keys.LabelKey), *LodexInterop::FromUtf8(Keys.TooltipKey), Keys.DotName.c_str(),
+			*LodexInterop::FromUtf8(Command.Label), *LodexInterop::FromUtf8(Command.Tooltip),
+			EUserInterfaceActionType::Button, FInputChord());
+	}
+
+	void MakeCommandFromTable(FBindingContext& Context, TSharedPtr<FUICommandInfo>& OutCommand,
+		const FLodexCommandSetInfo& Set, FName CommandId)
+	{
+		const FLodexCommandInfo* Command = FindCommandById(Set, LodexInterop::ToUtf8(CommandId.ToString()));
+		if (ensureMsgf(Command, TEXT("The command set %s has no command %s"), *LodexInterop::FromUtf8(Set.ContextName),
+				*CommandId.ToString()))
 		{
-			const TSharedPtr<FUICommandInfo> Info = FindCommand(LodexInterop::ToName(Command.CommandId));
-			ensureMsgf(Info.IsValid() &&
-					LodexEditorAdaptersPrivate::GetSourceText(Info->GetLabel()) ==
-						LodexInterop::FromUtf8(Command.Label) &&
-					LodexEditorAdaptersPrivate::GetSourceText(Info->GetDescription()) ==
-						LodexInterop::FromUtf8(Command.Tooltip),
-				TEXT("Command %s differs from its table"), *LodexInterop::FromUtf8(Command.CommandId));
+			MakeCommandFromTable(Context, OutCommand, Set.ContextName, *Command);
 		}
 	}
 }

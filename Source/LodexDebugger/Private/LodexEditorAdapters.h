@@ -2,7 +2,6 @@
 #pragma once
 
 #include "CoreMinimal.h"
-#include "Templates/Function.h"
 
 #include "LodexDebugger/Core/Text/LodexOutput.h"
 #include "LodexDebugger/Core/Paths/PathCommands.h"
@@ -43,10 +42,19 @@ namespace LodexEditor
 	/** Logs and copies the Lodestring of every selected actor in the editor, in the given mode. */
 	void PrintSelectedActorLodestrings(const FString& Mode);
 
+	/** A command set's description, localisable under the key of its context name, as the engine's contexts have it. */
+	FText MakeContextDescription(const char* ContextName);
+
 	/**
-	 * Checks (with an ensure) that a registered command set still carries the context name, description, labels and
-	 * tooltips of the core's table; the engine's command macros need them as literals.
+	 * Makes a command of a binding context from its row of the core's table, as the engine's command macro does: a push
+	 * button with no key chord, its label and tooltip localisable under the command id and the id with "_ToolTip" in
+	 * the namespace given, and the icon ".CommandId" of the context's style set.
 	 */
-	void EnsureCommandSetMatches(const FBindingContext& Context, const FLodexCommandSetInfo& Set,
-		TFunctionRef<TSharedPtr<FUICommandInfo>(FName)> FindCommand);
+	void MakeCommandFromTable(FBindingContext& Context, TSharedPtr<FUICommandInfo>& OutCommand,
+		const char* LocNamespace, const FLodexCommandInfo& Command);
+
+	/** The same for the command of a set whose id is CommandId (a member name of the context), in the set's namespace.
+	 */
+	void MakeCommandFromTable(FBindingContext& Context, TSharedPtr<FUICommandInfo>& OutCommand,
+		const FLodexCommandSetInfo& Set, FName CommandId);
 }

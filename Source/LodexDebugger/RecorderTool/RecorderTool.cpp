@@ -7,7 +7,8 @@
 
 void RecorderTool::OnStartupModule()
 {
-	StartupWithMenuEntry();
+	ExampleTabToolBase::OnStartupModule();
+	AddMenuEntryFromTabTable(ELodexListener::RecorderTool);
 }
 
 void RecorderTool::Initialize()

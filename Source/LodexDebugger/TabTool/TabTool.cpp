@@ -7,7 +7,8 @@
 
 void TabTool::OnStartupModule()
 {
-	StartupWithMenuEntry();
+	ExampleTabToolBase::OnStartupModule();
+	AddMenuEntryFromTabTable(ELodexListener::TabTool);
 }
 
 void TabTool::Initialize()

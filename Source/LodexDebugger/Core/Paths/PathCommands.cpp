@@ -3,7 +3,7 @@
 
 namespace PathCommandsPrivate
 {
-	const char* const ContextDescription = "Veltrane right click menu";
+	const char* const ContextDescription = LodexCommandContextDescription;
 	const char* const PrintTooltip = "Print the Lodestring to the console";
 	const char* const SectionHook = "Veltrane";
 	const char* const SectionHeading = "VelTrane";
@@ -57,6 +57,18 @@ FLodexCommandKeys MakeCommandKeys(const char* Namespace, const FLodexCommandInfo
 	Keys.TooltipKey = std::string(Command.CommandId) + "_ToolTip";
 	Keys.DotName = std::string(".") + Command.CommandId;
 	return Keys;
+}
+
+const FLodexCommandInfo* FindCommandById(const FLodexCommandSetInfo& Set, const std::string& CommandId)
+{
+	for (const FLodexCommandInfo& Command : Set.Commands)
+	{
+		if (CommandId == Command.CommandId)
+		{
+			return &Command;
+		}
+	}
+	return nullptr;
 }
 
 const FLodexCommandInfo* FindCommandForMode(const FLodexCommandSetInfo& Set, const std::string& Mode)
@@ -123,6 +135,12 @@ void StartMenuTool(IMenuToolHost& Host)
 	}
 	Host.AddModuleMenuExtension(GetLodexContextMenu(ELodexMenuKind::SceneOutlinerActor));
 	Host.AddViewportContextMenuExtender(GetLodexContextMenu(ELodexMenuKind::LevelViewportActor));
+}
+
+void StopMenuTool(IMenuToolHost& Host)
+{
+	Host.RemoveViewportContextMenuExtender(GetLodexContextMenu(ELodexMenuKind::LevelViewportActor));
+	Host.UnregisterCommandSet(GetMenuToolCommandSet());
 }
 
 std::string FormatLodestringLogMessage(const std::string& Lodestring)

@@ -36,6 +36,9 @@ struct FLodexCommandKeys
 	std::string DotName;
 };
 
+/** How every command set of the module describes itself. */
+inline constexpr const char* LodexCommandContextDescription = "Veltrane right click menu";
+
 /** The scene outliner's and level viewport's command set, "MenuTool". */
 const FLodexCommandSetInfo& GetMenuToolCommandSet();
 
@@ -49,6 +52,9 @@ const FLodexCommandInfo& GetModuleTestCommand();
 inline constexpr const char* LodexModuleLocNamespace = "FLodexDebugger";
 
 FLodexCommandKeys MakeCommandKeys(const char* Namespace, const FLodexCommandInfo& Command);
+
+/** The command of a set with the given id (compared exactly), or null. */
+const FLodexCommandInfo* FindCommandById(const FLodexCommandSetInfo& Set, const std::string& CommandId);
 
 /** The command of a set whose action prints in the given mode, or null. */
 const FLodexCommandInfo* FindCommandForMode(const FLodexCommandSetInfo& Set, const std::string& Mode);
@@ -121,10 +127,20 @@ public:
 	virtual void AddModuleMenuExtension(const FLodexMenuInfo& Menu) = 0;
 	/** Adds a level-viewport context-menu extender for the selected actors to the level editor's list. */
 	virtual void AddViewportContextMenuExtender(const FLodexMenuInfo& Menu) = 0;
+	/** Removes the extender that AddViewportContextMenuExtender added (by its delegate handle), if any. */
+	virtual void RemoveViewportContextMenuExtender(const FLodexMenuInfo& Menu) = 0;
+	/** Unregisters the command set and lets go of the tool's command list. */
+	virtual void UnregisterCommandSet(const FLodexCommandSetInfo& Set) = 0;
 };
 
 /** Starts the context-menu tool: command list, command set, mappings, outliner extension, viewport extender. */
 void StartMenuTool(IMenuToolHost& Host);
+
+/**
+ * Stops the context-menu tool: the viewport extender leaves the level editor's list and the command set is
+ * unregistered. (The outliner extension lives in the module's menu extender, which the module removes.)
+ */
+void StopMenuTool(IMenuToolHost& Host);
 
 /** The editor's actor selection, in selection order; an entry may be null. */
 class ILodexActorSelection

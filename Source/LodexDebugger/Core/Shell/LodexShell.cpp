@@ -114,8 +114,9 @@ void FLodexShell::StartupModule(ILodexShellHost& Host)
 	Host.CreateMenuBarCommandList();
 	Host.AddMenuBarExtension(GetLodexPullDown());
 	Host.AddMenuExtenderToLevelEditor();
+	bMenuExtenderAdded = true;
 
-	AddModuleListeners(Host);
+	Host.AddModuleListeners(*this);
 	for (const ELodexListener Listener : ModuleListeners)
 	{
 		Host.StartListener(GetLodexListener(Listener));
@@ -138,6 +139,20 @@ void FLodexShell::ShutdownModule(ILodexShellHost& Host, ILodexOutput& Output)
 	{
 		Host.StopListener(GetLodexListener(Listener));
 	}
+	if (bMenuExtenderAdded)
+	{
+		if (Host.IsModuleLoaded(LodexShellModules::LevelEditor))
+		{
+			Host.RemoveMenuExtenderFromLevelEditor();
+		}
+		Host.ReleaseMenuExtender();
+		bMenuExtenderAdded = false;
+	}
+	if (!ModuleListeners.empty())
+	{
+		Host.DestroyListeners();
+		ModuleListeners.clear();
+	}
 }
 
 void FLodexShell::AddModuleListeners(ILodexShellHost& Host)
@@ -149,18 +164,24 @@ void FLodexShell::AddModuleListeners(ILodexShellHost& Host)
 	}
 }
 
-void RegisterLodexTabSpawner(ILodexTabHost& Host, const FLodexTabInfo& Tab)
+void StartLodexTabToolBase(ILodexTabTool& Tool)
 {
-	Host.RegisterNomadTabSpawner(Tab, LodexMenuRootGroupName);
+	Tool.Initialize();
+	Tool.RegisterNomadTabSpawner(LodexMenuRootGroupName);
 }
 
-void StartLodexTabTool(ILodexTabHost& Host, const FLodexTabInfo& Tab)
+void AddLodexTabMenuEntry(ILodexTabTool& Tool, const FLodexTabInfo& Tab)
 {
-	RegisterLodexTabSpawner(Host, Tab);
-	Host.AddMenuExtension(Tab.MenuHook, ELodexExtensionPosition::Before, Tab);
+	Tool.AddMenuExtension(Tab.MenuHook, ELodexExtensionPosition::Before);
 }
 
-void StopLodexTabTool(ILodexTabHost& Host, const FLodexTabInfo& Tab)
+void StartLodexTabTool(ILodexTabTool& Tool, const FLodexTabInfo& Tab)
 {
-	Host.UnregisterNomadTabSpawner(Tab.TabName);
+	StartLodexTabToolBase(Tool);
+	AddLodexTabMenuEntry(Tool, Tab);
+}
+
+void StopLodexTabTool(ILodexTabTool& Tool)
+{
+	Tool.UnregisterNomadTabSpawner();
 }

@@ -127,6 +127,8 @@ public:
 /** Builds the pull-down's content: the "Veltrane" section with its four separator hooks in order. */
 void BuildLodexPullDownContent(ILodexMenuBuilder& Builder);
 
+class FLodexShell;
+
 /** The editor calls the module's start-up and shut-down make, in the order the shell makes them. */
 class ILodexShellHost
 {
@@ -151,13 +153,27 @@ public:
 	virtual void AddMenuBarExtension(const FLodexPullDownInfo& PullDown) = 0;
 	/** Adds `MenuExtender` to the level editor's menu extensibility manager. */
 	virtual void AddMenuExtenderToLevelEditor() = 0;
+	/** Removes `MenuExtender` from the level editor's menu extensibility manager. */
+	virtual void RemoveMenuExtenderFromLevelEditor() = 0;
+	/**
+	 * Lets go of `MenuExtender`, the menu bar's command list and what the pull-down's builders are bound to, so
+	 * that a menu built earlier finds its builders unbound instead of pointing into an unloaded module.
+	 */
+	virtual void ReleaseMenuExtender() = 0;
 
+	/**
+	 * The module's own `AddModuleListeners`, which a module may override; the module's version calls back
+	 * `Shell.AddModuleListeners(Host)` to create the five listeners.
+	 */
+	virtual void AddModuleListeners(FLodexShell& Shell) = 0;
 	/** Creates the listener and appends it to the module's list (`ModuleListeners`). */
 	virtual void CreateListener(const FLodexListenerInfo& Listener) = 0;
 	/** Calls the listener's `OnStartupModule`. */
 	virtual void StartListener(const FLodexListenerInfo& Listener) = 0;
 	/** Calls the listener's `OnShutdownModule`. */
 	virtual void StopListener(const FLodexListenerInfo& Listener) = 0;
+	/** Empties the module's list (`ModuleListeners`), so that the stopped tools are destroyed. */
+	virtual void DestroyListeners() = 0;
 
 	/** Removes a section from the "Settings" module (`ISettingsModule::UnregisterSettings`). */
 	virtual void UnregisterSettings(const FLodexSettingsSectionInfo& Section) = 0;
@@ -170,51 +186,68 @@ public:
 	/**
 	 * Unless the editor runs as a commandlet: loads "LevelEditor", creates the menu extender and the menu
 	 * bar's command list, adds the pull-down after "Window", hands the extender to the level editor, then
-	 * creates the listeners and starts them in list order.
+	 * calls the module's `AddModuleListeners` and starts the listeners in list order.
 	 */
 	void StartupModule(ILodexShellHost& Host);
 
 	/**
 	 * Logs "ShutdownModule() called" at Warning, fetches "PropertyEditor" when it is loaded, removes the
-	 * example settings section when "Settings" is loaded, then stops the listeners in list order.
+	 * example settings section when "Settings" is loaded, stops the listeners in list order; then takes the
+	 * menu extender back from the level editor (when it is still loaded) and lets go of the menus and the
+	 * listeners, so that nothing the editor keeps points into the unloaded module.
 	 */
 	void ShutdownModule(ILodexShellHost& Host, ILodexOutput& Output);
 
 	/** Creates the five listeners, in list order, and appends them to the list. */
 	void AddModuleListeners(ILodexShellHost& Host);
 
-	/** The listeners created, in list order; empty under a commandlet. */
+	/** The listeners created, in list order; empty under a commandlet and after shut-down. */
 	const std::vector<ELodexListener>& GetModuleListeners() const { return ModuleListeners; }
 
 private:
 	std::vector<ELodexListener> ModuleListeners;
+	bool bMenuExtenderAdded = false;
 };
 
-/** The editor calls of a tab tool: the global tab manager and the module's menu extension service. */
-class ILodexTabHost
+/** The three fields of a tab tool that its `Initialize` sets. */
+struct FLodexTabFields
+{
+	std::string TabName;
+	std::string TabDisplayName;
+	std::string ToolTipText;
+};
+
+/**
+ * One tab tool (`ExampleTabToolBase`) as the shell drives it. The tool's `Initialize` sets its `TabName`,
+ * `TabDisplayName` and `ToolTipText`; the spawner is registered from those fields, whatever they hold.
+ */
+class ILodexTabTool
 {
 public:
-	virtual ~ILodexTabHost() = default;
+	virtual ~ILodexTabTool() = default;
 
+	/** The tool's `Initialize`. */
+	virtual void Initialize() = 0;
 	/**
-	 * Registers a nomad tab spawner under the tab's `TabName` whose spawn function calls the tool's
-	 * `SpawnTab`, and sets on it the group (`GetMenuRoot()`), the display name and the tooltip; no icon.
+	 * Registers a nomad tab spawner with the global tab manager under the tool's `TabName`, whose spawn
+	 * function calls the tool's `SpawnTab`, and sets on it the group (the module's `GetMenuRoot()`, named
+	 * GroupName), `TabDisplayName` and `ToolTipText`; no icon.
 	 */
-	virtual void RegisterNomadTabSpawner(const FLodexTabInfo& Tab, const char* GroupName) = 0;
-	/** Removes the nomad tab spawner registered under the name. */
-	virtual void UnregisterNomadTabSpawner(const char* TabName) = 0;
-	/**
-	 * Asks the module to add a menu extension (`AddMenuExtension`) at the hook, with the tool's
-	 * `MakeMenuEntry` (which adds the spawner entry of the tab) and no command list.
-	 */
-	virtual void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position, const FLodexTabInfo& Tab) = 0;
+	virtual void RegisterNomadTabSpawner(const char* GroupName) = 0;
+	/** Removes the nomad tab spawner registered under the tool's `TabName`. */
+	virtual void UnregisterNomadTabSpawner() = 0;
+	/** Asks the module to add a menu extension at the hook with the tool's `MakeMenuEntry`, no command list. */
+	virtual void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position) = 0;
 };
 
-/** The tab tool base's start-up, after `Initialize`: the tab's nomad spawner in the "Menu Root" group. */
-void RegisterLodexTabSpawner(ILodexTabHost& Host, const FLodexTabInfo& Tab);
+/** The tab tool base's start-up: `Initialize`, then the spawner from the fields it set, in "Menu Root". */
+void StartLodexTabToolBase(ILodexTabTool& Tool);
 
-/** A tab tool's start-up: the base behaviour, then its pull-down entry before its menu hook. */
-void StartLodexTabTool(ILodexTabHost& Host, const FLodexTabInfo& Tab);
+/** What a tab tool adds to the base start-up: its pull-down entry before its menu hook. */
+void AddLodexTabMenuEntry(ILodexTabTool& Tool, const FLodexTabInfo& Tab);
 
-/** A tab tool's shut-down: unregisters the spawner of its `TabName`. */
-void StopLodexTabTool(ILodexTabHost& Host, const FLodexTabInfo& Tab);
+/** A tab tool's start-up: the base start-up, then its pull-down entry. */
+void StartLodexTabTool(ILodexTabTool& Tool, const FLodexTabInfo& Tab);
+
+/** The tab tool base's shut-down: unregisters the spawner of its `TabName`. */
+void StopLodexTabTool(ILodexTabTool& Tool);
