@@ -89,6 +89,11 @@ void FLodexRecorderPanel::Refresh()
 	++RefreshCount;
 }
 
+std::string FLodexRecorderPanel::GetScriptText() const
+{
+	return bJoinedTextStale ? LodexText::Join(Lines, LodexText::LineSeparator) : JoinedText;
+}
+
 void FLodexRecorderPanel::AddLine(const std::string& Line, ELodexAddLineMode Mode, const std::string& KeyName)
 {
 	if (!Host.IsVRTracking())

@@ -95,6 +95,8 @@ public:
 	const std::vector<std::string>& GetLines() const { return Lines; }
 	/** The output text as last set: the line store joined with "\r\n" at the last refresh. */
 	std::string_view GetOutputText() const { return std::string_view(JoinedText).substr(0, ShownSize); }
+	/** The whole script, the line store joined with "\r\n", including lines stored since the last refresh. */
+	std::string GetScriptText() const;
 	/** How many times the output text was set (and the scroll box scrolled to its end). */
 	std::uint64_t GetRefreshCount() const { return RefreshCount; }
 	/** The placeholder map: key name to the index of its placeholder line. */
