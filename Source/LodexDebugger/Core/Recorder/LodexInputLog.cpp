@@ -115,6 +115,11 @@ namespace LodexInputLog
 		{
 			return "0";
 		}
+		// Whole pixels are the common case: written as integers (negative zero keeps its sign).
+		if (Value == std::floor(Value) && std::fabs(Value) < 1e15 && !(Value == 0.0 && std::signbit(Value)))
+		{
+			return LodexText::FormatInt(static_cast<std::int64_t>(Value));
+		}
 		char Buffer[40];
 		for (int Precision = 15; Precision <= 17; ++Precision)
 		{

@@ -171,10 +171,9 @@ bool FLodexInputRecorder::HandleKeyDown(const FLodexKeyInput& Input)
 		return false;
 	}
 	const std::int32_t Code = Host.GetKeyCode(Input.Key);
-	const std::string Key = Host.GetKeyName(Code);
 	if (State.bVR)
 	{
-		AddLine(LodexScriptLines::MakeKeyPressAtOnceLine(Key));
+		AddLine(LodexScriptLines::MakeKeyPressAtOnceLine(Host.GetKeyName(Code)));
 		return false;
 	}
 	if (HeldKeys.Find(Code) != nullptr)
@@ -182,6 +181,7 @@ bool FLodexInputRecorder::HandleKeyDown(const FLodexKeyInput& Input)
 		// Auto-repeat of a key already held.
 		return false;
 	}
+	const std::string Key = Host.GetKeyName(Code);
 	Panel.AddLine(LodexScriptLines::MakeKeyPlaceholderLine(Key), ELodexAddLineMode::Placeholder, Key);
 	HeldKeys.Add(FLodexEventRecord(State.Frame, ELodexEventKind::KeyDown, Code, 0, 0));
 	return false;
