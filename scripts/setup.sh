@@ -9,6 +9,7 @@ packages=(
   nlohmann-json3-dev
   libcli11-dev
   zlib1g-dev
+  mono-mcs
 )
 
 missing=()

@@ -3,6 +3,7 @@
 #include "HostOutput.h"
 #include "ListSelection.h"
 #include "LodexCli.h"
+#include "RecordCommand.h"
 #include "SampleData.h"
 #include "SceneSnapshot.h"
 #include "TextTable.h"
@@ -199,6 +200,10 @@ namespace
 				return LodexExitFailure;
 			}
 			PrintEditorShell(Io);
+			if (!PrintRecordedSessionDemo(Scene, Io))
+			{
+				return LodexExitFailure;
+			}
 			return LodexExitOk;
 		}
 	};

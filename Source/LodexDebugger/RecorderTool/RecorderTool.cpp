@@ -18,5 +18,9 @@ void RecorderTool::Initialize()
 
 TSharedRef<SDockTab> RecorderTool::SpawnTab(const FSpawnTabArgs& TabSpawnArgs)
 {
-	return SNew(SDockTab).TabRole(ETabRole::NomadTab)[SNew(RecorderToolPanel).Tool(SharedThis(this))];
+	const TSharedRef<RecorderToolPanel> Panel = SNew(RecorderToolPanel).Tool(SharedThis(this));
+	// A recording stops with its tab, so that no input processor outlives the panel.
+	return SNew(SDockTab)
+		.TabRole(ETabRole::NomadTab)
+		.OnTabClosed(SDockTab::FOnTabClosedCallback::CreateSP(Panel, &RecorderToolPanel::HandleTabClosed))[Panel];
 }

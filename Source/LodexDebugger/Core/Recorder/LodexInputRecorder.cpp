@@ -1,0 +1,754 @@
+// Copyright Lodex contributors.
+#include "LodexInputRecorder.h"
+
+#include "LodexInputLog.h"
+#include "LodexRecorderPanel.h"
+#include "LodexScriptLines.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace
+{
+	/** The reference value R of a tick: 20, and 5 once the VR pass has run. */
+	constexpr double LodexRecorderR = 20.0;
+	constexpr double LodexRecorderVRR = 5.0;
+	/** A double click's end frame lies this many frames after its frame. */
+	constexpr std::uint32_t LodexDoubleClickFrames = 20;
+	/** The start value of the wait rule's smallest gap, which also means "no record left". */
+	constexpr std::int64_t LodexNoGap = 99999;
+	/** "The kind of the last line written" before any line is. */
+	constexpr int LodexNoLine = -1;
+
+	/** A floating value truncated toward zero into a 32-bit integer, clamped to its range; nan gives 0. */
+	std::int32_t LodexTruncateToInt32(double Value)
+	{
+		if (!(Value == Value))
+		{
+			return 0;
+		}
+		if (Value >= static_cast<double>(std::numeric_limits<std::int32_t>::max()))
+		{
+			return std::numeric_limits<std::int32_t>::max();
+		}
+		if (Value <= static_cast<double>(std::numeric_limits<std::int32_t>::min()))
+		{
+			return std::numeric_limits<std::int32_t>::min();
+		}
+		return static_cast<std::int32_t>(Value);
+	}
+
+	std::uint32_t LodexTruncateToUint32(double Value)
+	{
+		if (!(Value > 0.0))
+		{
+			return 0;
+		}
+		if (Value >= static_cast<double>(std::numeric_limits<std::uint32_t>::max()))
+		{
+			return std::numeric_limits<std::uint32_t>::max();
+		}
+		return static_cast<std::uint32_t>(Value);
+	}
+
+	int LodexKindNumber(ELodexEventKind Kind)
+	{
+		return static_cast<int>(Kind);
+	}
+
+	bool IsLodexButtonCode(std::int32_t Code)
+	{
+		return Code >= LodexMouseButton::Left && Code <= LodexMouseButton::Middle;
+	}
+
+	const std::string LodexNoKeyName;
+}
+
+FLodexInputRecorder::FLodexInputRecorder(
+	FLodexRecorderPanel& InPanel, ILodexRecorderHost& InHost, ILodexInputLogSink* InLog)
+	: Panel(InPanel)
+	, Host(InHost)
+	, Log(InLog)
+{
+	FLodexViewportRect Viewport;
+	if (Host.GetPlayViewport(Viewport))
+	{
+		bHasSeenViewport = true;
+		LastViewport = Viewport;
+	}
+}
+
+bool FLodexInputRecorder::IsAged(std::int64_t Age, double R)
+{
+	return static_cast<double>(Age) > 3.1 * R;
+}
+
+FLodexInputRecorder::FHostState FLodexInputRecorder::ReadHostState()
+{
+	FHostState State;
+	State.Frame = Host.GetFrameNumber();
+	State.bHasViewport = Host.GetPlayViewport(State.Viewport);
+	State.bVR = Host.IsVRTracking();
+	if (State.bHasViewport)
+	{
+		bHasSeenViewport = true;
+		LastViewport = State.Viewport;
+	}
+	if (Log != nullptr)
+	{
+		if (State.bHasViewport != bLoggedViewport || (State.bHasViewport && State.Viewport != LoggedViewport))
+		{
+			LogLine(LodexInputLog::MakePieLine(State.Frame, State.bHasViewport ? &State.Viewport : nullptr));
+			bLoggedViewport = State.bHasViewport;
+			LoggedViewport = State.Viewport;
+		}
+		if (State.bVR != bLoggedVR)
+		{
+			LogLine(LodexInputLog::MakeVRLine(State.Frame, State.bVR, Host.GetTrackingSystemName()));
+			bLoggedVR = State.bVR;
+		}
+	}
+	return State;
+}
+
+void FLodexInputRecorder::LogLine(const std::string& Line)
+{
+	if (Log != nullptr)
+	{
+		Log->WriteLine(Line);
+	}
+}
+
+void FLodexInputRecorder::ReadPoses(std::uint32_t Frame)
+{
+	for (int Index = 0; Index < LodexVRDeviceCount; ++Index)
+	{
+		const ELodexVRDevice Device = static_cast<ELodexVRDevice>(Index);
+		FLodexVRPose Pose;
+		if (Host.GetVRPose(Device, Pose))
+		{
+			Poses[Index] = Pose;
+			if (Log != nullptr && (!LoggedPoses[Index] || *LoggedPoses[Index] != Pose))
+			{
+				LogLine(LodexInputLog::MakePoseLine(Frame, Device, Pose));
+				LoggedPoses[Index] = Pose;
+			}
+		}
+		else
+		{
+			Poses[Index].reset();
+		}
+	}
+}
+
+void FLodexInputRecorder::ToViewport(
+	const FLodexPointerInput& Input, const FLodexViewportRect& Viewport, std::int32_t& OutX, std::int32_t& OutY)
+{
+	OutX = LodexTruncateToInt32(Input.ScreenX - Viewport.Left);
+	OutY = LodexTruncateToInt32(Input.ScreenY - Viewport.Top);
+}
+
+bool FLodexInputRecorder::IsOutside(std::int32_t X, std::int32_t Y, const FLodexViewportRect& Viewport)
+{
+	return X < 0 || X > Viewport.Width || Y < 0 || Y > Viewport.Height;
+}
+
+void FLodexInputRecorder::AddLine(const std::string& Line)
+{
+	Panel.AddLine(Line, ELodexAddLineMode::Append, LodexNoKeyName);
+}
+
+bool FLodexInputRecorder::HandleKeyDown(const FLodexKeyInput& Input)
+{
+	const FHostState State = ReadHostState();
+	if (Log != nullptr)
+	{
+		LogLine(LodexInputLog::MakeKeyLine(State.Frame, "keyDown", Input.Key));
+	}
+	if (!State.bHasViewport)
+	{
+		return false;
+	}
+	const std::int32_t Code = Host.GetKeyCode(Input.Key);
+	if (State.bVR)
+	{
+		AddLine(LodexScriptLines::MakeKeyPressAtOnceLine(Host.GetKeyName(Code)));
+		return false;
+	}
+	if (HeldKeys.Find(Code) != nullptr)
+	{
+		// Auto-repeat of a key already held.
+		return false;
+	}
+	const std::string Key = Host.GetKeyName(Code);
+	Panel.AddLine(LodexScriptLines::MakeKeyPlaceholderLine(Key), ELodexAddLineMode::Placeholder, Key);
+	HeldKeys.Add(FLodexEventRecord(State.Frame, ELodexEventKind::KeyDown, Code, 0, 0));
+	return false;
+}
+
+bool FLodexInputRecorder::HandleKeyUp(const FLodexKeyInput& Input)
+{
+	const FHostState State = ReadHostState();
+	if (Log != nullptr)
+	{
+		LogLine(LodexInputLog::MakeKeyLine(State.Frame, "keyUp", Input.Key));
+	}
+	if (!State.bHasViewport)
+	{
+		return false;
+	}
+	CloseOpenMoves();
+	const std::int32_t Code = Host.GetKeyCode(Input.Key);
+	if (FLodexEventRecord* Held = HeldKeys.Find(Code))
+	{
+		FLodexEventRecord Press = *Held;
+		HeldKeys.Remove(Code);
+		if (State.bVR)
+		{
+			// Pressed before VR mode began: its line is written now, as VR mode writes key presses.
+			AddLine(LodexScriptLines::MakeKeyPressAtOnceLine(Host.GetKeyName(Code)));
+		}
+		else
+		{
+			Press.EndFrame = State.Frame;
+			Records.Add(Press);
+		}
+	}
+	else if (!State.bVR)
+	{
+		// A release whose press was not recorded (it began before Record, or outside a play session).
+		AddLine(LodexScriptLines::MakeKeyEndedLine(Host.GetKeyName(Code)));
+	}
+	return false;
+}
+
+bool FLodexInputRecorder::HandleAnalogInput(const FLodexKeyInput& Input)
+{
+	const FHostState State = ReadHostState();
+	if (Log != nullptr)
+	{
+		LogLine(LodexInputLog::MakeAnalogLine(State.Frame, Input.Key, Input.AnalogValue));
+	}
+	if (!State.bHasViewport)
+	{
+		return false;
+	}
+	const std::int32_t Code = Host.GetKeyCode(Input.Key);
+	auto Found = std::find_if(
+		AnalogBursts.begin(), AnalogBursts.end(), [Code](const FAnalogBurst& Burst) { return Burst.Code == Code; });
+	if (Found == AnalogBursts.end())
+	{
+		AnalogBursts.push_back(FAnalogBurst{Code, State.Frame, std::nullopt});
+		Found = AnalogBursts.end() - 1;
+	}
+	else if (State.Frame >= Found->LastFrame && State.Frame - Found->LastFrame <= 1)
+	{
+		// The axis is still moving: the burst goes on.
+		Found->LastFrame = State.Frame;
+		if (!Found->Record)
+		{
+			// It began in VR mode, where its line was written at once.
+			return false;
+		}
+		if (FLodexEventRecord* Record = Records.FindBySequence(*Found->Record))
+		{
+			Record->EndFrame = State.Frame;
+			return false;
+		}
+		// Its record has been written already: what follows starts a new one.
+	}
+	Found->LastFrame = State.Frame;
+	Found->Record.reset();
+
+	const std::string Key = Host.GetKeyName(Code);
+	if (State.bVR)
+	{
+		AddLine(LodexScriptLines::MakeKeyPressAtOnceLine(Key));
+		return false;
+	}
+	Panel.AddLine(LodexScriptLines::MakeAnalogPlaceholderLine(Key), ELodexAddLineMode::Placeholder, Key);
+	FLodexEventRecord Record(State.Frame, ELodexEventKind::Analog, Code, 0, 0);
+	Record.EndFrame = State.Frame;
+	Found->Record = Records.Add(Record);
+	return false;
+}
+
+bool FLodexInputRecorder::HandleMouseMove(const FLodexPointerInput& Input)
+{
+	const FHostState State = ReadHostState();
+	if (Log != nullptr)
+	{
+		LogLine(
+			LodexInputLog::MakePointerLine(State.Frame, "move", Input.ScreenX, Input.ScreenY, Input.Button, nullptr));
+	}
+	if (!State.bHasViewport || State.bVR)
+	{
+		return false;
+	}
+	std::int32_t X = 0;
+	std::int32_t Y = 0;
+	ToViewport(Input, State.Viewport, X, Y);
+	// A pointer outside the play viewport is not moving in the game; during a press the press record itself
+	// carries the gesture to its release.
+	if (IsOutside(X, Y, State.Viewport) || OpenGestures.HasOpenPress())
+	{
+		return false;
+	}
+	const std::int32_t Code = GetLodexMouseButtonCode(Input.Button);
+	if (FLodexEventRecord* Open = OpenGestures.Find(Code))
+	{
+		Open->EndFrame = State.Frame;
+		Open->EndX = X;
+		Open->EndY = Y;
+		return false;
+	}
+	// A move with a button as its effecting button is a drag; until stretched, a gesture ends where it began.
+	FLodexEventRecord Record(
+		State.Frame, IsLodexButtonCode(Code) ? ELodexEventKind::Drag : ELodexEventKind::Move, Code, X, Y);
+	Record.EndFrame = State.Frame;
+	Record.EndX = X;
+	Record.EndY = Y;
+	OpenGestures.Set(Code, Record);
+	return false;
+}
+
+void FLodexInputRecorder::CloseOpenMoves()
+{
+	std::array<std::int32_t, 4> Codes{};
+	std::size_t Count = 0;
+	for (std::int32_t Code = LodexMouseButton::None; Code <= LodexMouseButton::Middle; ++Code)
+	{
+		const FLodexEventRecord* Open = OpenGestures.Find(Code);
+		if (Open != nullptr && (Open->Kind == ELodexEventKind::Move || Open->Kind == ELodexEventKind::Drag))
+		{
+			Codes[Count++] = Code;
+		}
+	}
+	if (Count == 0)
+	{
+		return;
+	}
+	std::stable_sort(Codes.begin(), Codes.begin() + static_cast<std::ptrdiff_t>(Count),
+		[this](std::int32_t A, std::int32_t B) { return OpenGestures.Find(A)->Frame < OpenGestures.Find(B)->Frame; });
+	for (std::size_t Index = 0; Index < Count; ++Index)
+	{
+		Records.Add(*OpenGestures.Find(Codes[Index]));
+		OpenGestures.Remove(Codes[Index]);
+	}
+}
+
+bool FLodexInputRecorder::HandleMouseButtonDown(const FLodexPointerInput& Input)
+{
+	const FHostState State = ReadHostState();
+	if (Log != nullptr)
+	{
+		LogLine(LodexInputLog::MakePointerLine(
+			State.Frame, "mouseDown", Input.ScreenX, Input.ScreenY, Input.Button, nullptr));
+	}
+	if (!State.bHasViewport || State.bVR)
+	{
+		return false;
+	}
+	CloseOpenMoves();
+	std::int32_t X = 0;
+	std::int32_t Y = 0;
+	ToViewport(Input, State.Viewport, X, Y);
+	const std::int32_t Code = GetLodexMouseButtonCode(Input.Button);
+	// A press of the same button whose release never came is replaced.
+	OpenGestures.Set(Code, FLodexEventRecord(State.Frame, ELodexEventKind::ButtonDown, Code, X, Y));
+	return false;
+}
+
+bool FLodexInputRecorder::HandleMouseButtonUp(const FLodexPointerInput& Input)
+{
+	const FHostState State = ReadHostState();
+	if (Log != nullptr)
+	{
+		LogLine(LodexInputLog::MakePointerLine(
+			State.Frame, "mouseUp", Input.ScreenX, Input.ScreenY, Input.Button, nullptr));
+	}
+	if (!State.bHasViewport || State.bVR)
+	{
+		return false;
+	}
+	CloseOpenMoves();
+	std::int32_t X = 0;
+	std::int32_t Y = 0;
+	ToViewport(Input, State.Viewport, X, Y);
+	const std::int32_t Code = GetLodexMouseButtonCode(Input.Button);
+	FLodexEventRecord* Open = OpenGestures.Find(Code);
+	if (Open == nullptr || Open->Kind != ELodexEventKind::ButtonDown)
+	{
+		return false;
+	}
+	Open->EndFrame = State.Frame;
+	Open->EndX = X;
+	Open->EndY = Y;
+	const std::uint64_t Sequence = Records.Add(*Open);
+	if (IsLodexButtonCode(Code))
+	{
+		LastClicks[static_cast<std::size_t>(Code)] = Sequence;
+	}
+	OpenGestures.Remove(Code);
+	return false;
+}
+
+bool FLodexInputRecorder::HandleMouseButtonDoubleClick(const FLodexPointerInput& Input)
+{
+	const FHostState State = ReadHostState();
+	if (Log != nullptr)
+	{
+		LogLine(LodexInputLog::MakePointerLine(
+			State.Frame, "doubleClick", Input.ScreenX, Input.ScreenY, Input.Button, nullptr));
+	}
+	if (!State.bHasViewport || State.bVR)
+	{
+		return false;
+	}
+	std::int32_t X = 0;
+	std::int32_t Y = 0;
+	ToViewport(Input, State.Viewport, X, Y);
+	const std::int32_t Code = GetLodexMouseButtonCode(Input.Button);
+	FLodexEventRecord DoubleClick(State.Frame, ELodexEventKind::DoubleClick, Code, X, Y);
+	DoubleClick.EndFrame = State.Frame + LodexDoubleClickFrames;
+	if (IsLodexButtonCode(Code))
+	{
+		std::optional<std::uint64_t>& LastClick = LastClicks[static_cast<std::size_t>(Code)];
+		FLodexEventRecord* FirstClick = LastClick ? Records.FindBySequence(*LastClick) : nullptr;
+		LastClick.reset();
+		if (FirstClick != nullptr && FirstClick->Kind == ELodexEventKind::ButtonDown && FirstClick->Code == Code)
+		{
+			// The pair's first click, still waiting, becomes the double click.
+			*FirstClick = DoubleClick;
+			return false;
+		}
+	}
+	Records.Add(DoubleClick);
+	return false;
+}
+
+bool FLodexInputRecorder::HandleMouseWheel(const FLodexPointerInput& Input)
+{
+	const FHostState State = ReadHostState();
+	if (Log != nullptr)
+	{
+		LogLine(LodexInputLog::MakePointerLine(
+			State.Frame, "wheel", Input.ScreenX, Input.ScreenY, Input.Button, &Input.WheelDelta));
+	}
+	if (!State.bHasViewport || State.bVR)
+	{
+		return false;
+	}
+	CloseOpenMoves();
+	std::int32_t X = 0;
+	std::int32_t Y = 0;
+	ToViewport(Input, State.Viewport, X, Y);
+	if (IsOutside(X, Y, State.Viewport))
+	{
+		// The wheel turned over another part of the editor, not over the game.
+		return false;
+	}
+	const std::int32_t Delta = LodexTruncateToInt32(Input.WheelDelta);
+	if (!Records.IsEmpty())
+	{
+		FLodexEventRecord& Last = Records.Back();
+		if (Last.Kind == ELodexEventKind::Wheel && Last.X == Delta)
+		{
+			++Last.Y;
+			return false;
+		}
+	}
+	FLodexEventRecord Wheel(State.Frame, ELodexEventKind::Wheel, LodexMouseButton::WheelCode, Delta, 1);
+	Wheel.EndFrame = State.Frame;
+	Records.Add(Wheel);
+	return false;
+}
+
+bool FLodexInputRecorder::HandleMotionDetected()
+{
+	return false;
+}
+
+void FLodexInputRecorder::Tick()
+{
+	const FHostState State = ReadHostState();
+	if (State.bVR)
+	{
+		ReadPoses(State.Frame);
+	}
+	const float DeltaSeconds = Host.GetWorldDeltaSeconds();
+	if (Log != nullptr)
+	{
+		LogLine(LodexInputLog::MakeTickLine(State.Frame, DeltaSeconds));
+	}
+	if (State.bHasViewport)
+	{
+		LastDeltaSeconds = DeltaSeconds;
+		FTickContext Context;
+		Context.Frame = State.Frame;
+		Context.DeltaSeconds = DeltaSeconds;
+		Context.Viewport = State.Viewport;
+		Context.bVR = State.bVR;
+		RunTick(Context);
+	}
+	if (Log != nullptr)
+	{
+		Log->Flush();
+	}
+}
+
+void FLodexInputRecorder::WriteKeyRecord(const FLodexEventRecord& Record, const FTickContext& Context)
+{
+	const std::string Key = Host.GetKeyName(Record.Code);
+	const LodexScriptLines::FDuration Duration = LodexScriptLines::MakeDuration(
+		static_cast<std::int64_t>(Record.EndFrame) - static_cast<std::int64_t>(Record.Frame), Context.DeltaSeconds);
+	std::string Line;
+	if (!Panel.IsUsingFps())
+	{
+		Line = LodexScriptLines::MakeKeyPressLine(Key, LodexScriptLines::EDurationForm::Frames, Duration);
+	}
+	else if (Record.Kind == ELodexEventKind::Analog)
+	{
+		Line = LodexScriptLines::MakeKeyPressSecondFpsLine(Key, Duration);
+	}
+	else
+	{
+		Line = LodexScriptLines::MakeKeyPressLine(Key, LodexScriptLines::EDurationForm::Fps, Duration);
+	}
+	Panel.AddLine(Line, ELodexAddLineMode::KeyLine, Key);
+}
+
+void FLodexInputRecorder::WriteVRPoses()
+{
+	for (int Index = 0; Index < LodexVRDeviceCount; ++Index)
+	{
+		if (Poses[Index] && (!WrittenPositions[Index] || *WrittenPositions[Index] != Poses[Index]->Position))
+		{
+			AddLine(LodexScriptLines::MakeVRPoseLine(static_cast<ELodexVRDevice>(Index), *Poses[Index]));
+			WrittenPositions[Index] = Poses[Index]->Position;
+		}
+	}
+}
+
+void FLodexInputRecorder::RunTick(const FTickContext& Context)
+{
+	using namespace LodexScriptLines;
+	const std::size_t StartCount = Records.Num();
+	double R = LodexRecorderR;
+	int LastKind = LodexNoLine;
+	bool bRemovedAny = false;
+	std::uint32_t LastRemovedFrame = 0;
+	auto RemoveFront = [&]()
+	{
+		LastRemovedFrame = Records.Front().Frame;
+		bRemovedAny = true;
+		Records.RemoveFront();
+	};
+	const EDurationForm Form = Panel.IsUsingFps() ? EDurationForm::Fps : EDurationForm::Frames;
+
+	// 1. The VR pass: the device, the key presses waiting at the front, the poses that moved.
+	if (Context.bVR)
+	{
+		if (!Context.bFlushing && !Panel.IsDeviceAnnounced())
+		{
+			AddLine(MakeCreateInputDeviceLine(Host.GetTrackingSystemName()));
+			Panel.SetDeviceAnnounced();
+		}
+		while (!Records.IsEmpty() &&
+			(Records.Front().Kind == ELodexEventKind::KeyDown || Records.Front().Kind == ELodexEventKind::Analog))
+		{
+			const FLodexEventRecord Record = Records.Front();
+			WriteKeyRecord(Record, Context);
+			LastKind = LodexKindNumber(Record.Kind);
+			RemoveFront();
+		}
+		if (!Context.bFlushing)
+		{
+			WriteVRPoses();
+		}
+		R = LodexRecorderVRR;
+	}
+
+	// 2. The walk, in array order, until a record that must wait.
+	while (!Records.IsEmpty())
+	{
+		const FLodexEventRecord Record = Records.Front();
+		const ELodexEventKind Kind = Record.Kind;
+		const bool bOutside = IsOutside(Record.X, Record.Y, Context.Viewport);
+		if ((Kind == ELodexEventKind::ButtonDown || Kind == ELodexEventKind::DoubleClick) && bOutside)
+		{
+			RemoveFront();
+			continue;
+		}
+		if ((Kind == ELodexEventKind::Move || Kind == ELodexEventKind::Drag) && bOutside)
+		{
+			if (!Context.bFlushing)
+			{
+				break;
+			}
+			RemoveFront();
+			continue;
+		}
+		const std::int64_t Age = Context.Frame - static_cast<std::int64_t>(Record.EndFrame);
+		const std::int64_t Frames =
+			static_cast<std::int64_t>(Record.EndFrame) - static_cast<std::int64_t>(Record.Frame);
+		if (Kind == ELodexEventKind::DoubleClick)
+		{
+			if (Age < 0)
+			{
+				break;
+			}
+			AddLine(MakeDoubleClickLine(Record.Code, Record.X, Record.Y, Frames));
+			LastKind = LodexKindNumber(Kind);
+			RemoveFront();
+			continue;
+		}
+		if (!IsAged(Age, R))
+		{
+			break;
+		}
+		const FDuration Duration = MakeDuration(Frames, Context.DeltaSeconds);
+		switch (Kind)
+		{
+			case ELodexEventKind::ButtonDown:
+			{
+				const double Dx = static_cast<double>(Record.EndX) - static_cast<double>(Record.X);
+				const double Dy = static_cast<double>(Record.EndY) - static_cast<double>(Record.Y);
+				const double Distance = std::sqrt(Dx * Dx + Dy * Dy);
+				if (R <= Distance)
+				{
+					AddLine(MakeDragLine(Record.Code, Record.EndX, Record.EndY, Record.X, Record.Y, Form, Duration));
+					LastKind = LodexKindNumber(ELodexEventKind::Drag);
+				}
+				else
+				{
+					AddLine(MakeClickLine(Record.Code, Record.X, Record.Y, Form, Duration));
+					LastKind = LodexKindNumber(Kind);
+				}
+				break;
+			}
+			case ELodexEventKind::Wheel:
+				AddLine(MakeScrollLine(Record.X, Record.Y));
+				LastKind = LodexKindNumber(Kind);
+				break;
+			case ELodexEventKind::Move:
+			case ELodexEventKind::Drag:
+				AddLine(MakeMoveLine(Record.EndX, Record.EndY, Record.X, Record.Y, Form, Duration));
+				LastKind = LodexKindNumber(Kind);
+				break;
+			case ELodexEventKind::KeyDown:
+			case ELodexEventKind::Analog:
+				WriteKeyRecord(Record, Context);
+				LastKind = LodexKindNumber(Kind);
+				break;
+			case ELodexEventKind::DoubleClick:
+				break;
+		}
+		RemoveFront();
+	}
+
+	// 3. End of a burst: the array held records and is now empty.
+	const bool bContinuousLast = LastKind == LodexKindNumber(ELodexEventKind::Analog) ||
+		LastKind == LodexKindNumber(ELodexEventKind::Move) || LastKind == LodexKindNumber(ELodexEventKind::Drag) ||
+		LastKind == LodexKindNumber(ELodexEventKind::Wheel);
+	if (StartCount > 0 && Records.IsEmpty() && !bContinuousLast && !Context.bVR)
+	{
+		AddLine(MakeWaitForEmptyInputLine());
+	}
+
+	// 4. Wait: the smallest gap from the last record taken to the records still waiting.
+	if (bRemovedAny && Records.Num() < StartCount)
+	{
+		std::int64_t Gap = LodexNoGap;
+		for (std::size_t Index = 0; Index < Records.Num(); ++Index)
+		{
+			Gap = std::min(Gap, static_cast<std::int64_t>(Records[Index].Frame) - LastRemovedFrame);
+		}
+		const bool bNoWaitAfter =
+			LastKind == LodexKindNumber(ELodexEventKind::Analog) || LastKind == LodexKindNumber(ELodexEventKind::Wheel);
+		if (Gap != LodexNoGap && Gap >= 0 && !bNoWaitAfter && !Context.bVR)
+		{
+			// Frames times the 32-bit delta time, then times 1000.0 in double precision, truncated.
+			const float GapSeconds = static_cast<float>(Gap) * Context.DeltaSeconds;
+			AddLine(MakeWaitLine(LodexTruncateToUint32(static_cast<double>(GapSeconds) * 1000.0)));
+		}
+	}
+}
+
+void FLodexInputRecorder::Flush()
+{
+	const FHostState State = ReadHostState();
+	CloseOpenMoves();
+	OpenGestures.Empty();
+	HeldKeys.Empty();
+	AnalogBursts.clear();
+	for (std::optional<std::uint64_t>& LastClick : LastClicks)
+	{
+		LastClick.reset();
+	}
+	if (bHasSeenViewport)
+	{
+		const double R = State.bVR ? LodexRecorderVRR : LodexRecorderR;
+		const std::int64_t MinimumAge = static_cast<std::int64_t>(std::floor(3.1 * R)) + 1;
+		while (!Records.IsEmpty())
+		{
+			const FLodexEventRecord& Front = Records.Front();
+			FTickContext Context;
+			Context.Frame = static_cast<std::int64_t>(Front.EndFrame) +
+				(Front.Kind == ELodexEventKind::DoubleClick ? 0 : MinimumAge);
+			Context.DeltaSeconds = LastDeltaSeconds;
+			Context.Viewport = LastViewport;
+			Context.bVR = State.bVR;
+			Context.bFlushing = true;
+			const std::size_t Before = Records.Num();
+			RunTick(Context);
+			if (Records.Num() == Before)
+			{
+				Records.RemoveFront();
+			}
+		}
+	}
+	Records.Empty();
+	if (Log != nullptr)
+	{
+		Log->Flush();
+	}
+}
+
+void FLodexInputRecorder::LogSessionStart(bool bUseFps)
+{
+	if (Log == nullptr)
+	{
+		return;
+	}
+	FLodexViewportRect Viewport;
+	const bool bHasViewport = Host.GetPlayViewport(Viewport);
+	std::string Level;
+	const bool bHasLevel = Host.GetCurrentLevelPath(Level);
+	LogLine(LodexInputLog::MakeSessionLine(
+		Host.GetHostName(), bHasViewport ? &Viewport : nullptr, bHasLevel ? &Level : nullptr));
+	bLoggedViewport = bHasViewport;
+	LoggedViewport = Viewport;
+	LogUseFps(bUseFps);
+	Log->Flush();
+}
+
+void FLodexInputRecorder::LogUseFps(bool bUseFps)
+{
+	if (Log != nullptr)
+	{
+		const FHostState State = ReadHostState();
+		LogLine(LodexInputLog::MakeUseFpsLine(State.Frame, bUseFps));
+	}
+}
+
+void FLodexInputRecorder::LogButton(
+	const char* Name, const std::string* ObjectName, const std::string* Mode, const std::string* Lodestring)
+{
+	if (Log != nullptr)
+	{
+		const FHostState State = ReadHostState();
+		LogLine(LodexInputLog::MakeButtonLine(State.Frame, Name, ObjectName, Mode, Lodestring));
+	}
+}

@@ -1,0 +1,156 @@
+// Copyright Lodex contributors.
+#include "LodexCli.h"
+#include "TempDir.h"
+
+#include "LodexDebugger/Core/Text/LodexText.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <sys/stat.h>
+
+namespace
+{
+	struct FRecordRun
+	{
+		int Exit = -1;
+		std::string Out;
+		std::string Err;
+	};
+
+	FRecordRun RunLodexRecord(const std::vector<std::string>& Args)
+	{
+		std::ostringstream Out;
+		std::ostringstream Err;
+		FRecordRun Run;
+		Run.Exit = RunLodexCli(Args, Out, Err);
+		Run.Out = Out.str();
+		Run.Err = Err.str();
+		return Run;
+	}
+
+	const std::string SourceDir = LODEX_SOURCE_DIR;
+	const std::string SampleLog = SourceDir + "/samples/session.jsonl";
+	const std::string SampleScene = SourceDir + "/samples/level.json";
+
+	std::string SampleScript()
+	{
+		return LodexText::Join(
+			LodexText::SplitDroppingEmpty(FTempDir::Read(SourceDir + "/tests/fixtures/recorder/session.txt"), "\n"),
+			"\r\n");
+	}
+
+	TEST(LodexRecord, PrintsTheScriptExactlyAsThePanelHoldsItAfterStop)
+	{
+		const FRecordRun Run = RunLodexRecord({"record", "--input", SampleLog, "--scene", SampleScene});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(Run.Out, SampleScript()) << "lines joined with \"\\r\\n\", nothing added at the end";
+	}
+
+	TEST(LodexRecord, FpsWritesEveryDurationInTheFpsForm)
+	{
+		const FRecordRun Run = RunLodexRecord({"record", "--fps", "--input", SampleLog});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_NE(Run.Out.find("api.KeyPress(new KeyCode[] { KeyCode.SpaceBar}, (int)(api.GetLastFPS() * 0.25));"),
+			std::string::npos)
+			<< Run.Out;
+		EXPECT_NE(Run.Out.find("api.Click(MouseButtons.LEFT, new Vector2(520, 332), (int)(api.GetLastFPS() * 0.1)); "),
+			std::string::npos)
+			<< Run.Out;
+		EXPECT_EQ(Run.Out.find("); // api.GetLastFPS()"), std::string::npos) << Run.Out;
+	}
+
+	TEST(LodexRecord, OutSavesTheScriptWholeReplacingAnOlderFile)
+	{
+		FTempDir Dir;
+		const std::string Target = Dir.Write("RecordedInput.txt", "an older script");
+		const FRecordRun Run = RunLodexRecord({"record", "--input", SampleLog, "--out", Target});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(FTempDir::Read(Target), SampleScript());
+		EXPECT_FALSE(FTempDir::Exists(Target + ".saving")) << "the file written first was renamed over the target";
+	}
+
+	TEST(LodexRecord, AFailedSaveSaysSoInOneLineAndLeavesWhatWasThere)
+	{
+		FTempDir Dir;
+		// A folder where the file should go: the text is written beside it, but cannot replace it.
+		ASSERT_EQ(mkdir(Dir.File("Taken").c_str(), 0755), 0);
+		Dir.Write("Taken/keep.txt", "kept");
+		const FRecordRun Taken = RunLodexRecord({"record", "--input", SampleLog, "--out", Dir.File("Taken")});
+		EXPECT_EQ(Taken.Exit, 1);
+		EXPECT_EQ(Taken.Out, "");
+		EXPECT_EQ(Taken.Err.rfind("lodex: " + Dir.File("Taken") + ": cannot replace the file: ", 0), 0u) << Taken.Err;
+		EXPECT_EQ(std::count(Taken.Err.begin(), Taken.Err.end(), '\n'), 1);
+		EXPECT_EQ(FTempDir::Read(Dir.File("Taken") + "/keep.txt"), "kept");
+		EXPECT_FALSE(FTempDir::Exists(Dir.File("Taken.saving")));
+
+		const std::string Nowhere = Dir.File("no/such/folder/RecordedInput.txt");
+		const FRecordRun Missing = RunLodexRecord({"record", "--input", SampleLog, "--out", Nowhere});
+		EXPECT_EQ(Missing.Exit, 1);
+		EXPECT_EQ(Missing.Err, "lodex: " + Nowhere + ": cannot write the file\n");
+	}
+
+	TEST(LodexRecord, ABadLogOrSceneIsOneLineOnStandardErrorAndNothingOnStandardOutput)
+	{
+		FTempDir Dir;
+		const std::string Broken = Dir.Write("broken.jsonl",
+			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"tick\", \"delta\": 0.1}\n"
+			"{\"frame\": 2, \"type\": \"tick\", \"delta\": 0.1}\n");
+		const std::string Unknown =
+			Dir.Write("unknown.jsonl", "{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"tap\"}\n");
+		const std::string NeedsScene = Dir.Write("scene.jsonl",
+			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"button\", \"name\": "
+			"\"WaitForObject\", "
+			"\"object\": \"door\", \"mode\": \"Absolute\"}\n");
+		const std::string BadScene = Dir.Write("bad.json", "{\"objects\": 3}");
+		const struct
+		{
+			std::vector<std::string> Args;
+			std::string Error;
+		} Rows[] = {
+			{{"record", "--input", Broken},
+				"lodex: " + Broken + ":3: frame 2 comes after frame 3: frames must never decrease\n"},
+			{{"record", "--input", Unknown}, "lodex: " + Unknown + ":2: unknown type 'tap'\n"},
+			{{"record", "--input", NeedsScene},
+				"lodex: " + NeedsScene +
+					":2: button 'WaitForObject' needs --scene FILE to find its object (or a 'lodestring' field)\n"},
+			{{"record", "--input", Dir.File("absent.jsonl")},
+				"lodex: " + Dir.File("absent.jsonl") + ": cannot open the file\n"},
+			{{"record", "--input", SampleLog, "--scene", BadScene},
+				"lodex: " + BadScene + ": field 'objects' must be an array, found number\n"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FRecordRun Run = RunLodexRecord(Row.Args);
+			EXPECT_EQ(Run.Exit, 1) << Row.Error;
+			EXPECT_EQ(Run.Out, "");
+			EXPECT_EQ(Run.Err, Row.Error);
+		}
+		const std::string Out = Dir.File("never.txt");
+		EXPECT_EQ(RunLodexRecord({"record", "--input", Broken, "--out", Out}).Exit, 1);
+		EXPECT_FALSE(FTempDir::Exists(Out)) << "nothing is written for a bad log";
+	}
+
+	TEST(LodexRecord, WithoutAnInputLogItIsAUsageError)
+	{
+		const FRecordRun Run = RunLodexRecord({"record", "--fps"});
+		EXPECT_EQ(Run.Exit, 2);
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_NE(Run.Err.find("--input"), std::string::npos) << Run.Err;
+	}
+
+	TEST(LodexRecord, TheDemoEndsWithTheRecordedSampleSessionAndItsScript)
+	{
+		const FRecordRun Run = RunLodexRecord({"demo"});
+		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		const std::size_t Section = Run.Out.find("\nA recorded session: the sample input log (samples/session.jsonl), "
+												 "136 events from frame 1000 to 1450 on the host \"rig-3\"");
+		ASSERT_NE(Section, std::string::npos) << Run.Out;
+		std::string Expected = FTempDir::Read(SourceDir + "/tests/fixtures/recorder/session.txt");
+		EXPECT_EQ(Run.Out.substr(Run.Out.size() - Expected.size()), Expected) << "one script line a line, at the end";
+	}
+}

@@ -1,0 +1,343 @@
+// Copyright Lodex contributors.
+#include "RecorderFixture.h"
+
+namespace
+{
+	const char* const Burst = "api.WaitForEmptyInput();";
+
+	TEST_F(RecorderTest, WithoutAPlaySessionNothingIsRecordedAndEveryEventGoesOnToTheGame)
+	{
+		StartRecording();
+		Host.SetPlaying(false);
+		FLodexInputRecorder& Rec = Recorder();
+		At(1001);
+		FLodexPointerInput Wheel = Pointer(10, 10);
+		Wheel.WheelDelta = 1.0f;
+		EXPECT_FALSE(Rec.HandleKeyDown(Key("A")));
+		EXPECT_FALSE(Rec.HandleKeyUp(Key("B")));
+		EXPECT_FALSE(Rec.HandleAnalogInput(Key("Gamepad_LeftX", 1.0f)));
+		EXPECT_FALSE(Rec.HandleMouseMove(Pointer(10, 10)));
+		EXPECT_FALSE(Rec.HandleMouseButtonDown(Pointer(10, 10, "LeftMouseButton")));
+		EXPECT_FALSE(Rec.HandleMouseButtonUp(Pointer(10, 10, "LeftMouseButton")));
+		EXPECT_FALSE(Rec.HandleMouseButtonDoubleClick(Pointer(10, 10, "LeftMouseButton")));
+		EXPECT_FALSE(Rec.HandleMouseWheel(Wheel));
+		EXPECT_FALSE(Rec.HandleMotionDetected());
+		TickThrough(1200);
+		EXPECT_EQ(Rec.GetRecords().Num(), 0u);
+		EXPECT_EQ(Rec.GetOpenGestures().Num(), 0u);
+		EXPECT_EQ(Rec.GetHeldKeys().Num(), 0u);
+		EXPECT_EQ(Written(), FLines{}) << "not even the \"ended here\" comment of the key-up";
+
+		// While playing, the same handlers still return false: the game receives every event.
+		Host.SetPlaying(true);
+		EXPECT_FALSE(Rec.HandleKeyDown(Key("A")));
+		EXPECT_FALSE(Rec.HandleMouseButtonDown(Pointer(10, 10, "LeftMouseButton")));
+		EXPECT_FALSE(Rec.HandleMouseWheel(Wheel));
+		EXPECT_EQ(FLodexInputRecorder::GetEventRecordFieldCount(), 8);
+	}
+
+	TEST_F(RecorderTest, AClickIsWrittenOnceItsAgeExceeds62FramesThenTheBurstEnds)
+	{
+		StartRecording();
+		Click(1012, 520.9, 332.7);
+		TickThrough(1080);
+		EXPECT_EQ(Written(), FLines{}) << "age 62 is not above 3.1 x 20";
+		TickThrough(1081);
+		EXPECT_EQ(Written(), (FLines{"api.Click(MouseButtons.LEFT, new Vector2(520, 332), 6); ", Burst}));
+	}
+
+	TEST_F(RecorderTest, PositionsAreScreenMinusTheViewportCornerTruncatedTowardZero)
+	{
+		Host.SetViewport(FLodexViewportRect{100.75, 50.5, 1280, 720});
+		StartRecording();
+		bAutoTick = false;
+		FLodexPointerInput Press;
+		Press.ScreenX = 100.25; // -0.5 after the corner: truncated to 0, inside
+		Press.ScreenY = 1000.0; // 949.5: 949
+		Press.Button = "RightMouseButton";
+		At(1001);
+		Recorder().HandleMouseButtonDown(Press);
+		const FLodexEventRecord* Open = Recorder().GetOpenGestures().Find(LodexMouseButton::Right);
+		ASSERT_NE(Open, nullptr);
+		EXPECT_EQ(Open->X, 0);
+		EXPECT_EQ(Open->Y, 949);
+		EXPECT_EQ(Open->Kind, ELodexEventKind::ButtonDown);
+		EXPECT_EQ(Open->Frame, 1001u);
+	}
+
+	TEST_F(RecorderTest, PressesOutsideTheViewportAreDroppedWithoutALine)
+	{
+		StartRecording();
+		Click(1000, 1281, 10); // beyond the width: dropped
+		Click(1010, 1280, 720); // on the far edges: inside
+		Click(1030, 5, -1); // above the top: dropped
+		TickThrough(1200);
+		EXPECT_EQ(Written(), (FLines{Burst, "api.Click(MouseButtons.LEFT, new Vector2(1280, 720), 6); ", Burst}))
+			<< "a tick that empties the array ends a burst, even when it only dropped presses";
+	}
+
+	TEST_F(RecorderTest, APressReleasedRPixelsAwayOrMoreIsADragAndTheWaitCoversTheGapBetweenGestures)
+	{
+		StartRecording();
+		Down(1000, 100, 100); // released 19 pixels away: a click
+		Up(1006, 119, 100);
+		Down(1010, 300, 300, "MiddleMouseButton"); // released 20 pixels away: a drag
+		Up(1040, 320, 300, "MiddleMouseButton");
+		TickThrough(1200);
+		EXPECT_EQ(Written(),
+			(FLines{"api.Click(MouseButtons.LEFT, new Vector2(100, 100), 6); ", "api.Wait(166); ",
+				"api.MouseDrag(MouseButtons.CENTER, new Vector2( 320, 300) , 30, new Vector2( 300, 300));"}))
+			<< "no end of burst after a drag";
+	}
+
+	TEST_F(RecorderTest, ADoubleClickTakesThePlaceOfItsFirstClickAndIsWrittenAfterTwentyFrames)
+	{
+		StartRecording();
+		Click(1200, 700, 400, 4);
+		DoubleClick(1212, 700, 400);
+		Up(1215, 700, 400);
+		const FLodexRecordArray& Records = Recorder().GetRecords();
+		ASSERT_EQ(Records.Num(), 1u);
+		EXPECT_EQ(Records.Front().Kind, ELodexEventKind::DoubleClick);
+		EXPECT_EQ(Records.Front().EndFrame, Records.Front().Frame + 20);
+		TickThrough(1231);
+		EXPECT_EQ(Written(), FLines{});
+		TickThrough(1232);
+		EXPECT_EQ(Written(), (FLines{"api.DoubleClick(MouseButtons.LEFT, 700, 400, 20); ", Burst}));
+	}
+
+	TEST_F(RecorderTest, ADoubleClickWhoseFirstClickWasWrittenStandsAlone)
+	{
+		StartRecording();
+		Click(1000, 10, 20);
+		TickThrough(1070);
+		DoubleClick(1080, 10, 20, "RightMouseButton");
+		TickThrough(1100);
+		EXPECT_EQ(Written(),
+			(FLines{"api.Click(MouseButtons.LEFT, new Vector2(10, 20), 6); ", Burst,
+				"api.DoubleClick(MouseButtons.RIGHT, 10, 20, 20); ", Burst}));
+	}
+
+	TEST_F(RecorderTest, WheelEventsMergeIntoThePendingWheelRecordWhileTheyTurnTheSameWayOverTheGame)
+	{
+		StartRecording();
+		Wheel(1000, 640, 360, -1.0f);
+		Wheel(1002, 640, 360, -1.0f);
+		Wheel(1004, 600, 300, -1.9f); // truncated to -1: merged
+		Wheel(1006, 640, 360, 1.0f); // the other way: a new record
+		Wheel(1008, 2000, 10, 1.0f); // over another part of the editor: not recorded
+		TickThrough(1200);
+		EXPECT_EQ(Written(), (FLines{"api.Scroll(0,-1, 3); ", "api.Scroll(0,1, 1); "}))
+			<< "neither a wait nor an end of burst after a wheel line";
+	}
+
+	TEST_F(RecorderTest, KeyPressesWaitForTheirReleaseAndAutoRepeatIsIgnored)
+	{
+		StartRecording();
+		KeyDown(1000, "SpaceBar");
+		KeyDown(1010, "SpaceBar");
+		KeyUp(1030, "SpaceBar");
+		KeyUp(1040, "W"); // a release without a recorded press
+		EXPECT_EQ(Written(), FLines{"//Wended here"}) << "the placeholder is not kept outside VR mode";
+		TickThrough(1200);
+		EXPECT_EQ(Written(),
+			(FLines{"//Wended here", "api.KeyPress(new KeyCode[] { KeyCode.SpaceBar}, 30); // api.GetLastFPS() * 0.5",
+				Burst}));
+		EXPECT_EQ(Recorder().GetHeldKeys().Num(), 0u);
+	}
+
+	TEST_F(RecorderTest, UseFpsWritesKeysInTheFirstFpsFormAndAnalogBurstsInTheSecond)
+	{
+		StartRecording();
+		Panel.SetUseFps(true);
+		KeyDown(1000, "A");
+		KeyUp(1030, "A");
+		for (std::uint32_t Frame = 1040; Frame <= 1045; ++Frame)
+		{
+			Analog(Frame, "Gamepad_LeftX");
+		}
+		TickThrough(1200);
+		EXPECT_EQ(Written(),
+			(FLines{"api.KeyPress(new KeyCode[] { KeyCode.A}, (int)(api.GetLastFPS() * 0.5));", "api.Wait(666); ",
+				"api.KeyPress(new KeyCode[] { KeyCode.Gamepad_LeftX},  (int)(api.GetLastFPS() * 0.083333));"}))
+			<< "no end of burst after an analog line";
+	}
+
+	TEST_F(RecorderTest, AnalogEventsOnConsecutiveFramesMakeOneRecordAndAPauseStartsAnother)
+	{
+		StartRecording();
+		bAutoTick = false;
+		Analog(1040, "Gamepad_LeftX");
+		Analog(1041, "Gamepad_LeftX");
+		Analog(1041, "Gamepad_LeftY");
+		Analog(1042, "Gamepad_LeftX");
+		Analog(1045, "Gamepad_LeftX");
+		const FLodexRecordArray& Records = Recorder().GetRecords();
+		ASSERT_EQ(Records.Num(), 3u);
+		EXPECT_EQ(Records[0].Frame, 1040u);
+		EXPECT_EQ(Records[0].EndFrame, 1042u);
+		EXPECT_EQ(Records[0].Kind, ELodexEventKind::Analog);
+		EXPECT_EQ(Records[1].Frame, 1041u);
+		EXPECT_EQ(Records[1].EndFrame, 1041u);
+		EXPECT_EQ(Records[2].Frame, 1045u);
+		EXPECT_EQ(Records[2].EndFrame, 1045u);
+	}
+
+	TEST_F(RecorderTest, APointerMoveStretchesItsOpenRecordUntilAPressClosesIt)
+	{
+		StartRecording();
+		Move(1000, 400, 300);
+		Move(1004, 430, 308);
+		Move(1008, 520, 332);
+		Move(1009, 1500, 300); // outside the viewport: not recorded
+		const FLodexEventRecord* Open = Recorder().GetOpenGestures().Find(LodexMouseButton::None);
+		ASSERT_NE(Open, nullptr);
+		EXPECT_EQ(Open->Kind, ELodexEventKind::Move);
+		EXPECT_EQ(Open->Frame, 1000u);
+		EXPECT_EQ(Open->EndFrame, 1008u);
+		EXPECT_EQ(Open->EndX, 520);
+		EXPECT_EQ(Open->EndY, 332);
+		EXPECT_EQ(Recorder().GetRecords().Num(), 0u);
+
+		Down(1010, 520, 332);
+		EXPECT_EQ(Recorder().GetRecords().Num(), 1u) << "the press's preparatory step closed the move";
+		Move(1012, 600, 400); // during the press: the press carries the gesture
+		EXPECT_EQ(Recorder().GetOpenGestures().Num(), 1u);
+		Up(1014, 600, 400);
+		TickThrough(1200);
+		EXPECT_EQ(Written(),
+			(FLines{"api.MouseMoveToPoint(new Vector2( 520, 332) , 8, new Vector2( 400, 300));", "api.Wait(166); ",
+				"api.MouseDrag(MouseButtons.LEFT, new Vector2( 600, 400) , 4, new Vector2( 520, 332));"}));
+	}
+
+	TEST_F(RecorderTest, AMoveWithAButtonAndNoPressIsADragRecordWrittenAsAMove)
+	{
+		StartRecording();
+		Move(1000, 10, 10, "RightMouseButton");
+		Move(1003, 40, 50, "RightMouseButton");
+		const FLodexEventRecord* Open = Recorder().GetOpenGestures().Find(LodexMouseButton::Right);
+		ASSERT_NE(Open, nullptr);
+		EXPECT_EQ(Open->Kind, ELodexEventKind::Drag);
+		Up(1004, 40, 50, "RightMouseButton"); // the release's preparatory step closes it; there is no press to end
+		EXPECT_EQ(Recorder().GetRecords().Num(), 1u);
+		EXPECT_EQ(Recorder().GetOpenGestures().Num(), 0u);
+		TickThrough(1200);
+		EXPECT_EQ(Written(), FLines{"api.MouseMoveToPoint(new Vector2( 40, 50) , 3, new Vector2( 10, 10));"})
+			<< "no end of burst after a drag record";
+	}
+
+	TEST_F(RecorderTest, ThePlaceholderOfAKeyPressIsReplacedWhereItStoodInVRMode)
+	{
+		StartRecording();
+		KeyDown(1000, "A");
+		KeyUp(1010, "A");
+		KeyDown(1012, "B");
+		Host.SetVR(true, "OpenXR");
+		Host.SetPose(ELodexVRDevice::Hmd, FLodexVRPose{{1.0, 2.0, 3.0}, {0.0, 0.0, 0.0, 1.0}});
+		Host.SetPose(ELodexVRDevice::LeftGrip, FLodexVRPose{{4.0, 5.0, 6.5}, {0.0, 0.0, 0.0, 1.0}});
+		const std::uint64_t Refreshes = Panel.GetRefreshCount();
+		Down(1013, 5, 5);
+		Move(1013, 9, 9);
+		EXPECT_EQ(Recorder().GetOpenGestures().Num(), 0u) << "the mouse records nothing in VR mode";
+		KeyDown(1014, "C"); // written at once
+		KeyUp(1015, "C");
+		KeyUp(1016, "B"); // held since before VR mode: written at its release
+		Tick(1017);
+		Host.SetPose(ELodexVRDevice::Hmd, FLodexVRPose{{1.0, 2.0, 3.0}, {0.5, 0.0, 0.0, 0.5}}); // turned only
+		Tick(1018);
+		Host.SetPose(ELodexVRDevice::Hmd, FLodexVRPose{{1.0, 2.0, 3.25}, {0.5, 0.0, 0.0, 0.5}});
+		Tick(1019);
+		// The tick of frame 1012 is the first in VR mode: the device, the key press waiting at the front whatever its
+		// age, the poses. Then C at its press, B at its release, and the display once it has moved.
+		EXPECT_EQ(Written(),
+			(FLines{" api.CreateInputDevice(\"OpenXR\",\"OpenXR\");",
+				"api.KeyPress(new KeyCode[] { KeyCode.A}, 10); // api.GetLastFPS() * 0.166667",
+				"api.VRInput(\"\", new Vector3(1.0f, 2.0f, 3.0f), new Quaternion(0.0f, 0.0f, 0.0f, 1.0f), 0); ",
+				"api.VRInput(\"Grip\", new Vector3(4.0f,5.0f,6.5f), new Quaternion(0.0f, 0.0f, 0.0f, 1.0f), 1);",
+				"api.KeyPress(new KeyCode[] { KeyCode.C}, 0);", "api.KeyPress(new KeyCode[] { KeyCode.B}, 0);",
+				"api.VRInput(\"\", new Vector3(1.0f, 2.0f, 3.25f), new Quaternion(0.5f, 0.0f, 0.0f, 0.5f), 0); "}))
+			<< "no wait or end of burst in VR mode";
+		EXPECT_EQ(Panel.GetRefreshCount(), Refreshes) << "VR mode leaves the output text as it was";
+	}
+
+	TEST_F(RecorderTest, InVRModeRIsFiveSoAPressWaitsSixteenFrames)
+	{
+		StartRecording();
+		Click(1000, 10, 10);
+		Host.SetVR(true, "OpenXR");
+		TickThrough(1021);
+		EXPECT_EQ(Written(), FLines{" api.CreateInputDevice(\"OpenXR\",\"OpenXR\");"});
+		TickThrough(1022);
+		EXPECT_EQ(Written(),
+			(FLines{" api.CreateInputDevice(\"OpenXR\",\"OpenXR\");",
+				"api.Click(MouseButtons.LEFT, new Vector2(10, 10), 6); "}));
+	}
+
+	TEST_F(RecorderTest, TheDeviceIsAnnouncedOncePerRecording)
+	{
+		Host.SetVR(true, "SteamVR");
+		StartRecording();
+		TickThrough(1005);
+		ASSERT_TRUE(Panel.Stop());
+		ASSERT_TRUE(Panel.Record());
+		LastTicked = 1005;
+		TickThrough(1008);
+		std::size_t Count = 0;
+		for (const std::string& Line : Panel.GetLines())
+		{
+			Count += Line == " api.CreateInputDevice(\"SteamVR\",\"SteamVR\");" ? 1 : 0;
+		}
+		EXPECT_EQ(Count, 2u);
+	}
+
+	TEST_F(RecorderTest, StopWritesEveryWaitingRecordInOrderEvenAfterThePlaySessionEnded)
+	{
+		StartRecording();
+		Click(1000, 10, 10);
+		KeyDown(1010, "A");
+		KeyUp(1020, "A");
+		Down(1030, 50, 50); // never released
+		KeyDown(1031, "Escape"); // ends the play session; its release never comes
+		At(1032);
+		Host.SetPlaying(false);
+		TickThrough(1060);
+		EXPECT_EQ(Written(), FLines{}) << "no line without a play viewport";
+		At(1100);
+		ASSERT_TRUE(Panel.Stop());
+		const FLines Expected{"api.Click(MouseButtons.LEFT, new Vector2(10, 10), 6); ", "api.Wait(166); ",
+			"api.KeyPress(new KeyCode[] { KeyCode.A}, 10); // api.GetLastFPS() * 0.166667", Burst};
+		EXPECT_EQ(Written(), Expected);
+		EXPECT_EQ(Panel.GetOutputText(), Panel.GetScriptText()) << "Stop shows the whole script";
+		EXPECT_FALSE(Panel.IsRecording());
+	}
+
+	TEST_F(RecorderTest, StopWritesWhatTheTicksWouldHaveWrittenHadTheSessionGoneOn)
+	{
+		// The same session twice: once stopped early, once left to age; both scripts are the same.
+		auto Session = [this]()
+		{
+			Move(1000, 400, 300);
+			Move(1004, 430, 308);
+			Click(1010, 430, 308);
+			Wheel(1020, 10, 10, 1.0f);
+			KeyDown(1025, "E");
+			KeyUp(1027, "E");
+			Click(1030, 20, 20, 4);
+			DoubleClick(1040, 20, 20);
+		};
+		StartRecording();
+		Session();
+		TickThrough(1300);
+		ASSERT_TRUE(Panel.Stop());
+		const FLines Aged = Written();
+
+		Panel.Reset();
+		LastTicked = 1000;
+		StartRecording();
+		Session();
+		At(1041);
+		ASSERT_TRUE(Panel.Stop());
+		EXPECT_EQ(Written(), Aged);
+		EXPECT_EQ(Aged.size(), 8u);
+	}
+}

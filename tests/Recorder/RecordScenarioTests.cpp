@@ -1,0 +1,95 @@
+// Copyright Lodex contributors.
+#include "InputLogReplay.h"
+#include "SceneSnapshot.h"
+#include "TempDir.h"
+
+#include "LodexDebugger/Core/Text/LodexText.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+	const std::string FixtureDir = std::string(LODEX_SOURCE_DIR) + "/tests/fixtures/recorder/";
+
+	struct FScenario
+	{
+		const char* Log;
+		const char* Golden;
+		bool bWithScene;
+	};
+
+	/** Small input logs and the scripts they give, line by line (each traced by hand from the rules). */
+	const FScenario Scenarios[] = {
+		// The sample session of `lodex demo`: every desktop gesture, both duration forms, the buttons.
+		{"samples/session.jsonl", "tests/fixtures/recorder/session.txt", true},
+		// VR mode: the device once, the poses that moved, key presses at once, back to the desktop.
+		{"tests/fixtures/recorder/vr.jsonl", "tests/fixtures/recorder/vr.txt", false},
+		// The play session ends before Stop: Stop still writes what was waiting; the Escape that ended it is not.
+		{"tests/fixtures/recorder/play-ends.jsonl", "tests/fixtures/recorder/play-ends.txt", false},
+	};
+
+	std::string ReadSourceFile(const std::string& Relative)
+	{
+		return FTempDir::Read(std::string(LODEX_SOURCE_DIR) + "/" + Relative);
+	}
+
+	TEST(RecordScenario, EachLogGivesItsGoldenScript)
+	{
+		FSceneSnapshot Scene;
+		std::string Error;
+		ASSERT_TRUE(FSceneSnapshot::LoadFile(std::string(LODEX_SOURCE_DIR) + "/samples/level.json", Scene, Error))
+			<< Error;
+		for (const FScenario& Scenario : Scenarios)
+		{
+			FInputLogReplayOptions Options;
+			Options.Scene = Scenario.bWithScene ? &Scene : nullptr;
+			FInputLogReplay Replay;
+			ASSERT_TRUE(ReplayInputLog(ReadSourceFile(Scenario.Log), Scenario.Log, Options, Replay, Error)) << Error;
+			const std::vector<std::string> Golden =
+				LodexText::SplitDroppingEmpty(ReadSourceFile(Scenario.Golden), "\n");
+			ASSERT_FALSE(Golden.empty()) << Scenario.Golden;
+			EXPECT_EQ(Replay.Script, LodexText::Join(Golden, "\r\n")) << Scenario.Log;
+		}
+	}
+
+	TEST(RecordScenario, TheSampleSessionNeedsNoSceneForItsButtonsBecauseTheLogCarriesTheirLodestrings)
+	{
+		FInputLogReplay WithScene;
+		FInputLogReplay WithoutScene;
+		FSceneSnapshot Scene;
+		std::string Error;
+		ASSERT_TRUE(FSceneSnapshot::LoadFile(std::string(LODEX_SOURCE_DIR) + "/samples/level.json", Scene, Error));
+		FInputLogReplayOptions Options;
+		Options.Scene = &Scene;
+		const std::string Log = ReadSourceFile("samples/session.jsonl");
+		ASSERT_TRUE(ReplayInputLog(Log, "session", Options, WithScene, Error)) << Error;
+		ASSERT_TRUE(ReplayInputLog(Log, "session", FInputLogReplayOptions(), WithoutScene, Error)) << Error;
+		EXPECT_EQ(WithScene.Script, WithoutScene.Script);
+		EXPECT_EQ(WithScene.EventCount, 136u);
+		EXPECT_EQ(WithScene.FirstFrame, 1000u);
+		EXPECT_EQ(WithScene.LastFrame, 1450u);
+	}
+
+	TEST(RecordScenario, ASceneDecidesTheButtonsLodestringsWhenGiven)
+	{
+		// The log says "//Door" for the door in the relative kind; a scene where the door hangs elsewhere wins.
+		FSceneSnapshot Scene;
+		std::string Error;
+		ASSERT_TRUE(FSceneSnapshot::Parse(
+			R"({"objects": [{"id": "door", "kind": "actor", "name": "Gate"}]})", "scene", Scene, Error));
+		const std::string Log = "{\"lodexInputLog\": 1, \"host\": \"h\"}\n"
+								"{\"frame\": 1, \"type\": \"button\", \"name\": \"ClickObject\", \"object\": \"door\", "
+								"\"mode\": \"Absolute\", \"lodestring\": \"//Door\"}\n"
+								"{\"frame\": 2, \"type\": \"button\", \"name\": \"GetObjectPosition\", \"object\": "
+								"\"nobody\", \"mode\": \"Absolute\"}\n";
+		FInputLogReplayOptions Options;
+		Options.Scene = &Scene;
+		FInputLogReplay Replay;
+		EXPECT_FALSE(ReplayInputLog(Log, "log", Options, Replay, Error));
+		EXPECT_EQ(Error, "log:3: the scene: no object has the id or name 'nobody'");
+		ASSERT_TRUE(ReplayInputLog(Log.substr(0, Log.rfind("{\"frame\": 2")), "log", Options, Replay, Error));
+		EXPECT_EQ(Replay.Script,
+			" api = new velt.unreal_api.ApiClient();\r\napi.Connect(\"h\");\r\n"
+			"api.ClickObject(MouseButtons.LEFT, \"/*[@name = 'Gate']\", 10); ");
+	}
+}

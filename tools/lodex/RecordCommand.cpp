@@ -1,0 +1,153 @@
+// Copyright Lodex contributors.
+#include "RecordCommand.h"
+
+#include "InputLogReplay.h"
+#include "LodexCli.h"
+#include "SampleSession.h"
+#include "SceneSnapshot.h"
+
+#include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace
+{
+	bool ReadWholeFile(const std::string& Path, std::string& OutText)
+	{
+		std::ifstream In(Path, std::ios::binary);
+		if (!In)
+		{
+			return false;
+		}
+		std::ostringstream Buffer;
+		Buffer << In.rdbuf();
+		OutText = Buffer.str();
+		return !In.bad();
+	}
+
+	/** Writes the text beside the target first, then renames it over the target, as Download does. */
+	bool SaveScriptFile(const std::string& Path, const std::string& Text, std::string& OutError)
+	{
+		const std::string Temporary = MakeLodexTemporarySavePath(Path);
+		{
+			std::ofstream Out(Temporary, std::ios::binary | std::ios::trunc);
+			if (!Out)
+			{
+				OutError = Path + ": cannot write the file";
+				return false;
+			}
+			Out.write(Text.data(), static_cast<std::streamsize>(Text.size()));
+			Out.close();
+			if (!Out)
+			{
+				std::remove(Temporary.c_str());
+				OutError = Path + ": cannot write the file";
+				return false;
+			}
+		}
+		std::error_code Error;
+		std::filesystem::rename(Temporary, Path, Error);
+		if (Error)
+		{
+			std::remove(Temporary.c_str());
+			OutError = Path + ": cannot replace the file: " + Error.message();
+			return false;
+		}
+		return true;
+	}
+
+	class FRecordCommand final : public ILodexCommand
+	{
+	public:
+		CLI::App* Register(CLI::App& Parent) override
+		{
+			CLI::App* Sub = Parent.add_subcommand(
+				"record", "Turn an input log into the script the Input Recorder holds after Stop");
+			Sub->add_option("--input", InputPath, "Input log (JSON Lines)")->required();
+			Sub->add_flag("--fps", bForceFps, "Write every duration in the FPS form, as with \"Use FPS\" checked");
+			Sub->add_option("--scene", ScenePath, "Scene snapshot in which the log's buttons find their objects");
+			Sub->add_option("--out", OutPath, "Save the script to this file instead of printing it");
+			return Sub;
+		}
+
+		int Run(FLodexCliIo& Io) override
+		{
+			std::string Text;
+			if (!ReadWholeFile(InputPath, Text))
+			{
+				Io.Err << "lodex: " << InputPath << ": cannot open the file\n";
+				return LodexExitFailure;
+			}
+			FSceneSnapshot Scene;
+			FInputLogReplayOptions Options;
+			Options.bForceFps = bForceFps;
+			if (!ScenePath.empty())
+			{
+				std::string Error;
+				if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+				{
+					Io.Err << "lodex: " << Error << "\n";
+					return LodexExitFailure;
+				}
+				Options.Scene = &Scene;
+			}
+			FInputLogReplay Replay;
+			std::string Error;
+			if (!ReplayInputLog(Text, InputPath, Options, Replay, Error))
+			{
+				Io.Err << "lodex: " << Error << "\n";
+				return LodexExitFailure;
+			}
+			if (OutPath.empty())
+			{
+				Io.Out << Replay.Script;
+				return LodexExitOk;
+			}
+			if (!SaveScriptFile(OutPath, Replay.Script, Error))
+			{
+				Io.Err << "lodex: " << Error << "\n";
+				return LodexExitFailure;
+			}
+			return LodexExitOk;
+		}
+
+	private:
+		std::string InputPath;
+		bool bForceFps = false;
+		std::string ScenePath;
+		std::string OutPath;
+	};
+}
+
+bool PrintRecordedSessionDemo(const FSceneSnapshot& Scene, FLodexCliIo& Io)
+{
+	FInputLogReplayOptions Options;
+	Options.Scene = &Scene;
+	FInputLogReplay Replay;
+	std::string Error;
+	if (!ReplayInputLog(GetSampleInputLog(), "the embedded sample input log", Options, Replay, Error))
+	{
+		Io.Err << "lodex: " << Error << "\n";
+		return false;
+	}
+	Io.Out << "\nA recorded session: the sample input log (samples/session.jsonl), " << Replay.EventCount
+		   << " events from frame " << Replay.FirstFrame << " to " << Replay.LastFrame << " on the host \""
+		   << Replay.HostName << "\", replayed through the Input Recorder\n\n";
+	Io.Out << "The script after Stop, one line a line (`lodex record` prints it with \"\\r\\n\" between lines):\n\n";
+	for (const std::string& Line : LodexText::SplitDroppingEmpty(Replay.Script, LodexText::LineSeparator))
+	{
+		Io.Out << Line << "\n";
+	}
+	return true;
+}
+
+std::unique_ptr<ILodexCommand> MakeRecordCommand()
+{
+	return std::make_unique<FRecordCommand>();
+}
