@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 #include <sys/stat.h>
 
@@ -28,6 +29,17 @@ namespace
 		Run.Out = Out.str();
 		Run.Err = Err.str();
 		return Run;
+	}
+
+	std::size_t CountDirectoryEntries(const std::string& Folder)
+	{
+		std::size_t Count = 0;
+		for (const auto& Entry : std::filesystem::directory_iterator(Folder))
+		{
+			(void)Entry;
+			++Count;
+		}
+		return Count;
 	}
 
 	const std::string SourceDir = LODEX_SOURCE_DIR;
@@ -71,27 +83,28 @@ namespace
 		EXPECT_EQ(Run.Out, "");
 		EXPECT_EQ(Run.Err, "");
 		EXPECT_EQ(FTempDir::Read(Target), SampleScript());
-		EXPECT_FALSE(FTempDir::Exists(Target + ".saving")) << "the file written first was renamed over the target";
+		EXPECT_EQ(CountDirectoryEntries(Dir.File("")), 1u) << "the file written first was renamed over the target";
 	}
 
 	TEST(LodexRecord, AFailedSaveSaysSoInOneLineAndLeavesWhatWasThere)
 	{
 		FTempDir Dir;
-		// A folder where the file should go: the text is written beside it, but cannot replace it.
+		// A folder where the file should go: refused before anything is written beside it.
 		ASSERT_EQ(mkdir(Dir.File("Taken").c_str(), 0755), 0);
 		Dir.Write("Taken/keep.txt", "kept");
 		const FRecordRun Taken = RunLodexRecord({"record", "--input", SampleLog, "--out", Dir.File("Taken")});
 		EXPECT_EQ(Taken.Exit, 1);
 		EXPECT_EQ(Taken.Out, "");
-		EXPECT_EQ(Taken.Err.rfind("lodex: " + Dir.File("Taken") + ": cannot replace the file: ", 0), 0u) << Taken.Err;
+		EXPECT_EQ(Taken.Err, "lodex: " + Dir.File("Taken") + ": is a folder, not a file; nothing was written\n");
 		EXPECT_EQ(std::count(Taken.Err.begin(), Taken.Err.end(), '\n'), 1);
 		EXPECT_EQ(FTempDir::Read(Dir.File("Taken") + "/keep.txt"), "kept");
-		EXPECT_FALSE(FTempDir::Exists(Dir.File("Taken.saving")));
+		EXPECT_EQ(CountDirectoryEntries(Dir.File("")), 1u) << "nothing was left beside the folder";
 
 		const std::string Nowhere = Dir.File("no/such/folder/RecordedInput.txt");
 		const FRecordRun Missing = RunLodexRecord({"record", "--input", SampleLog, "--out", Nowhere});
 		EXPECT_EQ(Missing.Exit, 1);
-		EXPECT_EQ(Missing.Err, "lodex: " + Nowhere + ": cannot write the file\n");
+		EXPECT_EQ(Missing.Err.rfind("lodex: " + Nowhere + ": cannot write the file (", 0), 0u) << Missing.Err;
+		EXPECT_EQ(std::count(Missing.Err.begin(), Missing.Err.end(), '\n'), 1);
 	}
 
 	TEST(LodexRecord, ABadLogOrSceneIsOneLineOnStandardErrorAndNothingOnStandardOutput)

@@ -192,7 +192,6 @@ namespace
 		EXPECT_EQ(Dialog.Title, "Save Recorded Input");
 		EXPECT_EQ(Dialog.DefaultFileName, "RecordedInput.txt");
 		EXPECT_EQ(Dialog.FileTypes, "Text File (*.txt)|*.txt");
-		EXPECT_EQ(MakeLodexTemporarySavePath("/home/me/RecordedInput.txt"), "/home/me/RecordedInput.txt.saving");
 		EXPECT_EQ(std::string(FLodexRecorderPanel::GetSupportUrl()).rfind("https://", 0), 0u);
 	}
 }

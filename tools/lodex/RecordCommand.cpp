@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "RecordCommand.h"
+#include "AtomicFile.h"
 
 #include "InputLogReplay.h"
 #include "LodexCli.h"
@@ -31,35 +32,10 @@ namespace
 		return !In.bad();
 	}
 
-	/** Writes the text beside the target first, then renames it over the target, as Download does. */
+	/** Saves the script as Download does: whole, under a unique name beside the target, then renamed over it. */
 	bool SaveScriptFile(const std::string& Path, const std::string& Text, std::string& OutError)
 	{
-		const std::string Temporary = MakeLodexTemporarySavePath(Path);
-		{
-			std::ofstream Out(Temporary, std::ios::binary | std::ios::trunc);
-			if (!Out)
-			{
-				OutError = Path + ": cannot write the file";
-				return false;
-			}
-			Out.write(Text.data(), static_cast<std::streamsize>(Text.size()));
-			Out.close();
-			if (!Out)
-			{
-				std::remove(Temporary.c_str());
-				OutError = Path + ": cannot write the file";
-				return false;
-			}
-		}
-		std::error_code Error;
-		std::filesystem::rename(Temporary, Path, Error);
-		if (Error)
-		{
-			std::remove(Temporary.c_str());
-			OutError = Path + ": cannot replace the file: " + Error.message();
-			return false;
-		}
-		return true;
+		return WriteFileAtomically(Path, Text, OutError);
 	}
 
 	class FRecordCommand final : public ILodexCommand

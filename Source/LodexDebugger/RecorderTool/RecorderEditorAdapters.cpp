@@ -276,7 +276,9 @@ namespace RecorderInterop
 
 bool SaveRecordedScript(const FString& Path, const FString& Text, FText& OutError)
 {
-	const FString Temporary = LodexInterop::FromUtf8(MakeLodexTemporarySavePath(LodexInterop::ToUtf8(Path)));
+	// A name of its own beside the target, so that neither another save nor an existing file is overwritten.
+	const FString Temporary = FPaths::CreateTempFilename(
+		*FPaths::GetPath(Path), *(FPaths::GetCleanFilename(Path) + TEXT(".")), TEXT(".saving"));
 	if (!FFileHelper::SaveStringToFile(Text, *Temporary, FFileHelper::EEncodingOptions::ForceUTF8WithoutBOM))
 	{
 		IFileManager::Get().Delete(*Temporary, false, false, true);

@@ -264,8 +264,3 @@ const char* FLodexRecorderPanel::GetSupportUrl()
 {
 	return "https://github.com/nxrighthere/UnrealCLR";
 }
-
-std::string MakeLodexTemporarySavePath(const std::string& TargetPath)
-{
-	return TargetPath + ".saving";
-}

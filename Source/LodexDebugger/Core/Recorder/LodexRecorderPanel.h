@@ -166,4 +166,3 @@ private:
  * Where a save writes first: a file beside the target, renamed over it once the text is written whole, so that a
  * failed save leaves any existing file as it was.
  */
-std::string MakeLodexTemporarySavePath(const std::string& TargetPath);
