@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "EditorModel.h"
+#include "EvaluationSession.h"
 #include "HostOutput.h"
 #include "ListSelection.h"
 #include "LodexCli.h"
@@ -193,6 +194,10 @@ namespace
 				return LodexExitFailure;
 			}
 			PrintEditorShell(Io);
+			if (!PrintLodexEvaluationDemo(Io.Out, Io.Err))
+			{
+				return LodexExitFailure;
+			}
 			return LodexExitOk;
 		}
 	};

@@ -1,0 +1,91 @@
+// Copyright Lodex contributors.
+#include "EvaluatorRunner.h"
+
+#include "LodexDebugger/Core/Evaluation/LodexBlockAccess.h"
+
+FLodexEvaluatorRunner::FLodexEvaluatorRunner(ILodexEvaluator& InEvaluator, FLodexEvaluatorBlock& InBlock)
+	: Evaluator(InEvaluator)
+	, Block(InBlock)
+{
+	Evaluator.Attach(Block);
+	Thread = std::thread([this] { RunLoop(); });
+}
+
+FLodexEvaluatorRunner::~FLodexEvaluatorRunner()
+{
+	{
+		std::lock_guard<std::mutex> Lock(Mutex);
+		bStop = true;
+	}
+	Changed.notify_all();
+	Thread.join();
+}
+
+void FLodexEvaluatorRunner::SetHeld(bool bInHeld)
+{
+	{
+		std::lock_guard<std::mutex> Lock(Mutex);
+		bHeld = bInHeld;
+	}
+	Changed.notify_all();
+}
+
+bool FLodexEvaluatorRunner::IsHeld() const
+{
+	std::lock_guard<std::mutex> Lock(Mutex);
+	return bHeld;
+}
+
+bool FLodexEvaluatorRunner::WaitUntilQuiet(std::chrono::milliseconds Timeout)
+{
+	std::unique_lock<std::mutex> Lock(Mutex);
+	if (bHeld)
+	{
+		return true;
+	}
+	// The round under way may have begun before this call: a quiet round counts from the one after it.
+	const std::uint64_t Wanted = Rounds + 2;
+	Changed.notify_all();
+	return Changed.wait_for(Lock, Timeout, [this, Wanted] { return LastQuietRound >= Wanted || bHeld; });
+}
+
+std::vector<std::int32_t> FLodexEvaluatorRunner::TakeTakenCommands()
+{
+	std::lock_guard<std::mutex> Lock(Mutex);
+	std::vector<std::int32_t> Taken;
+	Taken.swap(TakenCommands);
+	return Taken;
+}
+
+void FLodexEvaluatorRunner::RunLoop()
+{
+	std::unique_lock<std::mutex> Lock(Mutex);
+	while (!bStop)
+	{
+		if (bHeld)
+		{
+			Changed.wait(Lock, [this] { return bStop || !bHeld; });
+			continue;
+		}
+		Lock.unlock();
+		// What the evaluator is about to find; it is the panels' last write, as nothing else writes it.
+		const std::int32_t Pending = LodexBlock::LoadCommand(Block);
+		const bool bTook = Evaluator.Serve(Block);
+		Lock.lock();
+		++Rounds;
+		if (bTook)
+		{
+			TakenCommands.push_back(Pending);
+		}
+		else
+		{
+			LastQuietRound = Rounds;
+		}
+		Changed.notify_all();
+		if (!bTook)
+		{
+			// Idle: look again soon, or at once when someone waits for a quiet round.
+			Changed.wait_for(Lock, std::chrono::microseconds(500));
+		}
+	}
+}
