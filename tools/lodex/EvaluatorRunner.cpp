@@ -23,11 +23,11 @@ FLodexEvaluatorRunner::~FLodexEvaluatorRunner()
 
 void FLodexEvaluatorRunner::SetHeld(bool bInHeld)
 {
-	{
-		std::lock_guard<std::mutex> Lock(Mutex);
-		bHeld = bInHeld;
-	}
+	std::unique_lock<std::mutex> Lock(Mutex);
+	bHeld = bInHeld;
 	Changed.notify_all();
+	// Once held, the evaluator is not in the middle of a look either: what is written next waits.
+	Changed.wait(Lock, [this] { return !bServing; });
 }
 
 bool FLodexEvaluatorRunner::IsHeld() const
@@ -67,11 +67,13 @@ void FLodexEvaluatorRunner::RunLoop()
 			Changed.wait(Lock, [this] { return bStop || !bHeld; });
 			continue;
 		}
+		bServing = true;
 		Lock.unlock();
 		// What the evaluator is about to find; it is the panels' last write, as nothing else writes it.
 		const std::int32_t Pending = LodexBlock::LoadCommand(Block);
 		const bool bTook = Evaluator.Serve(Block);
 		Lock.lock();
+		bServing = false;
 		++Rounds;
 		if (bTook)
 		{

@@ -23,7 +23,10 @@ public:
 	FLodexEvaluatorRunner(const FLodexEvaluatorRunner&) = delete;
 	FLodexEvaluatorRunner& operator=(const FLodexEvaluatorRunner&) = delete;
 
-	/** While held, the evaluator is not called: requests wait in the block. */
+	/**
+	 * While held, the evaluator is not called: requests wait in the block. Returns once the evaluator is
+	 * between two looks at the block.
+	 */
 	void SetHeld(bool bInHeld);
 	bool IsHeld() const;
 
@@ -46,6 +49,7 @@ private:
 	std::condition_variable Changed;
 	bool bStop = false;
 	bool bHeld = false;
+	bool bServing = false;
 	std::uint64_t Rounds = 0;
 	std::uint64_t LastQuietRound = 0;
 	std::vector<std::int32_t> TakenCommands;

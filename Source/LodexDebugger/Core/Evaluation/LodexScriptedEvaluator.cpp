@@ -249,6 +249,19 @@ bool ParseLodexCannedAnswers(const std::string& Text, FLodexCannedAnswers& Out, 
 		{
 			continue;
 		}
+		static const char* const FieldKeywords[] = {
+			"status", "result", "context", "stack", "operation", "node-type", "duration", "null"};
+		bool bIsField = false;
+		for (const char* Field : FieldKeywords)
+		{
+			bIsField = bIsField || Keyword == Field;
+		}
+		if (!bIsField)
+		{
+			return Fail("unknown keyword '" + Keyword +
+				"'; known: run, load, into, over, step, any, status, result, context, stack, operation, node-type, "
+				"duration, null");
+		}
 		if (Out.Answers.empty())
 		{
 			return Fail("'" + Keyword + "' before any answer: start one with run, load, into, over, step or any");
@@ -290,7 +303,7 @@ bool ParseLodexCannedAnswers(const std::string& Text, FLodexCannedAnswers& Out, 
 				return Fail("'duration' needs a number of milliseconds, not '" + Value + "'");
 			}
 		}
-		else if (Keyword == "null")
+		else
 		{
 			bool bKnown = false;
 			for (const FCannedNullField& Field : CannedNullFields)
@@ -305,12 +318,6 @@ bool ParseLodexCannedAnswers(const std::string& Text, FLodexCannedAnswers& Out, 
 			{
 				return Fail("'null' takes context, result, operation, node-type, stack or path, not '" + Value + "'");
 			}
-		}
-		else
-		{
-			return Fail("unknown keyword '" + Keyword +
-				"'; known: run, load, into, over, step, any, status, result, context, stack, operation, node-type, "
-				"duration, null");
 		}
 	}
 	return true;
@@ -401,7 +408,9 @@ FLodexEvaluatorAnswer FLodexScriptedEvaluator::AnswerRequest(const FLodexEvaluat
 	Answer.StackText = LodexText::Join(Canned.StackLines, LodexText::LineSeparator);
 	if (!Canned.bHasResult && Answer.Status == static_cast<std::int32_t>(EEvaluatorStatus::Evaluated))
 	{
-		Answer.ResultText = LodexText::FormatInt(static_cast<std::int64_t>(Canned.ContextLines.size()));
+		// The number of objects a panel lists: the context's pieces, empty ones dropped.
+		Answer.ResultText = LodexText::FormatInt(static_cast<std::int64_t>(
+			LodexText::SplitDroppingEmpty(Answer.ContextText, LodexText::LineSeparator).size()));
 	}
 	return Answer;
 }

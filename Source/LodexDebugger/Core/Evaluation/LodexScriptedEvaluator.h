@@ -30,7 +30,10 @@ struct FLodexCannedAnswer
 	std::string Path;
 	/** False when the status follows the request: Evaluated (3) for Run, Stepped (8) for the others. */
 	bool bHasStatus = false;
-	/** False when `result` was not given: a Run's answer then gives the number of context lines. */
+	/**
+	 * False when `result` was not given: an Evaluated answer then gives the number of items its context
+	 * makes in a panel (non-empty pieces between "\r\n").
+	 */
 	bool bHasResult = false;
 	std::vector<std::string> ContextLines;
 	std::vector<std::string> StackLines;
