@@ -6,6 +6,7 @@
 
 FLodexDebuggerPanel::FLodexDebuggerPanel(ILodexEvaluatorHost& InHost)
 	: Host(InHost)
+	, Block(InHost.GetEvaluatorBlock())
 {
 }
 
@@ -27,7 +28,7 @@ FLodexRequest FLodexDebuggerPanel::OnPathTextCommitted(const std::string& Text)
 		ShowGameNotRunning();
 		return {ELodexRequestOutcome::GameNotRunning, EEvaluatorCommand::None, 0};
 	}
-	const std::int32_t Status = LodexBlock::LoadStatus(Host.GetEvaluatorBlock());
+	const std::int32_t Status = LodexBlock::LoadStatus(Block);
 	if (Status != 0)
 	{
 		// A result not yet consumed: the commit is dropped and nothing changes.
@@ -87,7 +88,7 @@ FLodexRequest FLodexDebuggerPanel::WriteRequest(EEvaluatorCommand Command, bool 
 		ShowEvaluatorUnavailable();
 		return {ELodexRequestOutcome::EvaluatorUnavailable, EEvaluatorCommand::None, 0};
 	}
-	LodexBlock::StoreCommand(Host.GetEvaluatorBlock(), static_cast<std::int32_t>(Command));
+	LodexBlock::StoreCommand(Block, static_cast<std::int32_t>(Command));
 	return {ELodexRequestOutcome::Sent, Command, 0};
 }
 
@@ -126,28 +127,14 @@ void FLodexDebuggerPanel::ShowEvaluatorUnavailable()
 	++TextsRevision;
 }
 
-std::optional<std::int32_t> FLodexDebuggerPanel::Tick(bool bHasFocus)
+std::int32_t FLodexDebuggerPanel::ActOnStatus(std::int32_t Status)
 {
-	if (!bHasFocus)
-	{
-		return std::nullopt;
-	}
-	return PollEvaluator();
-}
-
-std::int32_t FLodexDebuggerPanel::PollEvaluator()
-{
-	FLodexEvaluatorBlock& Block = Host.GetEvaluatorBlock();
-	// The status first, with acquire, then the two list pointers (on every poll, whatever the status):
-	// so they are the ones the evaluator published before this status.
-	const std::int32_t Status = LodexBlock::LoadStatus(Block);
+	// The status was read first, with acquire; the two list pointers after it are the ones the evaluator
+	// published before this status.
 	const char* const Context = LodexBlock::LoadPointer(Block.contextText);
 	const char* const Stack = LodexBlock::LoadPointer(Block.stackText);
 	switch (Status)
 	{
-		case static_cast<std::int32_t>(EEvaluatorStatus::Idle):
-			bIsIdle = true;
-			break;
 		case static_cast<std::int32_t>(EEvaluatorStatus::Accepted):
 		case static_cast<std::int32_t>(EEvaluatorStatus::Working):
 			EmptyContextItems();

@@ -1,10 +1,10 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "LodexBlockAccess.h"
 #include "LodexEvaluatorBridge.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -87,11 +87,28 @@ public:
 	 */
 	void OnResetClicked();
 
-	/** The widget's tick: polls the evaluator when the panel or a descendant has user focus. */
-	std::optional<std::int32_t> Tick(bool bHasFocus);
+	/** The widget's tick: polls the evaluator when the panel or a descendant has user focus; returns whether it did. */
+	bool Tick(bool bHasFocus)
+	{
+		if (!bHasFocus)
+		{
+			return false;
+		}
+		PollEvaluator();
+		return true;
+	}
 
-	/** Reads `status` once and acts on it; returns the value read. */
-	std::int32_t PollEvaluator();
+	/** Reads `status` once and acts on it; returns the value read. Idle costs one load and one store. */
+	std::int32_t PollEvaluator()
+	{
+		const std::int32_t Status = LodexBlock::LoadStatus(Block);
+		if (Status == static_cast<std::int32_t>(EEvaluatorStatus::Idle))
+		{
+			bIsIdle = true;
+			return Status;
+		}
+		return ActOnStatus(Status);
+	}
 
 	/**
 	 * The first highlighted segment of a marked-up path: from the first "<VELT.Highlight>" (found ignoring
@@ -130,6 +147,8 @@ public:
 	std::uint64_t GetPathBoxClears() const { return PathBoxClears; }
 
 private:
+	/** The poll's table for every status but Idle. */
+	std::int32_t ActOnStatus(std::int32_t Status);
 	FLodexRequest SendStep(EEvaluatorCommand Command);
 	/** Writes the path and the code; on a null path buffer, the unavailable display instead. */
 	FLodexRequest WriteRequest(EEvaluatorCommand Command, bool bWasIdle);
@@ -142,6 +161,8 @@ private:
 	static std::string FormatDuration(double DurationMs);
 
 	ILodexEvaluatorHost& Host;
+	/** The host's block, which outlives every panel. */
+	FLodexEvaluatorBlock& Block;
 	std::string PathText;
 	FLodexColor StateColor = LodexDebuggerColors::Neutral;
 	int StateColorChanges = 0;

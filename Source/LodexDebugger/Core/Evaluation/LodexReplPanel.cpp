@@ -6,6 +6,7 @@
 
 FLodexReplPanel::FLodexReplPanel(ILodexEvaluatorHost& InHost)
 	: Host(InHost)
+	, Block(InHost.GetEvaluatorBlock())
 {
 }
 
@@ -52,7 +53,7 @@ FLodexRequest FLodexReplPanel::CommitPath(bool bMarkBusy)
 		SetCountText(LodexEvaluatorUnavailableCount);
 		return {ELodexRequestOutcome::EvaluatorUnavailable, EEvaluatorCommand::None, 0};
 	}
-	LodexBlock::StoreCommand(Host.GetEvaluatorBlock(), static_cast<std::int32_t>(EEvaluatorCommand::Run));
+	LodexBlock::StoreCommand(Block, static_cast<std::int32_t>(EEvaluatorCommand::Run));
 	return {ELodexRequestOutcome::Sent, EEvaluatorCommand::Run, 0};
 }
 
@@ -63,24 +64,10 @@ void FLodexReplPanel::Clear()
 	SetCountText(std::string());
 }
 
-std::optional<std::int32_t> FLodexReplPanel::Tick(bool bHasFocus)
+std::int32_t FLodexReplPanel::ActOnStatus(std::int32_t Status)
 {
-	if (!bHasFocus)
-	{
-		return std::nullopt;
-	}
-	return PollEvaluator();
-}
-
-std::int32_t FLodexReplPanel::PollEvaluator()
-{
-	FLodexEvaluatorBlock& Block = Host.GetEvaluatorBlock();
-	const std::int32_t Status = LodexBlock::LoadStatus(Block);
 	switch (Status)
 	{
-		case static_cast<std::int32_t>(EEvaluatorStatus::Idle):
-			bIsReady = true;
-			break;
 		case static_cast<std::int32_t>(EEvaluatorStatus::Accepted):
 		case static_cast<std::int32_t>(EEvaluatorStatus::Working):
 			ContextItems.clear();

@@ -1,10 +1,10 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "LodexBlockAccess.h"
 #include "LodexEvaluatorBridge.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,11 +61,28 @@ public:
 	/** No error, the neutral colour, an empty count. */
 	void Clear();
 
-	/** The widget's tick: polls the evaluator when the panel or a descendant has user focus. */
-	std::optional<std::int32_t> Tick(bool bHasFocus);
+	/** The widget's tick: polls the evaluator when the panel or a descendant has user focus; returns whether it did. */
+	bool Tick(bool bHasFocus)
+	{
+		if (!bHasFocus)
+		{
+			return false;
+		}
+		PollEvaluator();
+		return true;
+	}
 
-	/** Reads `status` once and acts on it; returns the value read. */
-	std::int32_t PollEvaluator();
+	/** Reads `status` once and acts on it; returns the value read. Idle costs one load and one store. */
+	std::int32_t PollEvaluator()
+	{
+		const std::int32_t Status = LodexBlock::LoadStatus(Block);
+		if (Status == static_cast<std::int32_t>(EEvaluatorStatus::Idle))
+		{
+			bIsReady = true;
+			return Status;
+		}
+		return ActOnStatus(Status);
+	}
 
 	const std::string& GetPathText() const { return PathText; }
 	FLodexColor GetStateColor() const { return StateColor; }
@@ -83,11 +100,15 @@ public:
 	std::uint64_t GetCountRevision() const { return CountRevision; }
 
 private:
+	/** The poll's table for every status but Idle. */
+	std::int32_t ActOnStatus(std::int32_t Status);
 	void SetStateColor(const FLodexColor& Color);
 	void SetCountText(std::string Text);
 	FLodexRequest CommitPath(bool bMarkBusy);
 
 	ILodexEvaluatorHost& Host;
+	/** The host's block, which outlives every panel. */
+	FLodexEvaluatorBlock& Block;
 	std::string PathText;
 	FLodexColor StateColor = LodexReplColors::Initial;
 	int StateColorChanges = 0;
