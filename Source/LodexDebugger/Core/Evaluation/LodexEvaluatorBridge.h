@@ -64,7 +64,10 @@ public:
 	/** Makes sure the named module is loaded (`LoadModuleChecked`); a failure stops the editor. */
 	virtual void LoadModule(const char* ModuleName) = 0;
 
-	/** The block shared with the evaluator. */
+	/**
+	 * The block shared with the evaluator. A panel asks for it when it is made and keeps it, and again
+	 * for every path write: the block must outlive every panel (the host module's global does).
+	 */
 	virtual FLodexEvaluatorBlock& GetEvaluatorBlock() = 0;
 };
 
