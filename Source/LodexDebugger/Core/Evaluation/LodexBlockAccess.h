@@ -112,15 +112,15 @@ namespace LodexBlock
 	template<typename T>
 	inline T* LoadPointer(T* const& Field)
 	{
-		return static_cast<T*>(_InterlockedCompareExchangePointer(
-			reinterpret_cast<void* volatile*>(const_cast<T**>(&Field)), nullptr, nullptr));
+		void* volatile* const Target = static_cast<void* volatile*>(static_cast<void*>(const_cast<T**>(&Field)));
+		return static_cast<T*>(_InterlockedCompareExchangePointer(Target, nullptr, nullptr));
 	}
 
 	template<typename T>
 	inline void StorePointer(T*& Field, T* Value)
 	{
-		_InterlockedExchangePointer(
-			reinterpret_cast<void* volatile*>(&Field), const_cast<void*>(static_cast<const void*>(Value)));
+		void* volatile* const Target = static_cast<void* volatile*>(static_cast<void*>(&Field));
+		_InterlockedExchangePointer(Target, const_cast<void*>(static_cast<const void*>(Value)));
 	}
 
 	inline double LoadDouble(const double& Field)
