@@ -164,12 +164,12 @@ namespace
 
 		void Attach(FLodexEvaluatorBlock& Block) override { Side.Attach(Block); }
 
-		bool Serve(FLodexEvaluatorBlock& Block) override
+		std::int32_t Serve(FLodexEvaluatorBlock& Block) override
 		{
 			FLodexEvaluatorRequest Request;
 			if (!Side.TakeRequest(Block, Request))
 			{
-				return false;
+				return 0;
 			}
 			if (bAcknowledge)
 			{
@@ -184,7 +184,7 @@ namespace
 			Answer.OperationText = "op " + Request.Path;
 			Answer.DurationMs = static_cast<double>(Request.Path.size());
 			Side.Publish(Block, Answer);
-			return true;
+			return Request.Command;
 		}
 
 		std::size_t GetPathCapacity() const override { return Side.GetPathCapacity(); }

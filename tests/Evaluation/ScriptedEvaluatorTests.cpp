@@ -133,11 +133,11 @@ namespace
 														 "run /broken\nstatus 8\nnull result\nnull stack\nnull path\n");
 		FLodexEvaluatorBlock Block{};
 		Evaluator.Attach(Block);
-		EXPECT_FALSE(Evaluator.Serve(Block));
+		EXPECT_EQ(Evaluator.Serve(Block), 0);
 
 		std::strcpy(Block.pathText, "/a");
 		Block.command = 1;
-		ASSERT_TRUE(Evaluator.Serve(Block));
+		ASSERT_EQ(Evaluator.Serve(Block), 1);
 		EXPECT_EQ(Block.command, 0);
 		EXPECT_EQ(Block.status, 3);
 		EXPECT_STREQ(Block.resultText, "2");
@@ -145,16 +145,16 @@ namespace
 		EXPECT_EQ(Block.durationMs, 2.0);
 
 		Block.command = 1;
-		EXPECT_FALSE(Evaluator.Serve(Block)) << "the answer before is not consumed yet";
+		EXPECT_EQ(Evaluator.Serve(Block), 0) << "the answer before is not consumed yet";
 		Block.status = 0;
 		std::strcpy(Block.pathText, "/quiet");
-		ASSERT_TRUE(Evaluator.Serve(Block));
+		ASSERT_EQ(Evaluator.Serve(Block), 1);
 		EXPECT_EQ(Block.command, 0) << "taken";
 		EXPECT_EQ(Block.status, 0) << "and dropped";
 
 		std::strcpy(Block.pathText, "/broken");
 		Block.command = 1;
-		ASSERT_TRUE(Evaluator.Serve(Block));
+		ASSERT_EQ(Evaluator.Serve(Block), 1);
 		EXPECT_EQ(Block.status, 8);
 		EXPECT_EQ(Block.resultText, nullptr);
 		EXPECT_EQ(Block.stackText, nullptr);

@@ -1,8 +1,6 @@
 // Copyright Lodex contributors.
 #include "EvaluatorRunner.h"
 
-#include "LodexDebugger/Core/Evaluation/LodexBlockAccess.h"
-
 FLodexEvaluatorRunner::FLodexEvaluatorRunner(ILodexEvaluator& InEvaluator, FLodexEvaluatorBlock& InBlock)
 	: Evaluator(InEvaluator)
 	, Block(InBlock)
@@ -69,15 +67,14 @@ void FLodexEvaluatorRunner::RunLoop()
 		}
 		bServing = true;
 		Lock.unlock();
-		// What the evaluator is about to find; it is the panels' last write, as nothing else writes it.
-		const std::int32_t Pending = LodexBlock::LoadCommand(Block);
-		const bool bTook = Evaluator.Serve(Block);
+		const std::int32_t Taken = Evaluator.Serve(Block);
+		const bool bTook = Taken != 0;
 		Lock.lock();
 		bServing = false;
 		++Rounds;
 		if (bTook)
 		{
-			TakenCommands.push_back(Pending);
+			TakenCommands.push_back(Taken);
 		}
 		else
 		{

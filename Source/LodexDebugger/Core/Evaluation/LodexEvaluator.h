@@ -31,10 +31,11 @@ public:
 
 	/**
 	 * One look at the block: when a request is pending and the block is idle (`status` 0), takes it
-	 * (clears `command`, copies the path) and publishes its answer, `status` last. Returns whether it took
-	 * a request. Returns promptly: never waits for the panels.
+	 * (clears `command`, copies the path) and publishes its answer, `status` last. Returns the request code
+	 * it took (an `EEvaluatorCommand` value), 0 when it took none. Returns promptly: never waits for the
+	 * panels.
 	 */
-	virtual bool Serve(FLodexEvaluatorBlock& Block) = 0;
+	virtual std::int32_t Serve(FLodexEvaluatorBlock& Block) = 0;
 
 	/** The size of the path buffer, its terminating NUL included. */
 	virtual std::size_t GetPathCapacity() const = 0;

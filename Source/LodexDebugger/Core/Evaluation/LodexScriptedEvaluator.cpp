@@ -335,15 +335,15 @@ void FLodexScriptedEvaluator::Attach(FLodexEvaluatorBlock& Block)
 	Side.Attach(Block);
 }
 
-bool FLodexScriptedEvaluator::Serve(FLodexEvaluatorBlock& Block)
+std::int32_t FLodexScriptedEvaluator::Serve(FLodexEvaluatorBlock& Block)
 {
 	FLodexEvaluatorRequest Request;
 	if (!Side.TakeRequest(Block, Request))
 	{
-		return false;
+		return 0;
 	}
 	Side.Publish(Block, AnswerRequest(Request));
-	return true;
+	return Request.Command;
 }
 
 std::size_t FLodexScriptedEvaluator::GetPathCapacity() const

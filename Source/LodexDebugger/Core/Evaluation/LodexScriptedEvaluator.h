@@ -76,7 +76,7 @@ public:
 
 	//~ Begin ILodexEvaluator Interface
 	virtual void Attach(FLodexEvaluatorBlock& Block) override;
-	virtual bool Serve(FLodexEvaluatorBlock& Block) override;
+	virtual std::int32_t Serve(FLodexEvaluatorBlock& Block) override;
 	virtual std::size_t GetPathCapacity() const override;
 	//~ End ILodexEvaluator Interface
 
