@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "EditorModel.h"
+#include "EvaluationSession.h"
 #include "HostOutput.h"
 #include "ListSelection.h"
 #include "LodexCli.h"
@@ -200,7 +201,7 @@ namespace
 				return LodexExitFailure;
 			}
 			PrintEditorShell(Io);
-			if (!PrintRecordedSessionDemo(Scene, Io))
+			if (!PrintRecordedSessionDemo(Scene, Io) || !PrintLodexEvaluationDemo(Io.Out, Io.Err))
 			{
 				return LodexExitFailure;
 			}

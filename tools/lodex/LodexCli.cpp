@@ -18,7 +18,22 @@ namespace
 	}
 }
 
+static int RunLodexCliWithInput(
+	const std::vector<std::string>& Args, std::istream* In, bool bInteractive, std::ostream& Out, std::ostream& Err);
+
 int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::ostream& Err)
+{
+	return RunLodexCliWithInput(Args, nullptr, false, Out, Err);
+}
+
+int RunLodexCli(
+	const std::vector<std::string>& Args, std::istream& In, bool bInteractive, std::ostream& Out, std::ostream& Err)
+{
+	return RunLodexCliWithInput(Args, &In, bInteractive, Out, Err);
+}
+
+static int RunLodexCliWithInput(
+	const std::vector<std::string>& Args, std::istream* In, bool bInteractive, std::ostream& Out, std::ostream& Err)
 {
 	CLI::App App{"lodex: Lodestrings, editor menus and the module's other texts, headless", "lodex"};
 	App.require_subcommand(1);
@@ -30,6 +45,8 @@ int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::os
 	Commands.push_back(MakeDemoCommand());
 	Commands.push_back(MakeInstallCommand());
 	Commands.push_back(MakeRecordCommand());
+	Commands.push_back(MakeReplCommand());
+	Commands.push_back(MakeDebugCommand());
 	std::vector<CLI::App*> Subcommands;
 	for (const std::unique_ptr<ILodexCommand>& Command : Commands)
 	{
@@ -76,7 +93,7 @@ int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::os
 		return LodexExitUsage;
 	}
 
-	FLodexCliIo Io{Out, Err};
+	FLodexCliIo Io{Out, Err, In, bInteractive};
 	for (std::size_t Index = 0; Index < Commands.size(); ++Index)
 	{
 		if (Subcommands[Index]->parsed())

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include <istream>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -24,6 +25,10 @@ struct FLodexCliIo
 {
 	std::ostream& Out;
 	std::ostream& Err;
+	/** Standard input, for the commands that read lines from it; null reads as no input. */
+	std::istream* In = nullptr;
+	/** Whether In is a terminal (a person typing) rather than a pipe or a file. */
+	bool bInteractive = false;
 };
 
 /** One subcommand of the tool: declares its options, then runs once they are parsed. */
@@ -40,6 +45,12 @@ std::unique_ptr<ILodexCommand> MakeCopyCommand();
 std::unique_ptr<ILodexCommand> MakeDemoCommand();
 std::unique_ptr<ILodexCommand> MakeInstallCommand();
 std::unique_ptr<ILodexCommand> MakeRecordCommand();
+std::unique_ptr<ILodexCommand> MakeReplCommand();
+std::unique_ptr<ILodexCommand> MakeDebugCommand();
 
 /** Runs the tool on its arguments (without the program name); returns the exit code. */
 int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::ostream& Err);
+
+/** The same, with lines to read (`lodex repl`, `lodex debug`); bInteractive when In is a terminal. */
+int RunLodexCli(
+	const std::vector<std::string>& Args, std::istream& In, bool bInteractive, std::ostream& Out, std::ostream& Err);

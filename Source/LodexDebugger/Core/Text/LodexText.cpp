@@ -301,15 +301,22 @@ namespace LodexText
 		{
 			return Result;
 		}
-		for (; *Text != '\0'; ++Text)
+		const std::size_t Length = std::strlen(Text);
+		Result.reserve(Length);
+		const char* const End = Text + Length;
+		while (Text != End)
 		{
-			const unsigned char Byte = static_cast<unsigned char>(*Text);
-			if (Byte < 0x80)
+			// Runs of ASCII are copied whole; each byte above becomes two.
+			const char* Run = Text;
+			while (Run != End && static_cast<unsigned char>(*Run) < 0x80)
 			{
-				Result.push_back(static_cast<char>(Byte));
+				++Run;
 			}
-			else
+			Result.append(Text, static_cast<std::size_t>(Run - Text));
+			Text = Run;
+			if (Text != End)
 			{
+				const unsigned char Byte = static_cast<unsigned char>(*Text++);
 				Result.push_back(static_cast<char>(0xC0 | (Byte >> 6)));
 				Result.push_back(static_cast<char>(0x80 | (Byte & 0x3F)));
 			}

@@ -1,0 +1,313 @@
+// Copyright Lodex contributors.
+#include "EvaluatorTestHost.h"
+
+#include "EvaluatorRunner.h"
+#include "LodexDebugger/Core/Evaluation/LodexBlockAccess.h"
+#include "LodexDebugger/Core/Evaluation/LodexDebuggerPanel.h"
+#include "LodexDebugger/Core/Evaluation/LodexEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodexReplPanel.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <thread>
+
+namespace
+{
+	TEST(EvaluatorBridge, GameRunsAtTheFirstPlayInEditorOrGameWorld)
+	{
+		struct FRow
+		{
+			std::vector<std::int32_t> Types;
+			bool bRunning;
+			int Queries;
+		};
+		const FRow Rows[] = {
+			{{}, false, 0},
+			{{2}, false, 1},
+			{{2, 4, 5, 6, 7, 0}, false, 6},
+			{{3}, true, 1},
+			{{1}, true, 1},
+			{{2, 3, 1, 2}, true, 2},
+			{{2, 1, 3}, true, 2},
+			{{2, 9, -1, 3}, true, 4},
+		};
+		for (const FRow& Row : Rows)
+		{
+			FTestEvaluatorHost Host;
+			Host.WorldTypes = Row.Types;
+			EXPECT_EQ(IsLodexGameRunning(Host), Row.bRunning) << ::testing::PrintToString(Row.Types);
+			EXPECT_EQ(Host.WorldTypeQueries, Row.Queries) << ::testing::PrintToString(Row.Types);
+		}
+	}
+
+	TEST(EvaluatorBridge, PathWriteConvertsLoadsTheHostModuleAndCopiesTheNul)
+	{
+		FTestEvaluatorHost Host;
+		EXPECT_TRUE(WriteLodestringToEvaluator(Host, "/*[@name = '\xE7\x94\xA8\xE6\x88\xB7']"));
+		EXPECT_EQ(Host.WrittenPath(),
+			"/*[@name = '?"
+			"?']");
+		EXPECT_EQ(Host.PathBuffer[17], 'x') << "nothing is written after the NUL";
+		EXPECT_EQ(Host.LoadedModules, std::vector<std::string>{"UnrealCLR"});
+
+		// The pointer is read afresh for every write.
+		char Other[8] = "xxxxxxx";
+		Host.Block.pathText = Other;
+		EXPECT_TRUE(WriteLodestringToEvaluator(Host, "ab"));
+		EXPECT_EQ(std::string(Other, sizeof(Other)), std::string("ab\0xxxx\0", 8));
+
+		Host.Block.pathText = nullptr;
+		EXPECT_FALSE(WriteLodestringToEvaluator(Host, "/a"));
+		EXPECT_EQ(std::string(Other), "ab");
+	}
+
+	TEST(EvaluatorBridge, BlockTextsReadAsLatin1AndNullAsEmpty)
+	{
+		const char* Field = nullptr;
+		EXPECT_EQ(ReadEvaluatorText(Field), "");
+		Field = "T\xFCr";
+		EXPECT_EQ(ReadEvaluatorText(Field), "T\xC3\xBCr");
+	}
+
+	TEST(EvaluatorSide, TakesARequestOnlyFromAnIdleBlockAndPublishesTheStatusLast)
+	{
+		FLodexEvaluatorBlock Block{};
+		FLodexEvaluatorSide Side(16);
+		Side.Attach(Block);
+		ASSERT_NE(Block.pathText, nullptr);
+		EXPECT_STREQ(Block.contextText, "");
+		EXPECT_STREQ(Block.stackText, "");
+
+		FLodexEvaluatorRequest Request;
+		EXPECT_FALSE(Side.TakeRequest(Block, Request)) << "no command";
+		std::memcpy(Block.pathText, "/a\0", 3);
+		Block.command = 5;
+		Block.status = 8;
+		EXPECT_FALSE(Side.TakeRequest(Block, Request)) << "an answer is not yet consumed";
+		EXPECT_EQ(Block.command, 5);
+		Block.status = 0;
+		ASSERT_TRUE(Side.TakeRequest(Block, Request));
+		EXPECT_EQ(Request.Command, 5);
+		EXPECT_EQ(Request.Path, "/a");
+		EXPECT_EQ(Block.command, 0) << "the evaluator clears the command it takes";
+
+		// A path without NUL within the buffer is cut at the buffer's end.
+		std::memset(Block.pathText, 'p', 16);
+		Block.command = 1;
+		ASSERT_TRUE(Side.TakeRequest(Block, Request));
+		EXPECT_EQ(Request.Path, std::string(16, 'p'));
+
+		FLodexEvaluatorAnswer Answer;
+		Answer.Status = 3;
+		Answer.ResultText = "2";
+		Answer.ContextText = "A\r\nB";
+		Answer.DurationMs = 4.5;
+		Side.Publish(Block, Answer);
+		EXPECT_EQ(Block.status, 3);
+		EXPECT_STREQ(Block.resultText, "2");
+		EXPECT_STREQ(Block.contextText, "A\r\nB");
+		EXPECT_EQ(Block.durationMs, 4.5);
+	}
+
+	TEST(EvaluatorSide, TheTextsOfTheAnswerBeforeStayReadable)
+	{
+		FLodexEvaluatorBlock Block{};
+		FLodexEvaluatorSide Side;
+		Side.Attach(Block);
+		FLodexEvaluatorAnswer First;
+		First.Status = 8;
+		First.ContextText = "first context";
+		Side.Publish(Block, First);
+		const char* const Earlier = Block.contextText;
+		Block.status = 0;
+		FLodexEvaluatorAnswer Second;
+		Second.Status = 8;
+		Second.ContextText = "second, and longer, context";
+		Side.Publish(Block, Second);
+		EXPECT_STREQ(Earlier, "first context");
+		EXPECT_STREQ(Block.contextText, "second, and longer, context");
+	}
+
+	TEST(EvaluatorSide, NullFieldsAndStatusZero)
+	{
+		FLodexEvaluatorBlock Block{};
+		FLodexEvaluatorSide Side;
+		Side.Attach(Block);
+		FLodexEvaluatorAnswer Dropped;
+		Side.Publish(Block, Dropped);
+		EXPECT_EQ(Block.status, 0);
+		EXPECT_STREQ(Block.resultText, "");
+
+		FLodexEvaluatorAnswer Faulty;
+		Faulty.Status = 8;
+		Faulty.NullFields =
+			FLodexEvaluatorAnswer::NullContext | FLodexEvaluatorAnswer::NullStack | FLodexEvaluatorAnswer::NullPath;
+		Side.Publish(Block, Faulty);
+		EXPECT_EQ(Block.contextText, nullptr);
+		EXPECT_EQ(Block.stackText, nullptr);
+		EXPECT_EQ(Block.pathText, nullptr);
+		EXPECT_STREQ(Block.resultText, "");
+	}
+
+	/** An evaluator for the threaded tests: answers every request with texts made from its path. */
+	class FEchoEvaluator final : public ILodexEvaluator
+	{
+	public:
+		/** bAcknowledge: publish Working (2) and wait a little before the answer, as a slow evaluator does. */
+		explicit FEchoEvaluator(bool bInAcknowledge)
+			: bAcknowledge(bInAcknowledge)
+		{
+		}
+
+		void Attach(FLodexEvaluatorBlock& Block) override { Side.Attach(Block); }
+
+		std::int32_t Serve(FLodexEvaluatorBlock& Block) override
+		{
+			FLodexEvaluatorRequest Request;
+			if (!Side.TakeRequest(Block, Request))
+			{
+				return 0;
+			}
+			if (bAcknowledge)
+			{
+				FLodexEvaluatorSide::PublishStatus(Block, 2);
+				std::this_thread::sleep_for(std::chrono::microseconds(50));
+			}
+			FLodexEvaluatorAnswer Answer;
+			Answer.Status = Request.Command == 1 ? 3 : 8;
+			Answer.ResultText = Request.Command == 1 ? Request.Path : "<VELT.Highlight>" + Request.Path + "</>";
+			Answer.ContextText = Request.Path + "\r\n" + LodexText::FormatInt(Request.Command);
+			Answer.StackText = Request.Path;
+			Answer.OperationText = "op " + Request.Path;
+			Answer.DurationMs = static_cast<double>(Request.Path.size());
+			Side.Publish(Block, Answer);
+			return Request.Command;
+		}
+
+		std::size_t GetPathCapacity() const override { return Side.GetPathCapacity(); }
+
+	private:
+		bool bAcknowledge;
+		FLodexEvaluatorSide Side;
+	};
+
+	/** Ticks the focused panel until the condition holds; false after ten seconds. */
+	bool TickUntil(const std::function<void()>& Tick, const std::function<bool()>& Done)
+	{
+		const auto Deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+		while (std::chrono::steady_clock::now() < Deadline)
+		{
+			Tick();
+			if (Done())
+			{
+				return true;
+			}
+			std::this_thread::yield();
+		}
+		return false;
+	}
+
+	TEST(EvaluatorHandshake, ReplRequestsAnsweredOnAnotherThread)
+	{
+		for (const bool bAcknowledge : {false, true})
+		{
+			FTestEvaluatorHost Host;
+			FEchoEvaluator Evaluator(bAcknowledge);
+			FLodexEvaluatorRunner Runner(Evaluator, Host.Block);
+			FLodexReplPanel Panel(Host);
+			for (int Index = 2; Index < 300; ++Index)
+			{
+				const std::string Path = LodexText::FormatInt(Index);
+				ASSERT_EQ(Panel.OnPathTextCommitted(Path).Outcome, ELodexRequestOutcome::Sent);
+				ASSERT_TRUE(
+					TickUntil([&Panel] { Panel.Tick(true); }, [&Panel, &Path] { return Panel.GetCountText() == Path; }))
+					<< "request " << Index << ", count " << Panel.GetCountText();
+				EXPECT_EQ(Panel.GetStateColor(), LodexReplColors::Several);
+			}
+			EXPECT_TRUE(Runner.WaitUntilQuiet(std::chrono::seconds(10)));
+			EXPECT_EQ(Runner.TakeTakenCommands(), std::vector<std::int32_t>(298, 1));
+			EXPECT_EQ(LodexBlock::LoadStatus(Host.Block), 0);
+			EXPECT_EQ(LodexBlock::LoadCommand(Host.Block), 0);
+		}
+	}
+
+	TEST(EvaluatorHandshake, DebuggerStepsAnsweredOnAnotherThreadShowTheirOwnTexts)
+	{
+		for (const bool bAcknowledge : {false, true})
+		{
+			FTestEvaluatorHost Host;
+			FEchoEvaluator Evaluator(bAcknowledge);
+			FLodexEvaluatorRunner Runner(Evaluator, Host.Block);
+			FLodexDebuggerPanel Panel(Host);
+			for (int Index = 0; Index < 200; ++Index)
+			{
+				const std::string Path = "/step" + LodexText::FormatInt(Index);
+				Panel.OnPathTextChanged(Path);
+				const FLodexRequest Request = Index % 3 == 0 ? Panel.OnStepIntoClicked()
+					: Index % 3 == 1                         ? Panel.OnStepOverClicked()
+															 : Panel.OnRunClicked();
+				ASSERT_EQ(Request.Outcome, ELodexRequestOutcome::Sent);
+				const std::string Code = LodexText::FormatInt(static_cast<std::int32_t>(Request.Command));
+				ASSERT_TRUE(TickUntil([&Panel] { Panel.Tick(true); },
+					[&Panel, &Path, &Code] {
+						return Panel.IsIdle() && Panel.GetContextItems() == std::vector<std::string>{Path, Code};
+					}))
+					<< "request " << Index;
+				if (Request.Command == EEvaluatorCommand::Run)
+				{
+					EXPECT_EQ(Panel.GetMessageText(), Path + " objects found");
+					EXPECT_EQ(Panel.GetContextHeader(), "Context(2)");
+				}
+				else
+				{
+					EXPECT_EQ(Panel.GetPathDisplay(), "<VELT.Highlight>" + Path + "</>");
+					EXPECT_EQ(Panel.GetOperationText(), "op " + Path);
+					EXPECT_EQ(Panel.GetStackItems(), std::vector<std::string>{Path});
+					EXPECT_EQ(Panel.GetContextHeader(), "Context (2)");
+				}
+				EXPECT_EQ(Panel.GetDurationText(), "Duration:" + LodexText::FormatInt(Path.size()) + ".0 (ms)");
+			}
+		}
+	}
+
+	TEST(EvaluatorHandshake, AResultWaitsForTheFocusedPanel)
+	{
+		FTestEvaluatorHost Host;
+		FEchoEvaluator Evaluator(false);
+		FLodexEvaluatorRunner Runner(Evaluator, Host.Block);
+		FLodexDebuggerPanel Panel(Host);
+		ASSERT_EQ(Panel.OnPathTextCommitted("/a").Outcome, ELodexRequestOutcome::Sent);
+		ASSERT_TRUE(Runner.WaitUntilQuiet(std::chrono::seconds(10)));
+		EXPECT_EQ(LodexBlock::LoadStatus(Host.Block), 8);
+		for (int Tick = 0; Tick < 50; ++Tick)
+		{
+			Panel.Tick(false);
+		}
+		EXPECT_EQ(Panel.GetPathDisplay(), "");
+		EXPECT_EQ(Panel.OnPathTextCommitted("/b").Outcome, ELodexRequestOutcome::ResultPending);
+		Panel.Tick(true);
+		EXPECT_EQ(Panel.GetPathDisplay(), "<VELT.Highlight>/a</>");
+		EXPECT_EQ(Runner.TakeTakenCommands(), std::vector<std::int32_t>{4});
+	}
+
+	TEST(EvaluatorHandshake, AHeldEvaluatorTakesOnlyTheLastOfTwoRequests)
+	{
+		FTestEvaluatorHost Host;
+		FEchoEvaluator Evaluator(false);
+		FLodexEvaluatorRunner Runner(Evaluator, Host.Block);
+		FLodexDebuggerPanel Panel(Host);
+		Runner.SetHeld(true);
+		Panel.OnPathTextChanged("/first");
+		Panel.OnStepIntoClicked();
+		Panel.OnPathTextChanged("/second");
+		Panel.OnStepOverClicked();
+		Runner.SetHeld(false);
+		ASSERT_TRUE(Runner.WaitUntilQuiet(std::chrono::seconds(10)));
+		EXPECT_EQ(Runner.TakeTakenCommands(), std::vector<std::int32_t>{6});
+		Panel.Tick(true);
+		EXPECT_EQ(Panel.GetPathDisplay(), "<VELT.Highlight>/second</>");
+	}
+}

@@ -1,0 +1,376 @@
+// Copyright Lodex contributors.
+#include "LodexCli.h"
+#include "TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <sys/wait.h>
+
+namespace
+{
+	struct FSessionRun
+	{
+		int Exit = -1;
+		std::string Out;
+		std::string Err;
+	};
+
+	FSessionRun RunWithInput(const std::vector<std::string>& Args, const std::string& Input)
+	{
+		std::istringstream In(Input);
+		std::ostringstream Out;
+		std::ostringstream Err;
+		FSessionRun Run;
+		Run.Exit = RunLodexCli(Args, In, false, Out, Err);
+		Run.Out = Out.str();
+		Run.Err = Err.str();
+		return Run;
+	}
+
+	bool Contains(const std::string& Text, const std::string& Part)
+	{
+		return Text.find(Part) != std::string::npos;
+	}
+
+	int CountOf(const std::string& Text, const std::string& Part)
+	{
+		int Count = 0;
+		for (std::size_t At = Text.find(Part); At != std::string::npos; At = Text.find(Part, At + 1))
+		{
+			++Count;
+		}
+		return Count;
+	}
+
+	/** Canned answers for the edge cases of the REPL, the debugger and a faulty evaluator. */
+	const char* const EdgeAnswers = "run /abc\nresult abc\n"
+									"run /twelve\nresult 12 apples\n"
+									"run /one\nresult 1\n"
+									"run /two\nresult 2\n"
+									"run /finished\nstatus 5\nresult 0\n"
+									"run /stepped\nstatus 8\nresult <VELT.Highlight>/stepped</>\n"
+									"run /none\nresult 0\nduration 0.5\n"
+									"run /lines\ncontext A\\r\\n\\r\\nB\\r\\n\n"
+									"load /p\nresult <VELT.Highlight>/p</>\noperation root\nnode-type Step\n"
+									"context c1\nduration 12\n"
+									"step /p\nstatus 5\nresult\n"
+									"run /stuck\nstatus 1\n"
+									"run /odd\nstatus 42\n"
+									"run /nulls\nstatus 8\nnull result\nnull context\nnull stack\nnull operation\n"
+									"null node-type\n"
+									"run /nobuffer\nresult 1\nnull path\n";
+
+	class EvaluationCli : public ::testing::Test
+	{
+	protected:
+		void SetUp() override
+		{
+			ASSERT_FALSE(Dir.Path.empty());
+			Answers = Dir.Write("answers.txt", EdgeAnswers);
+		}
+		FSessionRun Repl(const std::string& Input, bool bGameRunning = true)
+		{
+			std::vector<std::string> Args{"repl", "--evaluator", Answers};
+			if (!bGameRunning)
+			{
+				Args.push_back("--game-not-running");
+			}
+			return RunWithInput(Args, Input);
+		}
+		FSessionRun Debug(const std::string& Input, bool bGameRunning = true)
+		{
+			std::vector<std::string> Args{"debug", "--evaluator", Answers};
+			if (!bGameRunning)
+			{
+				Args.push_back("--game-not-running");
+			}
+			return RunWithInput(Args, Input);
+		}
+		FTempDir Dir;
+		std::string Answers;
+	};
+
+	TEST_F(EvaluationCli, ReplTranscript)
+	{
+		const FSessionRun Run = Repl("/two\n\n/finished\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(Run.Out,
+			"> /two\n"
+			"  request: Run (1)\n"
+			"  evaluator took: Run (1)\n"
+			"  poll: Evaluated (3)\n"
+			"  Lode String: /two\n"
+			"  count: 2\n"
+			"  StateColor (235, 164, 52, 0), HasError false, IsReady true\n"
+			"> \n"
+			"  no request: the path is empty (cleared)\n"
+			"  Lode String: \n"
+			"  count: \n"
+			"  StateColor (1, 1, 1, 1), HasError false, IsReady true\n"
+			"> /finished\n"
+			"  request: Run (1)\n"
+			"  evaluator took: Run (1)\n"
+			"  poll: Finished (5)\n"
+			"  Lode String: /finished\n"
+			"  count: 0\n"
+			"  StateColor (200, 0, 0, 1), HasError true, IsReady true\n");
+	}
+
+	TEST_F(EvaluationCli, ReplCountsAndColours)
+	{
+		struct FRow
+		{
+			const char* Path;
+			const char* Shown;
+		};
+		const FRow Rows[] = {
+			{"/abc", "  count: 0\n  StateColor (0, 0, 0, 0), HasError false"},
+			{"/twelve", "  count: 12\n  StateColor (235, 164, 52, 0), HasError false"},
+			{"/one", "  count: 1\n  StateColor (0, 0, 0, 0), HasError false"},
+			{"/stepped", "  poll: Stepped (8)\n  Lode String: /stepped\n  count: 0\n"},
+			{"/missing",
+				"  poll: Failed (9)\n  Lode String: /missing\n  count: 0\n  StateColor (1, 0, 0, 1), HasError "
+				"true"},
+		};
+		for (const FRow& Row : Rows)
+		{
+			const FSessionRun Run = Repl(std::string(Row.Path) + "\n");
+			EXPECT_EQ(Run.Exit, 0) << Run.Err;
+			EXPECT_TRUE(Contains(Run.Out, Row.Shown)) << Run.Out;
+		}
+	}
+
+	TEST_F(EvaluationCli, ReplSamePathTwiceWhileTheEvaluatorIsHeld)
+	{
+		const FSessionRun Run = Repl(":hold\n/one\n/one\n:release\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(CountOf(Run.Out, "  request: Run (1)\n"), 2);
+		EXPECT_EQ(CountOf(Run.Out, "  evaluator took: Run (1)\n"), 1) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "> :release\n  evaluator took: Run (1)\n  poll: Evaluated (3)\n")) << Run.Out;
+	}
+
+	TEST_F(EvaluationCli, ReplWithTheGameNotRunning)
+	{
+		const FSessionRun Run = Repl("/one\n", false);
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out,
+			"> /one\n"
+			"  no request: the game is not running\n"
+			"  Lode String: /one\n"
+			"  count: \n"
+			"  StateColor (1, 0, 0, 1), HasError true, IsReady true\n");
+	}
+
+	TEST_F(EvaluationCli, DebuggerRunsAndSteps)
+	{
+		const FSessionRun Run = Debug("/p\ninto\n/lines\nrun\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		// Enter loads the path: its answer shows the first step.
+		EXPECT_TRUE(Contains(Run.Out,
+			"> /p\n"
+			"  request: Load (4)\n"
+			"  evaluator took: Load (4)\n"
+			"  poll: Stepped (8)\n"
+			"  Lode String: /p\n"
+			"  Path Evaluation: <VELT.Highlight>/p</>\n"
+			"  highlighted: <VELT.Highlight>/p</>\n"
+			"  error icon off, message: \n"
+			"  buttons enabled\n"
+			"  Operation: root\n"
+			"  Node Type: Step\n"
+			"  Stack (0)\n"
+			"  Context (1)\n"
+			"    c1\n"
+			"  Duration:12.0 (ms)\n"
+			"  StateColor (1, 1, 1, 1)\n"))
+			<< Run.Out;
+		// Finished with an empty message: the icon off, the lists as they were.
+		EXPECT_TRUE(Contains(Run.Out,
+			"> into\n"
+			"  request: StepInto (5)\n"
+			"  evaluator took: StepInto (5)\n"
+			"  poll: Finished (5)\n"
+			"  Lode String: /p\n"
+			"  Path Evaluation: /p\n"
+			"  error icon off, message: \n"
+			"  buttons enabled\n"
+			"  Operation: \n"
+			"  Node Type: \n"
+			"  Stack (0)\n"
+			"  Context (1)\n"
+			"    c1\n"))
+			<< Run.Out;
+		// Enter on /lines loads it (no answer: Failed), then Run of it: a line, an empty line, a line and a trailing
+		// separator give two items.
+		EXPECT_TRUE(Contains(Run.Out,
+			"message: 2 objects found\n"
+			"  buttons enabled\n"
+			"  Operation: \n"
+			"  Node Type: \n"
+			"  Stack\n"
+			"  Context(2)\n"
+			"    A\n"
+			"    B\n"
+			"  Duration:0.0 (ms)\n"))
+			<< Run.Out;
+	}
+
+	TEST_F(EvaluationCli, DebuggerRunOfNothing)
+	{
+		const FSessionRun Run = Debug("type /none\nrun\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_TRUE(Contains(Run.Out, "message: 0 objects found\n")) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "  Stack\n  Context(0)\n  Duration:0.5 (ms)\n")) << Run.Out;
+		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 1) << "typing sends nothing";
+	}
+
+	TEST_F(EvaluationCli, DebuggerEmptyEnterResetsWithoutARequest)
+	{
+		const FSessionRun Run = Debug("/p\n\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_TRUE(Contains(Run.Out,
+			"> \n"
+			"  no request: the path is empty (reset)\n"
+			"  Lode String: \n"
+			"  Path Evaluation: \n"
+			"  error icon off, message: \n"
+			"  buttons enabled\n"
+			"  Operation: \n"
+			"  Node Type: \n"
+			"  Stack\n"
+			"  Context\n"
+			"  Duration:12.0 (ms)\n"))
+			<< Run.Out;
+		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 1);
+	}
+
+	TEST_F(EvaluationCli, DebuggerResultWaitsWhileUnfocusedAndACommitMeanwhileSendsNothing)
+	{
+		const FSessionRun Run = Debug(":blur\n/p\ninto\n/p\n:focus\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		// The commit does not disable the buttons: Step Into is sent, and lost when the focused panel consumes
+		// the Load's answer (consuming clears the command).
+		EXPECT_TRUE(Contains(Run.Out, "> into\n  request: StepInto (5)\n  Lode String: /p\n")) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "> /p\n  no request: a result waits in the block (Stepped (8))\n")) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out,
+			"> :focus\n  poll: Stepped (8)\n  Lode String: /p\n  Path Evaluation: "
+			"<VELT.Highlight>/p</>\n"))
+			<< Run.Out;
+		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 1);
+	}
+
+	TEST_F(EvaluationCli, DebuggerStepIntoTwiceWhileHeld)
+	{
+		const FSessionRun Run = Debug("/p\n:hold\ninto\ninto\n:release\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(CountOf(Run.Out, "  request: StepInto (5)\n"), 2) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "> :release\n  evaluator took: StepInto (5)\n  poll: Finished (5)\n")) << Run.Out;
+		EXPECT_EQ(CountOf(Run.Out, "evaluator took: StepInto"), 1);
+	}
+
+	TEST_F(EvaluationCli, DebuggerWithTheGameNotRunning)
+	{
+		const FSessionRun Run = Debug("run\n/p\n", false);
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_TRUE(Contains(Run.Out,
+			"> run\n  no request: the game is not running\n  Lode String: \n  Path "
+			"Evaluation: \n  error icon off, message: Start the game in the editor to run "
+			"Lodex\n"))
+			<< Run.Out;
+		EXPECT_TRUE(Contains(Run.Out,
+			"> /p\n  no request: the game is not running\n  Lode String: /p\n  Path "
+			"Evaluation: \n  error icon on, message: Start the game in the editor to run "
+			"Lodex\n"))
+			<< Run.Out;
+		EXPECT_EQ(CountOf(Run.Out, "StateColor (1, 0, 0, 1)"), 2);
+	}
+
+	TEST_F(EvaluationCli, FaultyEvaluatorsNeverBreakThePanels)
+	{
+		const FSessionRun Stuck = Debug("type /stuck\nrun\ninto\n:focus\n");
+		EXPECT_EQ(Stuck.Exit, 0) << Stuck.Err;
+		EXPECT_TRUE(Contains(Stuck.Out, "  poll: Accepted (1)\n")) << Stuck.Out;
+		EXPECT_TRUE(Contains(Stuck.Out, "> into\n  \"Step Into\" is disabled")) << Stuck.Out;
+		EXPECT_EQ(CountOf(Stuck.Out, "  buttons disabled\n"), 3) << Stuck.Out;
+
+		const FSessionRun Odd = Repl("/odd\n/one\n");
+		EXPECT_TRUE(Contains(Odd.Out, "  poll: unknown status 42, left alone\n")) << Odd.Out;
+		EXPECT_TRUE(Contains(Odd.Out, "> /one\n  request: Run (1)\n  poll: unknown status 42")) << "never taken";
+
+		const FSessionRun Nulls = Debug("type /nulls\nrun\n");
+		EXPECT_TRUE(Contains(Nulls.Out, "  poll: Stepped (8)\n  Lode String: /nulls\n  Path Evaluation: \n"))
+			<< Nulls.Out;
+		EXPECT_TRUE(Contains(Nulls.Out, "  Stack (0)\n  Context (0)\n")) << Nulls.Out;
+
+		const FSessionRun NoBuffer = Debug("type /nobuffer\nrun\nrun\n");
+		EXPECT_TRUE(Contains(NoBuffer.Out,
+			"> run\n  no request: the evaluator gives no path buffer\n  Lode String: "
+			"/nobuffer\n  Path Evaluation: \n  error icon on, message: The Lodex "
+			"evaluator is not available\n  buttons enabled\n"))
+			<< NoBuffer.Out;
+	}
+
+	TEST_F(EvaluationCli, BadAnswerFilesAndUsage)
+	{
+		const std::string Broken = Dir.Write("broken.txt", "run /a\nstatus x\n");
+		const FSessionRun Bad = RunWithInput({"debug", "--evaluator", Broken}, "/a\n");
+		EXPECT_EQ(Bad.Exit, 1);
+		EXPECT_EQ(Bad.Out, "");
+		EXPECT_EQ(Bad.Err, "lodex: " + Broken + ":2: 'status' needs a whole number, not 'x'\n");
+
+		const FSessionRun Absent = RunWithInput({"repl", "--evaluator", Dir.File("absent.txt")}, "");
+		EXPECT_EQ(Absent.Exit, 1);
+		EXPECT_EQ(Absent.Err, "lodex: " + Dir.File("absent.txt") + ": cannot open the file\n");
+
+		const FSessionRun Usage = RunWithInput({"repl"}, "");
+		EXPECT_EQ(Usage.Exit, 2);
+		EXPECT_TRUE(Contains(Usage.Err, "Usage:")) << Usage.Err;
+		EXPECT_TRUE(Contains(Usage.Err, "--evaluator")) << Usage.Err;
+	}
+
+	TEST_F(EvaluationCli, DirectivesAndHelp)
+	{
+		const FSessionRun Run = Repl(":help\n:nonsense\n");
+		EXPECT_EQ(Run.Exit, 0);
+		EXPECT_TRUE(Contains(Run.Out, ":hold     the evaluator takes no request until :release\n")) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "  unknown directive ':nonsense'; known: :focus :blur :hold :release :help\n"));
+	}
+
+	/** The built tool, reading a real pipe. */
+	FSessionRun RunBinaryPiped(const std::string& Input, const std::string& Arguments)
+	{
+		FTempDir Dir;
+		const std::string InputFile = Dir.Write("in", Input);
+		const std::string Command = "cat '" + InputFile + "' | '" LODEX_BINARY "' " + Arguments + " >'" +
+			Dir.File("out") + "' 2>'" + Dir.File("err") + "'";
+		FSessionRun Run;
+		const int Status = std::system(Command.c_str());
+		Run.Exit = WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
+		Run.Out = FTempDir::Read(Dir.File("out"));
+		Run.Err = FTempDir::Read(Dir.File("err"));
+		return Run;
+	}
+
+	TEST(EvaluationBinary, DebugFromAPipeWithTheSampleAnswers)
+	{
+		const FSessionRun Run = RunBinaryPiped("/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\ninto\n",
+			std::string("debug --evaluator '") + LODEX_SOURCE_DIR + "/samples/evaluator-answers.txt'");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_TRUE(Contains(Run.Out, "  highlighted: <VELT.Highlight>/*[@name = 'Door']</>\n")) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "  Stack (2)\n")) << Run.Out;
+	}
+
+	TEST(EvaluationBinary, DemoShowsBothPanels)
+	{
+		const FSessionRun Run = RunBinaryPiped("", "demo");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_TRUE(Contains(Run.Out,
+			"> /*[@name = 'T\xC3\xBCr']\n  request: Run (1)\n  evaluator took: Run (1)\n  "
+			"poll: Evaluated (3)\n"))
+			<< Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "message: 1 objects found\n")) << Run.Out;
+	}
+}
