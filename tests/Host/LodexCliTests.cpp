@@ -145,7 +145,7 @@ namespace
 			std::string Usage;
 		} Rows[] = {
 			{{}, "lodex: A subcommand is required", "Usage: lodex [OPTIONS] SUBCOMMAND"},
-			{{"frobnicate", "door"}, "lodex: unknown command 'frobnicate' (the commands are path, copy, demo, install, record)",
+			{{"frobnicate", "door"}, "lodex: unknown command 'frobnicate' (the commands are path, copy, demo, install, record, repl, debug)",
 				"Usage: lodex [OPTIONS] SUBCOMMAND"},
 			{{"path", "door"}, "lodex: --scene is required", "Usage: lodex path [OPTIONS] objects..."},
 			{{"path", "--scene", ScenePath}, "lodex: objects is required", "Usage: lodex path [OPTIONS] objects..."},

@@ -156,7 +156,7 @@ namespace
 		EXPECT_NE(Run.Err.find("--input"), std::string::npos) << Run.Err;
 	}
 
-	TEST(LodexRecord, TheDemoEndsWithTheRecordedSampleSessionAndItsScript)
+	TEST(LodexRecord, TheDemoShowsTheRecordedSampleSessionAndItsScript)
 	{
 		const FRecordRun Run = RunLodexRecord({"demo"});
 		ASSERT_EQ(Run.Exit, 0) << Run.Err;
@@ -164,6 +164,9 @@ namespace
 												 "136 events from frame 1000 to 1450 on the host \"rig-3\"");
 		ASSERT_NE(Section, std::string::npos) << Run.Out;
 		std::string Expected = FTempDir::Read(SourceDir + "/tests/fixtures/recorder/session.txt");
-		EXPECT_EQ(Run.Out.substr(Run.Out.size() - Expected.size()), Expected) << "one script line a line, at the end";
+		const std::string Lead = "one line a line (`lodex record` prints it with \"\\r\\n\" between lines):\n\n";
+		const std::size_t Script = Run.Out.find(Lead, Section);
+		ASSERT_NE(Script, std::string::npos) << Run.Out;
+		EXPECT_EQ(Run.Out.substr(Script + Lead.size(), Expected.size()), Expected) << "one script line a line";
 	}
 }
