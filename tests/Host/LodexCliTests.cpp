@@ -116,8 +116,9 @@ namespace
 		const FRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "a"});
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : //A \n");
-		EXPECT_EQ(CountLines(Run.Err), 1) << Run.Err;
+		EXPECT_EQ(CountLines(Run.Err), 2) << Run.Err; // the clipboard's failure, then the match count
 		EXPECT_NE(Run.Err.find(Clipboard), std::string::npos) << Run.Err;
+		EXPECT_NE(Run.Err.find("//A matches 1 object\n"), std::string::npos) << Run.Err;
 	}
 
 	TEST_F(LodexCli, UsageErrorsPrintTheUsageAndExitTwo)
@@ -219,7 +220,8 @@ namespace
 		EXPECT_EQ(Run.Out,
 			"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = 'Lamp_2'] "
 			"\n");
-		EXPECT_EQ(CountLines(Run.Err), 1) << Run.Err;
+		EXPECT_EQ(CountLines(Run.Err), 3) << Run.Err; // the notice, then one match count a Lodestring
 		EXPECT_NE(Run.Err.find("--clipboard"), std::string::npos) << Run.Err;
+		EXPECT_NE(Run.Err.find("/*[@name = 'Lamp_2'] matches 1 object\n"), std::string::npos) << Run.Err;
 	}
 }

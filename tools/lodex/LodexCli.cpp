@@ -29,6 +29,7 @@ int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::os
 	Commands.push_back(MakeCopyCommand());
 	Commands.push_back(MakeDemoCommand());
 	Commands.push_back(MakeInstallCommand());
+	Commands.push_back(MakeLintCommand());
 	std::vector<CLI::App*> Subcommands;
 	for (const std::unique_ptr<ILodexCommand>& Command : Commands)
 	{

@@ -39,6 +39,7 @@ std::unique_ptr<ILodexCommand> MakePathCommand();
 std::unique_ptr<ILodexCommand> MakeCopyCommand();
 std::unique_ptr<ILodexCommand> MakeDemoCommand();
 std::unique_ptr<ILodexCommand> MakeInstallCommand();
+std::unique_ptr<ILodexCommand> MakeLintCommand();
 
 /** Runs the tool on its arguments (without the program name); returns the exit code. */
 int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::ostream& Err);
