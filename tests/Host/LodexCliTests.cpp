@@ -205,6 +205,11 @@ namespace
 				 "Clipboard: /*[@name = 'Lamp_2']\n",
 				 "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')  //Door/fn:component('Hinge')",
 				 "/*[@name = 'Tür']",
+				 "/*[@tag = 'light' or @tag = 'shop'] matches 2 objects: not unique\n  /*[@name = 'Lamp_2']\n  /*[@name = "
+				 "'Bob's Sign']\n",
+				 "\n[10] /*[@name = 'House']/*[@name = 'Door']<VELT.Highlight>/fn:component('Hinge')</>\n    Operation: "
+				 "Components named 'Hinge' of 1 object: 1 found\n",
+				 "Step Over from the start stops at 1, 5, 9, 10, 11;",
 			 })
 		{
 			EXPECT_NE(Run.Out.find(Expected), std::string::npos) << Expected;
