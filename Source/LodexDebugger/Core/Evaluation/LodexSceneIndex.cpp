@@ -39,21 +39,6 @@ namespace LodexSceneIndexPrivate
 			}
 		}
 	}
-
-	/** Interns texts: the id of each distinct text, the texts kept where the views can see them. */
-	std::uint32_t InternText(std::string&& Text, std::deque<std::string>& Texts,
-		std::unordered_map<std::string_view, std::uint32_t>& IdOfText)
-	{
-		const auto Found = IdOfText.find(std::string_view(Text));
-		if (Found != IdOfText.end())
-		{
-			return Found->second;
-		}
-		const std::uint32_t Id = static_cast<std::uint32_t>(Texts.size());
-		Texts.push_back(std::move(Text));
-		IdOfText.emplace(std::string_view(Texts.back()), Id);
-		return Id;
-	}
 }
 
 void FLodexSceneIndex::FPointerTable::Reserve(std::size_t InCount)
@@ -63,26 +48,24 @@ void FLodexSceneIndex::FPointerTable::Reserve(std::size_t InCount)
 	{
 		Capacity *= 2;
 	}
-	if (Capacity <= Keys.size())
+	if (Capacity <= Slots.size())
 	{
 		return;
 	}
-	std::vector<const void*> OldKeys = std::move(Keys);
-	std::vector<std::uint32_t> OldValues = std::move(Values);
-	Keys.assign(Capacity, nullptr);
-	Values.assign(Capacity, None);
+	std::vector<FSlot> Old = std::move(Slots);
+	Slots.assign(Capacity, FSlot());
 	Mask = Capacity - 1;
 	Count = 0;
-	for (std::size_t Slot = 0; Slot < OldKeys.size(); ++Slot)
+	for (const FSlot& Slot : Old)
 	{
-		if (OldKeys[Slot] != nullptr)
+		if (Slot.Key != nullptr)
 		{
-			Insert(OldKeys[Slot], OldValues[Slot]);
+			Insert(Slot.Key, Slot.Value);
 		}
 	}
 }
 
-std::size_t FLodexSceneIndex::FPointerTable::Slot(const void* Key) const
+std::size_t FLodexSceneIndex::FPointerTable::SlotOf(const void* Key) const
 {
 	std::uint64_t Hash = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(Key));
 	Hash ^= Hash >> 33;
@@ -91,24 +74,19 @@ std::size_t FLodexSceneIndex::FPointerTable::Slot(const void* Key) const
 	return static_cast<std::size_t>(Hash) & Mask;
 }
 
-void FLodexSceneIndex::FPointerTable::Grow()
-{
-	Reserve(Keys.empty() ? 8 : Keys.size());
-}
-
 std::uint32_t FLodexSceneIndex::FPointerTable::Find(const void* Key) const
 {
-	if (Keys.empty() || Key == nullptr)
+	if (Slots.empty() || Key == nullptr)
 	{
 		return None;
 	}
-	for (std::size_t Index = Slot(Key);; Index = (Index + 1) & Mask)
+	for (std::size_t Index = SlotOf(Key);; Index = (Index + 1) & Mask)
 	{
-		if (Keys[Index] == Key)
+		if (Slots[Index].Key == Key)
 		{
-			return Values[Index];
+			return Slots[Index].Value;
 		}
-		if (Keys[Index] == nullptr)
+		if (Slots[Index].Key == nullptr)
 		{
 			return None;
 		}
@@ -117,36 +95,110 @@ std::uint32_t FLodexSceneIndex::FPointerTable::Find(const void* Key) const
 
 std::uint32_t FLodexSceneIndex::FPointerTable::Insert(const void* Key, std::uint32_t Value)
 {
-	if ((Count + 1) * 2 > Keys.size())
+	if ((Count + 1) * 2 > Slots.size())
 	{
-		Grow();
+		Reserve(Slots.empty() ? 8 : Slots.size());
 	}
-	for (std::size_t Index = Slot(Key);; Index = (Index + 1) & Mask)
+	for (std::size_t Index = SlotOf(Key);; Index = (Index + 1) & Mask)
 	{
-		if (Keys[Index] == Key)
+		if (Slots[Index].Key == Key)
 		{
-			return Values[Index];
+			return Slots[Index].Value;
 		}
-		if (Keys[Index] == nullptr)
+		if (Slots[Index].Key == nullptr)
 		{
-			Keys[Index] = Key;
-			Values[Index] = Value;
+			Slots[Index] = {Key, Value};
 			++Count;
 			return Value;
 		}
 	}
 }
 
-void FLodexSceneIndex::FPointerTable::Assign(const void* Key, std::uint32_t Value)
+std::uint64_t FLodexSceneIndex::FTextTable::HashOf(std::string_view Text)
 {
-	for (std::size_t Index = Slot(Key);; Index = (Index + 1) & Mask)
+	std::uint64_t Hash = 0xcbf29ce484222325ULL;
+	for (const char Char : Text)
 	{
-		if (Keys[Index] == Key || Keys[Index] == nullptr)
+		Hash = (Hash ^ static_cast<unsigned char>(Char)) * 0x100000001b3ULL;
+	}
+	Hash ^= Hash >> 29;
+	Hash *= 0xbf58476d1ce4e5b9ULL;
+	return Hash ^ (Hash >> 32);
+}
+
+void FLodexSceneIndex::FTextTable::Reserve(std::size_t InCount)
+{
+	std::size_t Capacity = 16;
+	while (Capacity < InCount * 2)
+	{
+		Capacity *= 2;
+	}
+	if (Capacity <= Slots.size())
+	{
+		return;
+	}
+	Slots.assign(Capacity, FSlot());
+	Mask = Capacity - 1;
+	for (std::uint32_t Id = 0; Id < Texts.size(); ++Id)
+	{
+		const std::uint64_t Hash = HashOf(Texts[Id]);
+		std::size_t Index = static_cast<std::size_t>(Hash) & Mask;
+		while (Slots[Index].Id != None)
 		{
-			Count += Keys[Index] == nullptr ? 1 : 0;
-			Keys[Index] = Key;
-			Values[Index] = Value;
-			return;
+			Index = (Index + 1) & Mask;
+		}
+		Slots[Index] = {Id, static_cast<std::uint32_t>(Hash >> 32)};
+	}
+}
+
+void FLodexSceneIndex::FTextTable::Grow()
+{
+	Reserve(Slots.empty() ? 8 : Slots.size());
+}
+
+std::uint32_t FLodexSceneIndex::FTextTable::Intern(std::string&& Text)
+{
+	if ((Texts.size() + 1) * 2 > Slots.size())
+	{
+		Grow();
+	}
+	const std::uint64_t Hash = HashOf(Text);
+	const std::uint32_t Check = static_cast<std::uint32_t>(Hash >> 32);
+	for (std::size_t Index = static_cast<std::size_t>(Hash) & Mask;; Index = (Index + 1) & Mask)
+	{
+		const FSlot& Slot = Slots[Index];
+		if (Slot.Id == None)
+		{
+			const std::uint32_t Id = static_cast<std::uint32_t>(Texts.size());
+			Texts.push_back(std::move(Text));
+			Slots[Index] = {Id, Check};
+			return Id;
+		}
+		if (Slot.Hash == Check && Texts[Slot.Id] == Text)
+		{
+			return Slot.Id;
+		}
+	}
+}
+
+std::uint32_t FLodexSceneIndex::FTextTable::Find(std::string_view Text) const
+{
+	if (Slots.empty())
+	{
+		return None;
+	}
+	const std::uint64_t Hash = HashOf(Text);
+	const std::uint32_t Check = static_cast<std::uint32_t>(Hash >> 32);
+	for (std::size_t Index = static_cast<std::size_t>(Hash) & Mask;; Index = (Index + 1) & Mask)
+	{
+		const FSlot& Slot = Slots[Index];
+		if (Slot.Id == None)
+		{
+			return None;
+		}
+		if (Slot.Hash == Check && std::string_view(Texts[Slot.Id]) == Text)
+		{
+			return Slot.Id;
 		}
 	}
 }
@@ -159,7 +211,7 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 	// 1. The objects that take a step, in the scene's order; objects reached only by a walk come after.
 	std::vector<FLodexObject> Listed;
 	SceneObjects.GetAllObjects(Listed);
-	IndexOfObject.Reserve(Listed.size());
+	ListedIndexOfObject.Reserve(Listed.size());
 
 	std::vector<FLodexObject> RawObjects;
 	std::vector<std::uint8_t> RawIsNode;
@@ -168,7 +220,7 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 	auto AddRaw = [&](FLodexObject Object, ELodexObjectKind Kind)
 	{
 		const std::uint32_t Index = static_cast<std::uint32_t>(RawObjects.size());
-		if (IndexOfObject.Insert(Object.Ptr, Index) != Index)
+		if (ListedIndexOfObject.Insert(Object.Ptr, Index) != Index)
 		{
 			return;
 		}
@@ -197,7 +249,7 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 	RawParents.reserve(RawObjects.size());
 	RawNameIds.reserve(RawObjects.size());
 	RawTagOffsets.reserve(RawObjects.size() + 1);
-	NameIdOfText.reserve(RawObjects.size());
+	NameTexts.Reserve(RawObjects.size());
 	std::vector<std::string> TagTextsOfObject;
 	for (std::size_t Raw = 0; Raw < RawObjects.size(); ++Raw)
 	{
@@ -212,7 +264,7 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 		std::size_t Lambda = 0;
 		while (Current)
 		{
-			const std::uint32_t Known = IndexOfObject.Find(Current.Ptr);
+			const std::uint32_t Known = ListedIndexOfObject.Find(Current.Ptr);
 			if (Known != NoIndex)
 			{
 				Parent = Known;
@@ -238,7 +290,7 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 			}
 		}
 		RawParents.push_back(Parent);
-		RawNameIds.push_back(InternText(InGraph.GetName(Object), NameTexts, NameIdOfText));
+		RawNameIds.push_back(NameTexts.Intern(InGraph.GetName(Object)));
 
 		if (RawIsNode[Raw] != 0)
 		{
@@ -248,7 +300,7 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 				const std::size_t First = RawTags.size();
 				for (std::string& Tag : TagTextsOfObject)
 				{
-					const std::uint32_t TagId = InternText(std::move(Tag), TagTexts, TagIdOfText);
+					const std::uint32_t TagId = TagTexts.Intern(std::move(Tag));
 					if (std::find(RawTags.begin() + static_cast<std::ptrdiff_t>(First), RawTags.end(), TagId) ==
 						RawTags.end())
 					{
@@ -341,6 +393,7 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 	}
 
 	// 5. Everything again in document order.
+	DocumentIndexOfListed = PreOf;
 	Objects.resize(Count);
 	bIsNode.resize(Count);
 	Parents.resize(Count);
@@ -360,7 +413,6 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 		NameIds[Pre] = RawNameIds[Raw];
 		Tags.insert(Tags.end(), RawTags.begin() + RawTagOffsets[Raw], RawTags.begin() + RawTagOffsets[Raw + 1]);
 		TagOffsets[Pre + 1] = static_cast<std::uint32_t>(Tags.size());
-		IndexOfObject.Assign(Objects[Pre].Ptr, Pre);
 	}
 
 	GroupItemsByKey(CycleCount, Cycles, CycleOffsets, CycleMembers);
@@ -434,7 +486,8 @@ FLodexIndexRange FLodexSceneIndex::MakeRange(
 
 std::uint32_t FLodexSceneIndex::FindIndex(FLodexObject Object) const
 {
-	return IndexOfObject.Find(Object.Ptr);
+	const std::uint32_t Listed = ListedIndexOfObject.Find(Object.Ptr);
+	return Listed == None ? None : DocumentIndexOfListed[Listed];
 }
 
 FLodexIndexRange FLodexSceneIndex::GetCycleMembers(std::uint32_t Cycle) const
@@ -459,14 +512,12 @@ FLodexIndexRange FLodexSceneIndex::GetTagIds(std::uint32_t Index) const
 
 std::uint32_t FLodexSceneIndex::FindNameId(std::string_view Name) const
 {
-	const auto Found = NameIdOfText.find(Name);
-	return Found == NameIdOfText.end() ? None : Found->second;
+	return NameTexts.Find(Name);
 }
 
 std::uint32_t FLodexSceneIndex::FindTagId(std::string_view Tag) const
 {
-	const auto Found = TagIdOfText.find(Tag);
-	return Found == TagIdOfText.end() ? None : Found->second;
+	return TagTexts.Find(Tag);
 }
 
 FLodexIndexRange FLodexSceneIndex::GetNodesNamed(std::uint32_t NameId) const

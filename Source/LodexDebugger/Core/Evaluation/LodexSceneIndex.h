@@ -8,7 +8,6 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 /**
@@ -96,17 +95,17 @@ public:
 	FLodexIndexRange GetComponentRoots() const { return MakeRange(ComponentRoots); }
 
 	std::uint32_t GetNameId(std::uint32_t Index) const { return NameIds[Index]; }
-	const std::string& GetName(std::uint32_t Index) const { return NameTexts[NameIds[Index]]; }
+	const std::string& GetName(std::uint32_t Index) const { return NameTexts.Get(NameIds[Index]); }
 	/** The object's tag ids, each once. */
 	FLodexIndexRange GetTagIds(std::uint32_t Index) const;
 
 	/** Name and tag ids, or None when no object has that exact text. */
 	std::uint32_t FindNameId(std::string_view Name) const;
 	std::uint32_t FindTagId(std::string_view Tag) const;
-	std::uint32_t NumNames() const { return static_cast<std::uint32_t>(NameTexts.size()); }
-	std::uint32_t NumTags() const { return static_cast<std::uint32_t>(TagTexts.size()); }
-	const std::string& GetNameText(std::uint32_t NameId) const { return NameTexts[NameId]; }
-	const std::string& GetTagText(std::uint32_t TagId) const { return TagTexts[TagId]; }
+	std::uint32_t NumNames() const { return NameTexts.Num(); }
+	std::uint32_t NumTags() const { return TagTexts.Num(); }
+	const std::string& GetNameText(std::uint32_t NameId) const { return NameTexts.Get(NameId); }
+	const std::string& GetTagText(std::uint32_t TagId) const { return TagTexts.Get(TagId); }
 
 	FLodexIndexRange GetNodesNamed(std::uint32_t NameId) const;
 	FLodexIndexRange GetComponentsNamed(std::uint32_t NameId) const;
@@ -125,16 +124,45 @@ private:
 		std::uint32_t Find(const void* Key) const;
 		/** Stores the value unless the key is present; returns the value stored for the key. */
 		std::uint32_t Insert(const void* Key, std::uint32_t Value);
-		void Assign(const void* Key, std::uint32_t Value);
 
 	private:
-		std::size_t Slot(const void* Key) const;
-		void Grow();
+		struct FSlot
+		{
+			const void* Key = nullptr;
+			std::uint32_t Value = None;
+		};
+		std::size_t SlotOf(const void* Key) const;
 
-		std::vector<const void*> Keys;
-		std::vector<std::uint32_t> Values;
+		std::vector<FSlot> Slots;
 		std::size_t Count = 0;
 		std::size_t Mask = 0;
+	};
+
+	/** Distinct texts and their ids, open addressing over the texts' hashes. */
+	class FTextTable
+	{
+	public:
+		void Reserve(std::size_t Count);
+		/** The id of the text, added when new. */
+		std::uint32_t Intern(std::string&& Text);
+		/** The id of the text, or None. */
+		std::uint32_t Find(std::string_view Text) const;
+		std::uint32_t Num() const { return static_cast<std::uint32_t>(Texts.size()); }
+		const std::string& Get(std::uint32_t Id) const { return Texts[Id]; }
+
+	private:
+		struct FSlot
+		{
+			std::uint32_t Id = None;
+			std::uint32_t Hash = 0;
+		};
+		static std::uint64_t HashOf(std::string_view Text);
+		void Grow();
+
+		std::vector<FSlot> Slots;
+		std::size_t Mask = 0;
+		/** A deque, so that texts never move. */
+		std::deque<std::string> Texts;
 	};
 
 	static FLodexIndexRange MakeRange(const std::vector<std::uint32_t>& Items);
@@ -142,7 +170,9 @@ private:
 		const std::vector<std::uint32_t>& Offsets, const std::vector<std::uint32_t>& Items, std::uint32_t Key);
 
 	const ILodexObjectGraph* Graph;
-	FPointerTable IndexOfObject;
+	/** Object pointer to its index in the scene's listing, and that index to document order. */
+	FPointerTable ListedIndexOfObject;
+	std::vector<std::uint32_t> DocumentIndexOfListed;
 
 	std::vector<FLodexObject> Objects;
 	std::vector<std::uint8_t> bIsNode;
@@ -163,11 +193,8 @@ private:
 	std::vector<std::uint32_t> TagOffsets;
 	std::vector<std::uint32_t> Tags;
 
-	/** Texts live in deques so that the views the maps hold stay valid. */
-	std::deque<std::string> NameTexts;
-	std::deque<std::string> TagTexts;
-	std::unordered_map<std::string_view, std::uint32_t> NameIdOfText;
-	std::unordered_map<std::string_view, std::uint32_t> TagIdOfText;
+	FTextTable NameTexts;
+	FTextTable TagTexts;
 
 	std::vector<std::uint32_t> NodesByNameOffsets;
 	std::vector<std::uint32_t> NodesByName;
