@@ -7,6 +7,9 @@
 #include "Framework/Commands/UICommandInfo.h"
 #include "HAL/PlatformApplicationMisc.h"
 #include "LodexInterop.h"
+#include "LodexWorldEvaluation.h"
+
+#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
 
 FLodexEditorActorSelection::FLodexEditorActorSelection()
 	: Selection(GEditor ? GEditor->GetSelectedActors() : nullptr)
@@ -64,7 +67,10 @@ namespace LodexEditor
 		const FLodexUObjectGraph Graph;
 		const FLodexEditorActorSelection Selection;
 		FLodexEditorOutput Output;
-		::PrintSelectedActorLodestrings(Graph, Selection, Output, LodexInterop::ToUtf8(Mode));
+		FLodexClipboardCapture Capture(Output);
+		::PrintSelectedActorLodestrings(Graph, Selection, Capture, LodexInterop::ToUtf8(Mode));
+		// Logged and copied as before; then how many objects of the editor's world each one matches.
+		NotifyLodestringMatches(Capture.GetCopiedTexts());
 	}
 
 	void EnsureCommandSetMatches(const FBindingContext& Context, const FLodexCommandSetInfo& Set,
