@@ -478,7 +478,7 @@ namespace LodestringEvaluatorPrivate
 		std::map<std::uint32_t, FSet> Sets;
 		FSet AtEnd;
 		std::vector<FLodexMatch> Properties;
-		const FSet Empty;
+		const FSet Empty{};
 
 		const FSet& At(std::uint32_t Position) const
 		{

@@ -707,8 +707,8 @@ namespace LodestringProgramPrivate
 			return true;
 		}
 		// From the end backwards: a boundary is viable when some step from it reaches a viable boundary.
-		std::vector<std::uint8_t> bViable(N + 1, 0);
-		bViable[N] = 1;
+		std::vector<std::uint8_t> bViable(N, 0);
+		bViable.push_back(1); // the end of the text
 		std::map<std::size_t, std::vector<FLodexStepOp>> StepsFrom;
 		std::size_t Total = 0;
 		for (std::size_t Begin = N; Begin-- > 0;)
