@@ -492,6 +492,11 @@ namespace LodestringEvaluatorPrivate
 				return;
 			}
 			FSet& Target = Position == End ? AtEnd : Sets[Position];
+			if (Target.empty())
+			{
+				Target = std::move(Objects);
+				return;
+			}
 			Target = UnionOf(Target, Objects);
 		}
 		std::vector<FLodexMatch> Result() const
@@ -501,6 +506,10 @@ namespace LodestringEvaluatorPrivate
 			for (const std::uint32_t Object : AtEnd)
 			{
 				Matches.push_back({Object, NoIndex});
+			}
+			if (Properties.empty())
+			{
+				return Matches; // the objects at the end are already sorted and distinct
 			}
 			Matches.insert(Matches.end(), Properties.begin(), Properties.end());
 			std::sort(Matches.begin(), Matches.end());
