@@ -153,10 +153,10 @@ namespace
 				Steps += Steps.empty() ? "" : "|";
 				Steps += Op.Kind == ELodexStepKind::Component ? "c:" : Op.Kind == ELodexStepKind::Property ? "@:" : "";
 				Steps += Op.bAnyName ? "*" : Op.Name;
-				if (Op.Predicate.bPresent)
+				if (Op.Predicate != nullptr)
 				{
 					std::string Values;
-					for (const FLodexPredicateEdge& Edge : Op.Predicate.Edges)
+					for (const FLodexPredicateEdge& Edge : Op.Predicate->Edges)
 					{
 						if (Edge.bStandard && Edge.Kind == ELodexPredicateEdgeKind::Comparison)
 						{

@@ -434,13 +434,13 @@ namespace LodestringEvaluatorPrivate
 			}
 			FResolvedPredicate Resolved;
 			const FResolvedPredicate* Predicate = nullptr;
-			if (Op.Predicate.bPresent)
+			if (Op.Predicate != nullptr)
 			{
-				if (Op.Predicate.bEmpty)
+				if (Op.Predicate->bEmpty)
 				{
 					return {};
 				}
-				Resolved = ResolvePredicate(Op.Predicate);
+				Resolved = ResolvePredicate(*Op.Predicate);
 				Predicate = &Resolved;
 			}
 			FSet Storage;
@@ -753,17 +753,18 @@ FLodexTrace TraceLodestring(
 				"NodeTest", Stack, ToMatches(OnAxis), MillisecondsSince(PartStart)});
 			Objects = OnAxis;
 
-			if (Op.Predicate.bPresent)
+			if (Op.Predicate != nullptr)
 			{
-				const FResolvedPredicate Resolved = Evaluator.ResolvePredicate(Op.Predicate);
+				const FLodexPredicate& StepPredicate = *Op.Predicate;
+				const FResolvedPredicate Resolved = Evaluator.ResolvePredicate(StepPredicate);
 				std::vector<std::string> PredicateStack = StepStack;
-				PredicateStack.push_back("Predicate: " + SpanText(Program, Op.Predicate.Span));
+				PredicateStack.push_back("Predicate: " + SpanText(Program, StepPredicate.Span));
 				const std::string Of = " of " + LodexText::FormatInt(static_cast<std::int64_t>(OnAxis.size()));
 				for (const bool bStandardEdges : {true, false})
 				{
-					for (std::size_t Edge = 0; Edge < Op.Predicate.Edges.size(); ++Edge)
+					for (std::size_t Edge = 0; Edge < StepPredicate.Edges.size(); ++Edge)
 					{
-						const FLodexPredicateEdge& Comparison = Op.Predicate.Edges[Edge];
+						const FLodexPredicateEdge& Comparison = StepPredicate.Edges[Edge];
 						if (Comparison.Kind != ELodexPredicateEdgeKind::Comparison ||
 							Comparison.bStandard != bStandardEdges)
 						{
@@ -799,7 +800,7 @@ FLodexTrace TraceLodestring(
 						Kept.push_back(Object);
 					}
 				}
-				Parts.push_back({Op.Predicate.Span, 1,
+				Parts.push_back({StepPredicate.Span, 1,
 					"Keep the objects the predicate holds for: " +
 						LodexText::FormatInt(static_cast<std::int64_t>(Kept.size())) + Of,
 					"Predicate", PredicateStack, ToMatches(Kept), MillisecondsSince(PartStart)});

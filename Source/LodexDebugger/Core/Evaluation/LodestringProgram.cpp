@@ -93,6 +93,9 @@ namespace LodestringProgramPrivate
 			return N;
 		}
 		bool IsBoundary(std::size_t Pos) const { return Pos == N || T[Pos] == '/'; }
+		/** A boundary from which the rest of the text reads, once that is known (while other readings are collected).
+		 */
+		bool EndsWell(std::size_t Pos) const { return IsBoundary(Pos) && (Viable == nullptr || (*Viable)[Pos] != 0); }
 
 		/** A span that lies inside the text and, unless the text is empty, holds at least one byte. */
 		FLodexSpan Span(std::size_t Begin, std::size_t End) const
@@ -186,7 +189,7 @@ namespace LodestringProgramPrivate
 
 		void CollectSteps(std::size_t Begin, std::vector<FLodexStepOp>& OutOps);
 		void CollectNodeSteps(const FLodexStepOp& Head, std::size_t After, std::vector<FLodexStepOp>& OutOps);
-		const std::vector<FLodexPredicate>& CollectPredicates(std::size_t Open);
+		const std::vector<std::shared_ptr<const FLodexPredicate>>& CollectPredicates(std::size_t Open);
 
 		FLodexPredicate MakePredicate(const FRawPredicate& Raw, std::size_t Close) const;
 
@@ -197,7 +200,7 @@ namespace LodestringProgramPrivate
 		std::vector<std::size_t> NameEnds;
 		/** The standard reading's predicates, by the position of their "[". */
 		std::map<std::size_t, FRawPredicate> StandardPredicates;
-		std::map<std::size_t, std::vector<FLodexPredicate>> PredicatesByOpen;
+		std::map<std::size_t, std::vector<std::shared_ptr<const FLodexPredicate>>> PredicatesByOpen;
 		/** Candidates looked at while collecting other readings; past the limit they are given up. */
 		bool Spend()
 		{
@@ -209,6 +212,7 @@ namespace LodestringProgramPrivate
 		}
 		std::size_t Budget = 0;
 		bool bOverBudget = false;
+		const std::vector<std::uint8_t>* Viable = nullptr;
 	};
 
 	bool FCompiler::ParseStandard(std::vector<FLodexStepOp>& OutOps, FLodexPathError& OutError)
@@ -319,7 +323,7 @@ namespace LodestringProgramPrivate
 				return false;
 			}
 			const std::size_t Close = Raw.Closes.front();
-			Op.Predicate = MakePredicate(Raw, Close);
+			Op.Predicate = std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Close));
 			StandardPredicates[After] = std::move(Raw);
 			Op.To = static_cast<std::uint32_t>(Close + 1);
 		}
@@ -404,7 +408,6 @@ namespace LodestringProgramPrivate
 	FLodexPredicate FCompiler::MakePredicate(const FRawPredicate& Raw, std::size_t Close) const
 	{
 		FLodexPredicate Predicate;
-		Predicate.bPresent = true;
 		Predicate.Span = Span(Raw.Open, Close + 1);
 		if (Raw.bEmptyCloses && Close == Raw.Start)
 		{
@@ -422,6 +425,7 @@ namespace LodestringProgramPrivate
 			[](const FRawEdge* A, const FRawEdge* B)
 			{ return A->From != B->From ? A->From < B->From : A->To < B->To; });
 		std::vector<std::size_t> Forward{Raw.Start};
+		Forward.reserve(Edges.size() + 1);
 		for (const FRawEdge* Edge : Edges)
 		{
 			if (std::find(Forward.begin(), Forward.end(), Edge->From) != Forward.end() &&
@@ -431,6 +435,7 @@ namespace LodestringProgramPrivate
 			}
 		}
 		std::vector<std::size_t> Backward{Close};
+		Backward.reserve(Edges.size() + 1);
 		for (auto It = Edges.rbegin(); It != Edges.rend(); ++It)
 		{
 			if (std::find(Backward.begin(), Backward.end(), (*It)->To) != Backward.end() &&
@@ -441,6 +446,8 @@ namespace LodestringProgramPrivate
 		}
 		std::vector<std::size_t> Nodes;
 		std::vector<const FRawEdge*> Kept;
+		Nodes.reserve(Edges.size() * 2 + 2);
+		Kept.reserve(Edges.size());
 		for (const FRawEdge* Edge : Edges)
 		{
 			const bool bOnPath = std::find(Forward.begin(), Forward.end(), Edge->From) != Forward.end() &&
@@ -480,7 +487,7 @@ namespace LodestringProgramPrivate
 		return Predicate;
 	}
 
-	const std::vector<FLodexPredicate>& FCompiler::CollectPredicates(std::size_t Open)
+	const std::vector<std::shared_ptr<const FLodexPredicate>>& FCompiler::CollectPredicates(std::size_t Open)
 	{
 		const auto Known = PredicatesByOpen.find(Open);
 		if (Known != PredicatesByOpen.end())
@@ -603,18 +610,18 @@ namespace LodestringProgramPrivate
 			Raw.bEmptyCloses = Raw.bEmptyCloses || Standard->second.bEmptyCloses;
 		}
 
-		std::vector<FLodexPredicate>& Out = PredicatesByOpen[Open];
+		std::vector<std::shared_ptr<const FLodexPredicate>>& Out = PredicatesByOpen[Open];
 		std::sort(Raw.Closes.begin(), Raw.Closes.end());
 		for (const std::size_t Close : Raw.Closes)
 		{
-			Out.push_back(MakePredicate(Raw, Close));
+			Out.push_back(std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Close)));
 		}
 		return Out;
 	}
 
 	void FCompiler::CollectNodeSteps(const FLodexStepOp& Head, std::size_t After, std::vector<FLodexStepOp>& OutOps)
 	{
-		if (IsBoundary(After))
+		if (EndsWell(After))
 		{
 			FLodexStepOp Op = Head;
 			Op.To = static_cast<std::uint32_t>(After);
@@ -623,10 +630,10 @@ namespace LodestringProgramPrivate
 		}
 		else if (T[After] == '[')
 		{
-			for (const FLodexPredicate& Predicate : CollectPredicates(After))
+			for (const std::shared_ptr<const FLodexPredicate>& Predicate : CollectPredicates(After))
 			{
-				const std::size_t End = Predicate.Span.End;
-				if (IsBoundary(End))
+				const std::size_t End = Predicate->Span.End;
+				if (EndsWell(End))
 				{
 					FLodexStepOp Op = Head;
 					Op.To = static_cast<std::uint32_t>(End);
@@ -664,6 +671,14 @@ namespace LodestringProgramPrivate
 			{
 				return;
 			}
+			if (*It < N && T[*It] == '[' ? false : !EndsWell(*It))
+			{
+				continue;
+			}
+			if (*It == Test + 1 && T[Test] == '*')
+			{
+				continue; // the star finds every object the name "*" would
+			}
 			FLodexStepOp Named = Head;
 			Named.Name = T.substr(Test, *It - Test);
 			CollectNodeSteps(Named, *It, OutOps);
@@ -677,7 +692,7 @@ namespace LodestringProgramPrivate
 					 ++It)
 				{
 					const std::size_t Paren = SkipBlanks(*It + 1);
-					if (At(Paren) == ')' && IsBoundary(Paren + 1))
+					if (At(Paren) == ')' && EndsWell(Paren + 1))
 					{
 						FLodexStepOp Op = Head;
 						Op.Kind = ELodexStepKind::Component;
@@ -709,6 +724,7 @@ namespace LodestringProgramPrivate
 		// From the end backwards: a boundary is viable when some step from it reaches a viable boundary.
 		std::vector<std::uint8_t> bViable(N, 0);
 		bViable.push_back(1); // the end of the text
+		Viable = &bViable;
 		std::map<std::size_t, std::vector<FLodexStepOp>> StepsFrom;
 		std::size_t Total = 0;
 		for (std::size_t Begin = N; Begin-- > 0;)
@@ -717,19 +733,12 @@ namespace LodestringProgramPrivate
 			{
 				continue;
 			}
-			std::vector<FLodexStepOp> Candidates;
-			CollectSteps(Begin, Candidates);
+			// Only steps that end where the rest of the text reads are collected.
+			std::vector<FLodexStepOp>& Kept = StepsFrom[Begin];
+			CollectSteps(Begin, Kept);
 			if (bOverBudget)
 			{
 				return false;
-			}
-			std::vector<FLodexStepOp>& Kept = StepsFrom[Begin];
-			for (FLodexStepOp& Op : Candidates)
-			{
-				if (bViable[Op.To] != 0)
-				{
-					Kept.push_back(std::move(Op));
-				}
 			}
 			bViable[Begin] = Kept.empty() ? 0 : 1;
 			Total += Kept.size();
@@ -739,8 +748,10 @@ namespace LodestringProgramPrivate
 			}
 		}
 		// Forwards from the start: keep the steps a reading can reach.
-		std::vector<std::uint8_t> bReached(N + 1, 0);
+		std::vector<std::uint8_t> bReached(N, 0);
+		bReached.push_back(0);
 		bReached[0] = 1;
+		OutOps.reserve(Total);
 		for (auto& Entry : StepsFrom)
 		{
 			if (bReached[Entry.first] == 0)
@@ -785,7 +796,7 @@ bool CompileLodestring(const std::string& Text, FLodestringProgram& Out, FLodexP
 				{
 					return Op.From == StandardOp.From && Op.To == StandardOp.To && Op.Axis == StandardOp.Axis &&
 						Op.Kind == StandardOp.Kind && Op.bAnyName == StandardOp.bAnyName &&
-						Op.Name == StandardOp.Name && Op.Predicate.bPresent == StandardOp.Predicate.bPresent;
+						Op.Name == StandardOp.Name && (Op.Predicate != nullptr) == (StandardOp.Predicate != nullptr);
 				});
 			if (Same != All.end())
 			{
@@ -809,9 +820,17 @@ bool CompileLodestring(const std::string& Text, FLodestringProgram& Out, FLodexP
 		OutError = StandardError;
 		return false;
 	}
-	std::stable_sort(All.begin(), All.end(),
-		[](const FLodexStepOp& A, const FLodexStepOp& B)
+	// Ordered by where each step begins, the standard reading's first: sorted as indices, then moved once.
+	std::vector<std::uint32_t> Order(All.size());
+	for (std::uint32_t Index = 0; Index < Order.size(); ++Index)
+	{
+		Order[Index] = Index;
+	}
+	std::stable_sort(Order.begin(), Order.end(),
+		[&All](std::uint32_t Left, std::uint32_t Right)
 		{
+			const FLodexStepOp& A = All[Left];
+			const FLodexStepOp& B = All[Right];
 			if (A.From != B.From)
 			{
 				return A.From < B.From;
@@ -822,6 +841,10 @@ bool CompileLodestring(const std::string& Text, FLodestringProgram& Out, FLodexP
 			}
 			return A.To < B.To;
 		});
-	Out.Ops = std::move(All);
+	Out.Ops.reserve(All.size());
+	for (const std::uint32_t Index : Order)
+	{
+		Out.Ops.push_back(std::move(All[Index]));
+	}
 	return true;
 }

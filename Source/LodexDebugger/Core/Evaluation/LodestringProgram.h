@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -76,7 +77,6 @@ struct FLodexPredicateEdge
 
 struct FLodexPredicate
 {
-	bool bPresent = false;
 	/** "[]": no comparison at all, which no object satisfies. */
 	bool bEmpty = false;
 	/** Whether any path holds an "and" (otherwise one true comparison on any path decides). */
@@ -105,7 +105,8 @@ struct FLodexStepOp
 	bool bAnyName = false;
 	/** The node test's name, the component's name, or the property's name. */
 	std::string Name;
-	FLodexPredicate Predicate;
+	/** The step's predicate, or null; shared by the readings of the text that end at the same "]". */
+	std::shared_ptr<const FLodexPredicate> Predicate;
 	/** The whole step, from its "/". */
 	FLodexSpan Span;
 	/** The axis and the node test without the predicate (as "//Door"); the whole step for other kinds. */
