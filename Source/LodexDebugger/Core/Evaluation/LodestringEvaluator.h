@@ -102,8 +102,9 @@ FLodexTrace TraceLodestring(
 	const FLodexSceneIndex& Index, const FLodestringProgram& Program, const FLodexEvaluationOptions& Options = {});
 
 /**
- * The step after Current: "step into" goes to the next one, "step over" to the next one no deeper than
- * Current, passing the parts of the step it stands on. Returns Steps.size() past the last step.
+ * The step after Current: "step into" goes to the next one; "step over" to the next one no deeper than
+ * Current, so that from the start or a step it passes the parts of the next step (node test, comparisons,
+ * predicate) and stops at that step's result. Returns Steps.size() past the last step.
  */
 std::size_t NextLodexTraceStep(const FLodexTrace& Trace, std::size_t Current, bool bStepOver);
 
