@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   libgtest-dev libgmock-dev googletest
-  libbenchmark-dev
+  libbenchmark-dev libxml2-dev
   nlohmann-json3-dev
   libcli11-dev
   zlib1g-dev

@@ -6,11 +6,16 @@
 #include "LodexCli.h"
 #include "RecordCommand.h"
 #include "SampleData.h"
+#include "SceneEvaluation.h"
 #include "SceneSnapshot.h"
 #include "TextTable.h"
 #include "TextTree.h"
 
+#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodestringProgram.h"
+#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
 #include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Paths/PathCommands.h"
 
@@ -62,6 +67,70 @@ namespace
 		FHostOutput Output(Io.Out, Io.Err, EClipboardTarget::Memory);
 		PrintSelectedActorLodestrings(Scene, FListSelection(std::move(Selection)), Output, Command->Mode);
 		Io.Out << "\nClipboard: " << Output.GetClipboardText() << "\n";
+		return true;
+	}
+
+	/** Whole evaluations, then one path evaluated step by step, as the debugger receives each step. */
+	bool PrintEvaluation(const FSceneSnapshot& Scene, FLodexCliIo& Io)
+	{
+		const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
+		Io.Out << "\nEvaluating Lodestrings on the sample level\n\n";
+		for (const char* Path : {"//Door/fn:component('Hinge')", "/*[@tag = 'light' or @tag = 'shop']",
+				 "//*[@tag = 'red']//*", "/*[@name = 'Door']", "/*[@name = 'House']/*[@nam = 'Door']"})
+		{
+			FLodestringProgram Program;
+			FLodexEvaluation Evaluation;
+			if (CompileLodestring(Path, Program, Evaluation.Error))
+			{
+				Evaluation = EvaluateLodestring(*Index, Program);
+			}
+			Io.Out << DescribeLodestringCheck(Path, Evaluation) << "\n";
+			for (const FLodexMatch& Match : Evaluation.Matches)
+			{
+				Io.Out << "  " << DescribeLodexMatch(*Index, Program, Match) << "\n";
+			}
+			if (!Evaluation.bOk)
+			{
+				Io.Out << "  " << MarkUpLodestring(Path, Evaluation.Error.Span) << "\n";
+			}
+		}
+
+		const std::string Path = "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')";
+		FLodestringProgram Program;
+		FLodexPathError Error;
+		if (!CompileLodestring(Path, Program, Error))
+		{
+			Io.Err << "lodex: the demo's path: " << Error.Message << "\n";
+			return false;
+		}
+		const FLodexTrace Trace = TraceLodestring(*Index, Program);
+		Io.Out << "\nStep by step: " << Path
+			   << "\n(each step as Load and Step Into hand it to the debugger; parts of a "
+				  "step are indented)\n";
+		for (std::size_t Number = 0; Number < Trace.Steps.size(); ++Number)
+		{
+			const FLodexTraceStep& Step = Trace.Steps[Number];
+			const std::string Indent(static_cast<std::size_t>(Step.Depth) * 4, ' ');
+			Io.Out << "\n" << Indent << "[" << Number + 1 << "] " << MarkUpLodestring(Path, Step.Span) << "\n";
+			Io.Out << Indent << "    Operation: " << Step.Operation << "\n";
+			Io.Out << Indent << "    Node type: " << Step.NodeType << "\n";
+			Io.Out << Indent << "    Stack:     " << LodexText::Join(Step.Stack, " > ") << "\n";
+			std::vector<std::string> Context;
+			for (const FLodexMatch& Match : Step.Context)
+			{
+				Context.push_back(DescribeLodexMatch(*Index, Program, Match));
+			}
+			Io.Out << Indent
+				   << "    Context:   " << (Context.empty() ? std::string("(none)") : LodexText::Join(Context, ", "))
+				   << "\n";
+		}
+		std::string OverStops;
+		for (std::size_t Step = 0; Step < Trace.Steps.size(); Step = NextLodexTraceStep(Trace, Step, true))
+		{
+			OverStops += (OverStops.empty() ? "" : ", ") + std::to_string(Step + 1);
+		}
+		Io.Out << "\nStep Over from the start stops at " << OverStops
+			   << "; past the last step the evaluation finishes.\n";
 		return true;
 	}
 
@@ -196,7 +265,7 @@ namespace
 				return LodexExitFailure;
 			}
 			PrintLodestringTable(Scene, Io.Out);
-			if (!PrintCommandRun(Scene, Io))
+			if (!PrintCommandRun(Scene, Io) || !PrintEvaluation(Scene, Io))
 			{
 				return LodexExitFailure;
 			}

@@ -335,7 +335,7 @@ namespace
 	}
 }
 
-void AddLodexEvaluationOptions(CLI::App& Command, FLodexEvaluationOptions& Options)
+void AddLodexEvaluationOptions(CLI::App& Command, FLodexSessionOptions& Options)
 {
 	Command
 		.add_option("--evaluator", Options.EvaluatorFile,
@@ -358,7 +358,7 @@ std::unique_ptr<ILodexEvaluator> MakeLodexScriptedEvaluator(
 	return std::make_unique<FLodexScriptedEvaluator>(std::move(Answers));
 }
 
-std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexEvaluationOptions& Options, std::ostream& Err)
+std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexSessionOptions& Options, std::ostream& Err)
 {
 	std::ifstream File(Options.EvaluatorFile, std::ios::binary);
 	if (!File)

@@ -15,7 +15,7 @@ namespace CLI
 }
 
 /** The options `lodex repl` and `lodex debug` share: which evaluator answers, and the game's state. */
-struct FLodexEvaluationOptions
+struct FLodexSessionOptions
 {
 	/** Canned answers for the scripted evaluator (see docs/scripted-evaluator.md). */
 	std::string EvaluatorFile;
@@ -23,13 +23,13 @@ struct FLodexEvaluationOptions
 };
 
 /** Declares the shared options on a subcommand. */
-void AddLodexEvaluationOptions(CLI::App& Command, FLodexEvaluationOptions& Options);
+void AddLodexEvaluationOptions(CLI::App& Command, FLodexSessionOptions& Options);
 
 /**
  * The evaluator the options choose. On a file that cannot be read or parsed, writes one line naming the
  * file (and the line) to Err and returns null.
  */
-std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexEvaluationOptions& Options, std::ostream& Err);
+std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexSessionOptions& Options, std::ostream& Err);
 
 /** The scripted evaluator over canned-answer text; on a parse error one line naming Name on Err, and null. */
 std::unique_ptr<ILodexEvaluator> MakeLodexScriptedEvaluator(

@@ -47,6 +47,7 @@ static int RunLodexCliWithInput(
 	Commands.push_back(MakeRecordCommand());
 	Commands.push_back(MakeReplCommand());
 	Commands.push_back(MakeDebugCommand());
+	Commands.push_back(MakeLintCommand());
 	std::vector<CLI::App*> Subcommands;
 	for (const std::unique_ptr<ILodexCommand>& Command : Commands)
 	{

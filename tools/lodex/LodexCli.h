@@ -47,6 +47,7 @@ std::unique_ptr<ILodexCommand> MakeInstallCommand();
 std::unique_ptr<ILodexCommand> MakeRecordCommand();
 std::unique_ptr<ILodexCommand> MakeReplCommand();
 std::unique_ptr<ILodexCommand> MakeDebugCommand();
+std::unique_ptr<ILodexCommand> MakeLintCommand();
 
 /** Runs the tool on its arguments (without the program name); returns the exit code. */
 int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::ostream& Err);

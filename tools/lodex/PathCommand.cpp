@@ -2,7 +2,11 @@
 #include "HostOutput.h"
 #include "ListSelection.h"
 #include "LodexCli.h"
+#include "SceneEvaluation.h"
 #include "SceneSnapshot.h"
+
+#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
 
 #include "LodexDebugger/Core/Paths/Lodestring.h"
 #include "LodexDebugger/Core/Paths/PathCommands.h"
@@ -107,7 +111,15 @@ namespace
 			}
 			FHostOutput Output(Io.Out, Io.Err,
 				ClipboardFile.empty() ? EClipboardTarget::System : EClipboardTarget::File, ClipboardFile);
-			PrintSelectedActorLodestrings(Scene, FListSelection(std::move(Resolved)), Output, Mode);
+			FLodexClipboardCapture Capture(Output);
+			PrintSelectedActorLodestrings(Scene, FListSelection(std::move(Resolved)), Capture, Mode);
+
+			// How many objects each copied Lodestring matches, as the editor's notice says it.
+			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
+			for (const std::string& Copied : Capture.GetCopiedTexts())
+			{
+				Io.Err << DescribeLodestringCheck(Copied, EvaluateLodestring(*Index, Copied)) << "\n";
+			}
 			return Output.AllCopiesSucceeded() ? LodexExitOk : LodexExitFailure;
 		}
 

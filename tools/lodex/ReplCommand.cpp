@@ -33,7 +33,7 @@ namespace
 		}
 
 	private:
-		FLodexEvaluationOptions Options;
+		FLodexSessionOptions Options;
 	};
 }
 

@@ -9,6 +9,9 @@
 #include "HAL/PlatformApplicationMisc.h"
 #include "Internationalization/Internationalization.h"
 #include "LodexInterop.h"
+#include "LodexWorldEvaluation.h"
+
+#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
 
 FLodexEditorActorSelection::FLodexEditorActorSelection()
 	: Selection(GEditor ? GEditor->GetSelectedActors() : nullptr)
@@ -56,7 +59,10 @@ namespace LodexEditor
 		const FLodexUObjectGraph Graph;
 		const FLodexEditorActorSelection Selection;
 		FLodexEditorOutput Output;
-		::PrintSelectedActorLodestrings(Graph, Selection, Output, LodexInterop::ToUtf8(Mode));
+		FLodexClipboardCapture Capture(Output);
+		::PrintSelectedActorLodestrings(Graph, Selection, Capture, LodexInterop::ToUtf8(Mode));
+		// Logged and copied as before; then how many objects of the editor's world each one matches.
+		NotifyLodestringMatches(Capture.GetCopiedTexts());
 	}
 
 	FText MakeContextDescription(const char* ContextName)

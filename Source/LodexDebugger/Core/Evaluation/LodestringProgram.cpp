@@ -1,0 +1,850 @@
+// Copyright Lodex contributors.
+#include "LodestringProgram.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace LodestringProgramPrivate
+{
+	/** A predicate edge between text positions, before the graph is numbered. */
+	struct FRawEdge
+	{
+		ELodexPredicateEdgeKind Kind = ELodexPredicateEdgeKind::Comparison;
+		ELodexAttribute Attribute = ELodexAttribute::Name;
+		std::size_t From = 0;
+		std::size_t To = 0;
+		std::string Value;
+		FLodexSpan Span;
+		bool bStandard = false;
+
+		bool SameAs(const FRawEdge& Other) const { return Kind == Other.Kind && From == Other.From && To == Other.To; }
+	};
+
+	/** The reading graph of one predicate: every way to read the text after one "[". */
+	struct FRawPredicate
+	{
+		std::size_t Open = 0;
+		std::size_t Start = 0;
+		std::vector<FRawEdge> Edges;
+		/** Positions of the "]" that can close it. */
+		std::vector<std::size_t> Closes;
+		bool bEmptyCloses = false;
+	};
+
+	class FCompiler
+	{
+	public:
+		explicit FCompiler(const std::string& InText)
+			: T(InText)
+			, N(InText.size())
+		{
+			for (std::size_t Pos = 0; Pos < N; ++Pos)
+			{
+				if (T[Pos] == '\'')
+				{
+					Quotes.push_back(Pos);
+				}
+				if (T[Pos] == '/' || T[Pos] == '[')
+				{
+					NameEnds.push_back(Pos);
+				}
+			}
+			NameEnds.push_back(N);
+		}
+
+		bool ParseStandard(std::vector<FLodexStepOp>& OutOps, FLodexPathError& OutError);
+		bool ParseAllReadings(std::vector<FLodexStepOp>& OutOps);
+
+	private:
+		char At(std::size_t Pos) const { return Pos < N ? T[Pos] : '\0'; }
+		bool StartsWith(std::size_t Pos, const char* Literal) const
+		{
+			for (std::size_t Index = 0; Literal[Index] != '\0'; ++Index)
+			{
+				if (Pos + Index >= N || T[Pos + Index] != Literal[Index])
+				{
+					return false;
+				}
+			}
+			return true;
+		}
+		std::size_t SkipBlanks(std::size_t Pos) const
+		{
+			while (Pos < N && (T[Pos] == ' ' || T[Pos] == '\t'))
+			{
+				++Pos;
+			}
+			return Pos;
+		}
+		std::size_t NextOf(std::size_t Pos, const char* Set) const
+		{
+			while (Pos < N)
+			{
+				for (const char* Item = Set; *Item != '\0'; ++Item)
+				{
+					if (T[Pos] == *Item)
+					{
+						return Pos;
+					}
+				}
+				++Pos;
+			}
+			return N;
+		}
+		bool IsBoundary(std::size_t Pos) const { return Pos == N || T[Pos] == '/'; }
+		/** A boundary from which the rest of the text reads, once that is known (while other readings are collected).
+		 */
+		bool EndsWell(std::size_t Pos) const { return IsBoundary(Pos) && (Viable == nullptr || (*Viable)[Pos] != 0); }
+
+		/** A span that lies inside the text and, unless the text is empty, holds at least one byte. */
+		FLodexSpan Span(std::size_t Begin, std::size_t End) const
+		{
+			End = std::min(End, N);
+			Begin = std::min(Begin, End);
+			if (Begin == End && N > 0)
+			{
+				Begin = std::min(Begin, N - 1);
+				End = Begin + 1;
+			}
+			return {static_cast<std::uint32_t>(Begin), static_cast<std::uint32_t>(End)};
+		}
+		bool Fail(FLodexPathError& OutError, const char* Message, std::size_t Begin, std::size_t End) const
+		{
+			OutError.Message = Message;
+			OutError.Span = Span(Begin, End);
+			return false;
+		}
+
+		static bool IsWordChar(char Char)
+		{
+			return (Char >= 'a' && Char <= 'z') || (Char >= 'A' && Char <= 'Z') || (Char >= '0' && Char <= '9') ||
+				Char == '_';
+		}
+		/** The length of the word "or" or "and" at Pos, standing alone; 0 when neither stands there. */
+		std::size_t JoinWordAt(std::size_t Pos) const
+		{
+			if (StartsWith(Pos, "or") && !IsWordChar(At(Pos + 2)))
+			{
+				return 2;
+			}
+			if (StartsWith(Pos, "and") && !IsWordChar(At(Pos + 3)))
+			{
+				return 3;
+			}
+			return 0;
+		}
+		/**
+		 * After the "'" at Pos - 1: whether the standard reading ends a predicate's value there, that is
+		 * whether "]" or the word "or" or "and" follows.
+		 */
+		bool EndsPredicateValue(std::size_t Pos) const
+		{
+			const std::size_t After = SkipBlanks(Pos);
+			return At(After) == ']' || JoinWordAt(After) != 0;
+		}
+		/** The attribute named after the "@" at Pos; the position after its name, or 0 when unknown. */
+		std::size_t ReadAttribute(std::size_t Pos, ELodexAttribute& OutAttribute) const
+		{
+			std::size_t End = Pos + 1;
+			while (End < N &&
+				((T[End] >= 'a' && T[End] <= 'z') || (T[End] >= 'A' && T[End] <= 'Z') ||
+					(T[End] >= '0' && T[End] <= '9') || T[End] == '_' || T[End] == '-' || T[End] == ':'))
+			{
+				++End;
+			}
+			const std::string Name = T.substr(Pos + 1, End - Pos - 1);
+			if (Name == "name")
+			{
+				OutAttribute = ELodexAttribute::Name;
+				return End;
+			}
+			if (Name == "tag")
+			{
+				OutAttribute = ELodexAttribute::Tag;
+				return End;
+			}
+			return 0;
+		}
+		std::size_t AttributeTextEnd(std::size_t Pos) const
+		{
+			std::size_t End = Pos + 1;
+			while (End < N && T[End] != ' ' && T[End] != '\t' && T[End] != '=' && T[End] != ']' && T[End] != '\'')
+			{
+				++End;
+			}
+			return End;
+		}
+
+		bool ParseStandardStep(std::size_t Begin, FLodexStepOp& OutOp, FLodexPathError& OutError);
+		bool ParseStandardPredicate(std::size_t Open, FRawPredicate& OutPredicate, FLodexPathError& OutError);
+		bool ExpectStepEnd(std::size_t Pos, FLodexPathError& OutError) const
+		{
+			if (IsBoundary(Pos))
+			{
+				return true;
+			}
+			return Fail(OutError, "Expected / or the end of the path after the step", Pos, NextOf(Pos, "/"));
+		}
+
+		void CollectSteps(std::size_t Begin, std::vector<FLodexStepOp>& OutOps);
+		void CollectNodeSteps(const FLodexStepOp& Head, std::size_t After, std::vector<FLodexStepOp>& OutOps);
+		const std::vector<std::shared_ptr<const FLodexPredicate>>& CollectPredicates(std::size_t Open);
+
+		FLodexPredicate MakePredicate(const FRawPredicate& Raw, std::size_t Close) const;
+
+		const std::string& T;
+		std::size_t N;
+		std::vector<std::size_t> Quotes;
+		/** Every "/" and "[", then the end: where a bare name may end. */
+		std::vector<std::size_t> NameEnds;
+		/** The standard reading's predicates, by the position of their "[". */
+		std::map<std::size_t, FRawPredicate> StandardPredicates;
+		std::map<std::size_t, std::vector<std::shared_ptr<const FLodexPredicate>>> PredicatesByOpen;
+		/** Candidates looked at while collecting other readings; past the limit they are given up. */
+		bool Spend()
+		{
+			if (++Budget > 2000000)
+			{
+				bOverBudget = true;
+			}
+			return !bOverBudget;
+		}
+		std::size_t Budget = 0;
+		bool bOverBudget = false;
+		const std::vector<std::uint8_t>* Viable = nullptr;
+	};
+
+	bool FCompiler::ParseStandard(std::vector<FLodexStepOp>& OutOps, FLodexPathError& OutError)
+	{
+		if (N == 0)
+		{
+			return Fail(OutError, "The path is empty", 0, 0);
+		}
+		if (T[0] != '/')
+		{
+			return Fail(OutError, "A Lodestring begins with /", 0, NextOf(0, "/"));
+		}
+		std::size_t Pos = 0;
+		while (Pos < N)
+		{
+			FLodexStepOp Op;
+			if (!ParseStandardStep(Pos, Op, OutError))
+			{
+				return false;
+			}
+			Op.StandardStep = static_cast<std::uint32_t>(OutOps.size() + 1);
+			Pos = Op.To;
+			OutOps.push_back(std::move(Op));
+		}
+		return true;
+	}
+
+	bool FCompiler::ParseStandardStep(std::size_t Begin, FLodexStepOp& Op, FLodexPathError& OutError)
+	{
+		const bool bDescendant = At(Begin + 1) == '/';
+		const std::size_t Test = Begin + (bDescendant ? 2 : 1);
+		Op.From = static_cast<std::uint32_t>(Begin);
+		Op.Axis = bDescendant ? ELodexAxis::Descendant : ELodexAxis::Child;
+		const char* const ExpectTest = bDescendant ? "Expected *, a name, fn:component('name') or @property after //"
+												   : "Expected *, a name, fn:component('name') or @property after /";
+		if (Test >= N || T[Test] == '/' || T[Test] == '[')
+		{
+			return Fail(OutError, ExpectTest, Begin, Test + 1);
+		}
+
+		std::size_t After = 0;
+		if (T[Test] == '@')
+		{
+			const std::size_t NameEnd = NextOf(Test, "/");
+			if (NameEnd == Test + 1)
+			{
+				return Fail(OutError, "Expected a property name after @", Test, Test + 1);
+			}
+			if (NameEnd < N)
+			{
+				return Fail(OutError, "A property reference (/@Name) ends the path", NameEnd, N);
+			}
+			Op.Kind = ELodexStepKind::Property;
+			Op.Name = T.substr(Test + 1, NameEnd - Test - 1);
+			Op.To = static_cast<std::uint32_t>(N);
+			Op.Span = Op.TestSpan = Span(Begin, N);
+			return true;
+		}
+		if (StartsWith(Test, "fn:"))
+		{
+			if (!StartsWith(Test, "fn:component("))
+			{
+				const std::size_t Paren = NextOf(Test, "(/");
+				return Fail(OutError, "Unknown function: only fn:component('name') is known", Test,
+					At(Paren) == '(' ? Paren + 1 : Paren);
+			}
+			const std::size_t Quote = SkipBlanks(Test + 13);
+			if (At(Quote) != '\'')
+			{
+				return Fail(OutError, "Expected a quoted name: fn:component('name')", Test, Quote + 1);
+			}
+			for (std::size_t Close = Quote + 1; Close < N; ++Close)
+			{
+				if (T[Close] == '\'' && At(SkipBlanks(Close + 1)) == ')')
+				{
+					Op.Kind = ELodexStepKind::Component;
+					Op.Name = T.substr(Quote + 1, Close - Quote - 1);
+					After = SkipBlanks(Close + 1) + 1;
+					Op.To = static_cast<std::uint32_t>(After);
+					Op.Span = Op.TestSpan = Span(Begin, After);
+					return ExpectStepEnd(After, OutError);
+				}
+			}
+			return Fail(OutError, "The quoted name is not closed: it ends at a ' followed by )", Quote, N);
+		}
+
+		if (T[Test] == '*')
+		{
+			Op.bAnyName = true;
+			After = Test + 1;
+			if (!IsBoundary(After) && T[After] != '[')
+			{
+				return Fail(OutError, "Expected [, / or the end of the path after *", After, NextOf(After, "/["));
+			}
+		}
+		else
+		{
+			After = NextOf(Test, "/[");
+			Op.Name = T.substr(Test, After - Test);
+		}
+		Op.TestSpan = Span(Begin, After);
+		Op.To = static_cast<std::uint32_t>(After);
+		if (At(After) == '[')
+		{
+			FRawPredicate Raw;
+			if (!ParseStandardPredicate(After, Raw, OutError))
+			{
+				return false;
+			}
+			const std::size_t Close = Raw.Closes.front();
+			Op.Predicate = std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Close));
+			StandardPredicates[After] = std::move(Raw);
+			Op.To = static_cast<std::uint32_t>(Close + 1);
+		}
+		Op.Span = Span(Begin, Op.To);
+		return ExpectStepEnd(Op.To, OutError);
+	}
+
+	bool FCompiler::ParseStandardPredicate(std::size_t Open, FRawPredicate& Raw, FLodexPathError& OutError)
+	{
+		Raw.Open = Open;
+		Raw.Start = SkipBlanks(Open + 1);
+		std::size_t Pos = Raw.Start;
+		if (At(Pos) == ']')
+		{
+			Raw.bEmptyCloses = true;
+			Raw.Closes.push_back(Pos);
+			return true;
+		}
+		for (;;)
+		{
+			if (Pos >= N)
+			{
+				return Fail(OutError, "The predicate is not closed: ] is missing", Open, N);
+			}
+			if (T[Pos] != '@')
+			{
+				return Fail(OutError, "Expected @name or @tag in the predicate", Pos, Pos + 1);
+			}
+			FRawEdge Comparison;
+			Comparison.From = Pos;
+			Comparison.bStandard = true;
+			std::size_t Cursor = ReadAttribute(Pos, Comparison.Attribute);
+			if (Cursor == 0)
+			{
+				return Fail(
+					OutError, "Unknown attribute: only @name and @tag can be compared", Pos, AttributeTextEnd(Pos));
+			}
+			Cursor = SkipBlanks(Cursor);
+			if (At(Cursor) != '=')
+			{
+				return Fail(OutError,
+					Comparison.Attribute == ELodexAttribute::Name ? "Expected = after @name" : "Expected = after @tag",
+					Cursor < N ? Cursor : Pos, Cursor + 1);
+			}
+			const std::size_t Quote = SkipBlanks(Cursor + 1);
+			if (At(Quote) != '\'')
+			{
+				return Fail(OutError, "Expected a quoted value after =", Quote < N ? Quote : Cursor, Quote + 1);
+			}
+			std::size_t Close = Quote + 1;
+			while (Close < N && !(T[Close] == '\'' && EndsPredicateValue(Close + 1)))
+			{
+				++Close;
+			}
+			if (Close >= N)
+			{
+				return Fail(
+					OutError, "The quoted value is not closed: it ends at a ' followed by ], or or and", Quote, N);
+			}
+			Comparison.Value = T.substr(Quote + 1, Close - Quote - 1);
+			Comparison.Span = Span(Pos, Close + 1);
+			Comparison.To = SkipBlanks(Close + 1);
+			Raw.Edges.push_back(Comparison);
+
+			const std::size_t Next = Comparison.To;
+			if (T[Next] == ']')
+			{
+				Raw.Closes.push_back(Next);
+				return true;
+			}
+			FRawEdge Join;
+			const std::size_t Word = JoinWordAt(Next);
+			Join.Kind = Word == 2 ? ELodexPredicateEdgeKind::Or : ELodexPredicateEdgeKind::And;
+			Join.From = Next;
+			Join.To = SkipBlanks(Next + Word);
+			Join.bStandard = true;
+			Raw.Edges.push_back(Join);
+			Pos = Join.To;
+		}
+	}
+
+	FLodexPredicate FCompiler::MakePredicate(const FRawPredicate& Raw, std::size_t Close) const
+	{
+		FLodexPredicate Predicate;
+		Predicate.Span = Span(Raw.Open, Close + 1);
+		if (Raw.bEmptyCloses && Close == Raw.Start)
+		{
+			Predicate.bEmpty = true;
+			return Predicate;
+		}
+
+		// Keep the edges on a path from the start to this "]": reachable forward and backward.
+		std::vector<const FRawEdge*> Edges;
+		for (const FRawEdge& Edge : Raw.Edges)
+		{
+			Edges.push_back(&Edge);
+		}
+		std::sort(Edges.begin(), Edges.end(),
+			[](const FRawEdge* A, const FRawEdge* B)
+			{ return A->From != B->From ? A->From < B->From : A->To < B->To; });
+		std::vector<std::size_t> Forward{Raw.Start};
+		Forward.reserve(Edges.size() + 1);
+		for (const FRawEdge* Edge : Edges)
+		{
+			if (std::find(Forward.begin(), Forward.end(), Edge->From) != Forward.end() &&
+				std::find(Forward.begin(), Forward.end(), Edge->To) == Forward.end())
+			{
+				Forward.push_back(Edge->To);
+			}
+		}
+		std::vector<std::size_t> Backward{Close};
+		Backward.reserve(Edges.size() + 1);
+		for (auto It = Edges.rbegin(); It != Edges.rend(); ++It)
+		{
+			if (std::find(Backward.begin(), Backward.end(), (*It)->To) != Backward.end() &&
+				std::find(Backward.begin(), Backward.end(), (*It)->From) == Backward.end())
+			{
+				Backward.push_back((*It)->From);
+			}
+		}
+		std::vector<std::size_t> Nodes;
+		std::vector<const FRawEdge*> Kept;
+		Nodes.reserve(Edges.size() * 2 + 2);
+		Kept.reserve(Edges.size());
+		for (const FRawEdge* Edge : Edges)
+		{
+			const bool bOnPath = std::find(Forward.begin(), Forward.end(), Edge->From) != Forward.end() &&
+				std::find(Backward.begin(), Backward.end(), Edge->To) != Backward.end();
+			if (bOnPath)
+			{
+				Kept.push_back(Edge);
+				Nodes.push_back(Edge->From);
+				Nodes.push_back(Edge->To);
+			}
+		}
+		Nodes.push_back(Raw.Start);
+		Nodes.push_back(Close);
+		std::sort(Nodes.begin(), Nodes.end());
+		Nodes.erase(std::unique(Nodes.begin(), Nodes.end()), Nodes.end());
+		auto NodeOf = [&](std::size_t Pos)
+		{
+			return static_cast<std::uint32_t>(std::lower_bound(Nodes.begin(), Nodes.end(), Pos) - Nodes.begin());
+		};
+
+		Predicate.NodeCount = static_cast<std::uint32_t>(Nodes.size());
+		Predicate.StartNode = NodeOf(Raw.Start);
+		Predicate.AcceptNode = NodeOf(Close);
+		for (const FRawEdge* Edge : Kept)
+		{
+			FLodexPredicateEdge Out;
+			Out.Kind = Edge->Kind;
+			Out.Attribute = Edge->Attribute;
+			Out.From = NodeOf(Edge->From);
+			Out.To = NodeOf(Edge->To);
+			Out.Value = Edge->Value;
+			Out.Span = Edge->Span;
+			Out.bStandard = Edge->bStandard;
+			Predicate.bHasAnd = Predicate.bHasAnd || Edge->Kind == ELodexPredicateEdgeKind::And;
+			Predicate.Edges.push_back(std::move(Out));
+		}
+		return Predicate;
+	}
+
+	const std::vector<std::shared_ptr<const FLodexPredicate>>& FCompiler::CollectPredicates(std::size_t Open)
+	{
+		const auto Known = PredicatesByOpen.find(Open);
+		if (Known != PredicatesByOpen.end())
+		{
+			return Known->second;
+		}
+
+		FRawPredicate Raw;
+		Raw.Open = Open;
+		Raw.Start = SkipBlanks(Open + 1);
+		if (At(Raw.Start) == ']')
+		{
+			Raw.bEmptyCloses = true;
+			Raw.Closes.push_back(Raw.Start);
+		}
+		std::vector<std::size_t> Starts;
+		if (At(Raw.Start) == '@')
+		{
+			Starts.push_back(Raw.Start);
+		}
+		bool bCapped = false;
+		for (std::size_t Next = 0; Next < Starts.size() && !bCapped; ++Next)
+		{
+			const std::size_t Pos = Starts[Next];
+			ELodexAttribute Attribute = ELodexAttribute::Name;
+			std::size_t Cursor = ReadAttribute(Pos, Attribute);
+			if (Cursor == 0)
+			{
+				continue;
+			}
+			Cursor = SkipBlanks(Cursor);
+			if (At(Cursor) != '=')
+			{
+				continue;
+			}
+			const std::size_t Quote = SkipBlanks(Cursor + 1);
+			if (At(Quote) != '\'')
+			{
+				continue;
+			}
+			for (auto It = std::upper_bound(Quotes.begin(), Quotes.end(), Quote); It != Quotes.end() && Spend(); ++It)
+			{
+				const std::size_t Close = *It;
+				const std::size_t After = SkipBlanks(Close + 1);
+				FRawEdge Join;
+				if (At(After) == ']')
+				{
+					if (std::find(Raw.Closes.begin(), Raw.Closes.end(), After) == Raw.Closes.end())
+					{
+						Raw.Closes.push_back(After);
+					}
+				}
+				else if (StartsWith(After, "or") && At(SkipBlanks(After + 2)) == '@')
+				{
+					Join.Kind = ELodexPredicateEdgeKind::Or;
+					Join.To = SkipBlanks(After + 2);
+				}
+				else if (StartsWith(After, "and") && At(SkipBlanks(After + 3)) == '@')
+				{
+					Join.Kind = ELodexPredicateEdgeKind::And;
+					Join.To = SkipBlanks(After + 3);
+				}
+				else
+				{
+					continue;
+				}
+				FRawEdge Comparison;
+				Comparison.Attribute = Attribute;
+				Comparison.From = Pos;
+				Comparison.To = After;
+				Comparison.Value = T.substr(Quote + 1, Close - Quote - 1);
+				Comparison.Span = Span(Pos, Close + 1);
+				Raw.Edges.push_back(std::move(Comparison));
+				if (At(After) != ']')
+				{
+					Join.From = After;
+					Raw.Edges.push_back(Join);
+					if (std::find(Starts.begin(), Starts.end(), Join.To) == Starts.end())
+					{
+						Starts.push_back(Join.To);
+					}
+				}
+				if (Raw.Edges.size() > LodestringLimits::MaxPredicateEdges)
+				{
+					bCapped = true;
+					break;
+				}
+			}
+		}
+
+		// The standard reading's edges are always there, flagged, whatever the limit dropped.
+		if (bCapped)
+		{
+			Raw.Edges.clear();
+			Raw.Closes.clear();
+		}
+		const auto Standard = StandardPredicates.find(Open);
+		if (Standard != StandardPredicates.end())
+		{
+			for (const FRawEdge& StandardEdge : Standard->second.Edges)
+			{
+				auto Same = std::find_if(Raw.Edges.begin(), Raw.Edges.end(),
+					[&](const FRawEdge& Edge) { return Edge.SameAs(StandardEdge); });
+				if (Same != Raw.Edges.end())
+				{
+					Same->bStandard = true;
+				}
+				else
+				{
+					Raw.Edges.push_back(StandardEdge);
+				}
+			}
+			for (const std::size_t Close : Standard->second.Closes)
+			{
+				if (std::find(Raw.Closes.begin(), Raw.Closes.end(), Close) == Raw.Closes.end())
+				{
+					Raw.Closes.push_back(Close);
+				}
+			}
+			Raw.bEmptyCloses = Raw.bEmptyCloses || Standard->second.bEmptyCloses;
+		}
+
+		std::vector<std::shared_ptr<const FLodexPredicate>>& Out = PredicatesByOpen[Open];
+		std::sort(Raw.Closes.begin(), Raw.Closes.end());
+		for (const std::size_t Close : Raw.Closes)
+		{
+			Out.push_back(std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Close)));
+		}
+		return Out;
+	}
+
+	void FCompiler::CollectNodeSteps(const FLodexStepOp& Head, std::size_t After, std::vector<FLodexStepOp>& OutOps)
+	{
+		if (EndsWell(After))
+		{
+			FLodexStepOp Op = Head;
+			Op.To = static_cast<std::uint32_t>(After);
+			Op.TestSpan = Op.Span = Span(Head.From, After);
+			OutOps.push_back(std::move(Op));
+		}
+		else if (T[After] == '[')
+		{
+			for (const std::shared_ptr<const FLodexPredicate>& Predicate : CollectPredicates(After))
+			{
+				const std::size_t End = Predicate->Span.End;
+				if (EndsWell(End))
+				{
+					FLodexStepOp Op = Head;
+					Op.To = static_cast<std::uint32_t>(End);
+					Op.TestSpan = Span(Head.From, After);
+					Op.Span = Span(Head.From, End);
+					Op.Predicate = Predicate;
+					OutOps.push_back(std::move(Op));
+				}
+			}
+		}
+	}
+
+	void FCompiler::CollectSteps(std::size_t Begin, std::vector<FLodexStepOp>& OutOps)
+	{
+		FLodexStepOp Head;
+		const bool bDescendant = At(Begin + 1) == '/';
+		const std::size_t Test = Begin + (bDescendant ? 2 : 1);
+		Head.From = static_cast<std::uint32_t>(Begin);
+		Head.Axis = bDescendant ? ELodexAxis::Descendant : ELodexAxis::Child;
+		if (Test >= N)
+		{
+			return;
+		}
+
+		if (T[Test] == '*')
+		{
+			FLodexStepOp Star = Head;
+			Star.bAnyName = true;
+			CollectNodeSteps(Star, Test + 1, OutOps);
+		}
+		// A bare name may run to any later "/" or "[", or to the end.
+		for (auto It = std::upper_bound(NameEnds.begin(), NameEnds.end(), Test); It != NameEnds.end(); ++It)
+		{
+			if (!Spend())
+			{
+				return;
+			}
+			if (*It < N && T[*It] == '[' ? false : !EndsWell(*It))
+			{
+				continue;
+			}
+			if (*It == Test + 1 && T[Test] == '*')
+			{
+				continue; // the star finds every object the name "*" would
+			}
+			FLodexStepOp Named = Head;
+			Named.Name = T.substr(Test, *It - Test);
+			CollectNodeSteps(Named, *It, OutOps);
+		}
+		if (StartsWith(Test, "fn:component("))
+		{
+			const std::size_t Quote = SkipBlanks(Test + 13);
+			if (At(Quote) == '\'')
+			{
+				for (auto It = std::upper_bound(Quotes.begin(), Quotes.end(), Quote); It != Quotes.end() && Spend();
+					 ++It)
+				{
+					const std::size_t Paren = SkipBlanks(*It + 1);
+					if (At(Paren) == ')' && EndsWell(Paren + 1))
+					{
+						FLodexStepOp Op = Head;
+						Op.Kind = ELodexStepKind::Component;
+						Op.Name = T.substr(Quote + 1, *It - Quote - 1);
+						Op.To = static_cast<std::uint32_t>(Paren + 1);
+						Op.Span = Op.TestSpan = Span(Begin, Paren + 1);
+						OutOps.push_back(std::move(Op));
+					}
+				}
+			}
+		}
+		if (T[Test] == '@' && Test + 1 < N && T.find('/', Test) == std::string::npos)
+		{
+			FLodexStepOp Op = Head;
+			Op.Kind = ELodexStepKind::Property;
+			Op.Name = T.substr(Test + 1);
+			Op.To = static_cast<std::uint32_t>(N);
+			Op.Span = Op.TestSpan = Span(Begin, N);
+			OutOps.push_back(std::move(Op));
+		}
+	}
+
+	bool FCompiler::ParseAllReadings(std::vector<FLodexStepOp>& OutOps)
+	{
+		if (N == 0 || T[0] != '/')
+		{
+			return true;
+		}
+		// From the end backwards: a boundary is viable when some step from it reaches a viable boundary.
+		std::vector<std::uint8_t> bViable(N, 0);
+		bViable.push_back(1); // the end of the text
+		Viable = &bViable;
+		std::map<std::size_t, std::vector<FLodexStepOp>> StepsFrom;
+		std::size_t Total = 0;
+		for (std::size_t Begin = N; Begin-- > 0;)
+		{
+			if (T[Begin] != '/')
+			{
+				continue;
+			}
+			// Only steps that end where the rest of the text reads are collected.
+			std::vector<FLodexStepOp>& Kept = StepsFrom[Begin];
+			CollectSteps(Begin, Kept);
+			if (bOverBudget)
+			{
+				return false;
+			}
+			bViable[Begin] = Kept.empty() ? 0 : 1;
+			Total += Kept.size();
+			if (Total > LodestringLimits::MaxAlternativeSteps)
+			{
+				return false;
+			}
+		}
+		// Forwards from the start: keep the steps a reading can reach.
+		std::vector<std::uint8_t> bReached(N, 0);
+		bReached.push_back(0);
+		bReached[0] = 1;
+		OutOps.reserve(Total);
+		for (auto& Entry : StepsFrom)
+		{
+			if (bReached[Entry.first] == 0)
+			{
+				continue;
+			}
+			for (FLodexStepOp& Op : Entry.second)
+			{
+				bReached[Op.To] = 1;
+				OutOps.push_back(std::move(Op));
+			}
+		}
+		return true;
+	}
+}
+
+bool CompileLodestring(const std::string& Text, FLodestringProgram& Out, FLodexPathError& OutError)
+{
+	using namespace LodestringProgramPrivate;
+	Out = FLodestringProgram();
+	Out.Text = Text;
+
+	FCompiler Compiler(Text);
+	std::vector<FLodexStepOp> Standard;
+	FLodexPathError StandardError;
+	const bool bStandard = Compiler.ParseStandard(Standard, StandardError);
+
+	std::vector<FLodexStepOp> All;
+	if (!Compiler.ParseAllReadings(All))
+	{
+		All.clear();
+	}
+
+	// The standard reading's steps are found among the others; mark them, or add them where a limit
+	// dropped the others.
+	if (bStandard)
+	{
+		for (FLodexStepOp& StandardOp : Standard)
+		{
+			auto Same = std::find_if(All.begin(), All.end(),
+				[&](const FLodexStepOp& Op)
+				{
+					return Op.From == StandardOp.From && Op.To == StandardOp.To && Op.Axis == StandardOp.Axis &&
+						Op.Kind == StandardOp.Kind && Op.bAnyName == StandardOp.bAnyName &&
+						Op.Name == StandardOp.Name && (Op.Predicate != nullptr) == (StandardOp.Predicate != nullptr);
+				});
+			if (Same != All.end())
+			{
+				Same->StandardStep = StandardOp.StandardStep;
+			}
+			else
+			{
+				All.push_back(std::move(StandardOp));
+			}
+		}
+		Out.StandardStepCount = static_cast<std::uint32_t>(Standard.size());
+	}
+	else
+	{
+		Out.bHasStandardError = true;
+		Out.StandardError = StandardError;
+	}
+
+	if (All.empty())
+	{
+		OutError = StandardError;
+		return false;
+	}
+	// Ordered by where each step begins, the standard reading's first: sorted as indices, then moved once.
+	std::vector<std::uint32_t> Order(All.size());
+	for (std::uint32_t Index = 0; Index < Order.size(); ++Index)
+	{
+		Order[Index] = Index;
+	}
+	std::stable_sort(Order.begin(), Order.end(),
+		[&All](std::uint32_t Left, std::uint32_t Right)
+		{
+			const FLodexStepOp& A = All[Left];
+			const FLodexStepOp& B = All[Right];
+			if (A.From != B.From)
+			{
+				return A.From < B.From;
+			}
+			if ((A.StandardStep == 0) != (B.StandardStep == 0))
+			{
+				return A.StandardStep != 0;
+			}
+			return A.To < B.To;
+		});
+	Out.Ops.reserve(All.size());
+	for (const std::uint32_t Index : Order)
+	{
+		Out.Ops.push_back(std::move(All[Index]));
+	}
+	return true;
+}

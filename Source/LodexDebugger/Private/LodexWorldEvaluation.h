@@ -1,0 +1,36 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "CoreMinimal.h"
+
+#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
+#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
+
+#include <string>
+#include <vector>
+
+class UWorld;
+
+/** Every object of a world that a Lodestring can reach: everything inside each of its levels. */
+class FLodexWorldObjects final : public ILodexSceneObjects
+{
+public:
+	explicit FLodexWorldObjects(UWorld* InWorld);
+
+	//~ Begin ILodexSceneObjects Interface
+	virtual void GetAllObjects(std::vector<FLodexObject>& OutObjects) const override;
+	//~ End ILodexSceneObjects Interface
+
+private:
+	UWorld* World = nullptr;
+};
+
+namespace LodexEditor
+{
+	/**
+	 * Evaluates each Lodestring against the editor's world and shows how many objects it matches in an editor
+	 * notification: as information when each matches exactly one, as a warning otherwise. The text and the
+	 * severity are the core's (`MakeLodestringMatchNotice`); nothing is shown without Lodestrings or a world.
+	 */
+	void NotifyLodestringMatches(const std::vector<std::string>& Lodestrings);
+}

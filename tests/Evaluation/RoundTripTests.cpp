@@ -1,0 +1,406 @@
+// Copyright Lodex contributors.
+#include "Evaluation/EvaluationFixture.h"
+
+#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodestringProgram.h"
+#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
+#include "LodexDebugger/Core/Paths/Lodestring.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace
+{
+	enum class EGenKind
+	{
+		Actor,
+		WidgetTree,
+		Widget,
+		UserWidget,
+		Component,
+		Other,
+	};
+
+	/** A random scene: attached actors with components, widget trees, tags, odd names, now and then a loop. */
+	class FGeneratedScene final
+		: public ILodexObjectGraph
+		, public ILodexSceneObjects
+	{
+	public:
+		struct FNode
+		{
+			EGenKind Kind = EGenKind::Other;
+			std::string Name;
+			int Outer = -1;
+			int AttachParent = -1;
+			int WidgetParent = -1;
+			int RootWidget = -1;
+			bool bHasTags = false;
+			std::vector<std::string> Tags;
+		};
+
+		explicit FGeneratedScene(unsigned Seed)
+			: Random(Seed)
+		{
+			const int Level = Add(EGenKind::Other, "PersistentLevel");
+			const int ActorCount = Pick(1, 12);
+			std::vector<int> Actors;
+			for (int Count = 0; Count < ActorCount; ++Count)
+			{
+				const int Actor = Add(EGenKind::Actor, MakeName(), Chance(0.9) ? Level : -1);
+				if (!Actors.empty() && Chance(0.55))
+				{
+					Nodes[Actor].AttachParent = Actors[Pick(0, static_cast<int>(Actors.size()) - 1)];
+				}
+				else if (!Actors.empty() && Chance(0.1))
+				{
+					Nodes[Actor].Outer = Actors[Pick(0, static_cast<int>(Actors.size()) - 1)]; // owned, not attached
+				}
+				Nodes[Actor].bHasTags = true;
+				for (int Tag = Pick(0, 3); Tag > 0; --Tag)
+				{
+					Nodes[Actor].Tags.push_back(MakeTag());
+				}
+				Actors.push_back(Actor);
+				for (int Component = Pick(0, 2); Component > 0; --Component)
+				{
+					const int Made = Add(EGenKind::Component, MakeName(), Actor);
+					if (Chance(0.3))
+					{
+						const int Holder = Chance(0.5) ? Made : Add(EGenKind::Other, "Settings", Made);
+						Add(EGenKind::Component, MakeName(), Holder);
+					}
+				}
+			}
+			if (Chance(0.2))
+			{
+				Add(EGenKind::Component, MakeName(), Level);
+			}
+			if (Chance(0.05) && Actors.size() >= 2)
+			{
+				Nodes[Actors[0]].AttachParent = Actors[1]; // a loop, which the engine never makes
+			}
+			if (Chance(0.03))
+			{
+				Nodes[Actors.back()].AttachParent = Actors.back();
+			}
+			if (Chance(0.5))
+			{
+				const int Instance = Add(EGenKind::Other, "GameInstance_0");
+				const int Hud = Add(EGenKind::UserWidget, MakeName(), Instance);
+				const int Tree = Add(EGenKind::WidgetTree, "WidgetTree", Hud);
+				const int Canvas = Add(EGenKind::Widget, MakeName(), Tree);
+				Nodes[Tree].RootWidget = Canvas;
+				std::vector<int> Panels{Canvas};
+				for (int Widget = Pick(1, 4); Widget > 0; --Widget)
+				{
+					const int Made = Add(Chance(0.5) ? EGenKind::UserWidget : EGenKind::Widget, MakeName(), Tree);
+					Nodes[Made].WidgetParent = Panels[Pick(0, static_cast<int>(Panels.size()) - 1)];
+					Panels.push_back(Made);
+				}
+			}
+		}
+
+		FLodexObject Handle(int Node) const { return FLodexObject(&Nodes[static_cast<std::size_t>(Node)]); }
+		int NodeOf(FLodexObject Object) const { return static_cast<int>(&Get(Object) - Nodes.data()); }
+		int Num() const { return static_cast<int>(Nodes.size()); }
+		EGenKind KindOf(int Node) const { return Nodes[static_cast<std::size_t>(Node)].Kind; }
+
+		//~ Begin ILodexObjectGraph Interface
+		bool IsOfClass(FLodexObject Object, ELodexClass Class) const override
+		{
+			const EGenKind Kind = Get(Object).Kind;
+			switch (Class)
+			{
+				case ELodexClass::Actor:
+					return Kind == EGenKind::Actor;
+				case ELodexClass::WidgetTree:
+					return Kind == EGenKind::WidgetTree;
+				case ELodexClass::Widget:
+					return Kind == EGenKind::Widget || Kind == EGenKind::UserWidget;
+				case ELodexClass::UserWidget:
+					return Kind == EGenKind::UserWidget;
+				case ELodexClass::ActorComponent:
+					return Kind == EGenKind::Component;
+			}
+			return false;
+		}
+		std::string GetName(FLodexObject Object) const override { return Get(Object).Name; }
+		FLodexObject GetOuter(FLodexObject Object) const override { return At(Get(Object).Outer); }
+		FLodexObject GetAttachParent(FLodexObject Object) const override { return At(Get(Object).AttachParent); }
+		FLodexObject GetWidgetParent(FLodexObject Object) const override { return At(Get(Object).WidgetParent); }
+		FLodexObject GetRootWidget(FLodexObject Object) const override { return At(Get(Object).RootWidget); }
+		bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override
+		{
+			OutTags = Get(Object).Tags;
+			return Get(Object).bHasTags;
+		}
+		//~ End ILodexObjectGraph Interface
+
+		//~ Begin ILodexSceneObjects Interface
+		void GetAllObjects(std::vector<FLodexObject>& OutObjects) const override
+		{
+			for (int Node = 0; Node < Num(); ++Node)
+			{
+				OutObjects.push_back(Handle(Node));
+			}
+		}
+		//~ End ILodexSceneObjects Interface
+
+	private:
+		int Add(EGenKind Kind, std::string Name, int Outer = -1)
+		{
+			Nodes.push_back({Kind, std::move(Name), Outer, -1, -1, -1, false, {}});
+			return static_cast<int>(Nodes.size()) - 1;
+		}
+		int Pick(int Low, int High) { return std::uniform_int_distribution<int>(Low, High)(Random); }
+		bool Chance(double Probability) { return std::bernoulli_distribution(Probability)(Random); }
+
+		/** One to three pieces, plain or taken from the grammar's own marks. */
+		std::string MakeName()
+		{
+			static const char* const Pieces[] = {"Door", "A", "Cube_2", "Lamp", "Bob's", "a]b", "x[y", "Tür", "用户",
+				"😀", "'", "]", "[", "/", "//", " or ", " and ", "@name = '", "')", "fn:component('", "*", "@", " ", "?",
+				"a')/", "']/*[@name = '", "(", ")", "=", "&<>", "']", "'/"};
+			std::string Name;
+			for (int Piece = Pick(1, 3); Piece > 0; --Piece)
+			{
+				Name += Pieces[Pick(0, static_cast<int>(sizeof(Pieces) / sizeof(Pieces[0])) - 1)];
+			}
+			return Name;
+		}
+		std::string MakeTag()
+		{
+			static const char* const Tags[] = {"bldg", "red", "t1", "用户", "with blank", "x' or @tag = 'y", "a']", "'",
+				"]", "or", "and", "x", "y", "' and @tag = '"};
+			return Tags[Pick(0, static_cast<int>(sizeof(Tags) / sizeof(Tags[0])) - 1)];
+		}
+
+		FLodexObject At(int Node) const { return Node < 0 ? FLodexObject() : Handle(Node); }
+		static const FNode& Get(FLodexObject Object) { return *static_cast<const FNode*>(Object.Ptr); }
+
+		std::mt19937 Random;
+		std::vector<FNode> Nodes;
+	};
+
+	bool IsNodeKind(EGenKind Kind)
+	{
+		return Kind == EGenKind::Actor || Kind == EGenKind::WidgetTree || Kind == EGenKind::Widget ||
+			Kind == EGenKind::UserWidget;
+	}
+
+	/** The topmost node object of the object's walk (cut at the first repeat), or -1. */
+	int TopmostNode(const FGeneratedScene& Scene, int Node)
+	{
+		std::set<int> Seen;
+		int Top = -1;
+		for (FLodexObject Current = Scene.Handle(Node); Current; Current = GetLodestringParent(Scene, Current))
+		{
+			const int At = Scene.NodeOf(Current);
+			if (!Seen.insert(At).second)
+			{
+				break;
+			}
+			if (IsNodeKind(Scene.KindOf(At)))
+			{
+				Top = At;
+			}
+		}
+		return Top;
+	}
+
+	bool Finds(const FLodexSceneIndex& Index, const std::string& Path, std::uint32_t Object, std::string& OutWhy)
+	{
+		const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Path);
+		if (!Evaluation.bOk)
+		{
+			OutWhy = "error: " + Evaluation.Error.Message;
+			return false;
+		}
+		const bool bFound = std::any_of(Evaluation.Matches.begin(), Evaluation.Matches.end(),
+			[&](const FLodexMatch& Match) { return Match.Object == Object; });
+		OutWhy = bFound ? "" : "not among " + std::to_string(Evaluation.Matches.size()) + " matches";
+		return bFound;
+	}
+
+	TEST(LodestringRoundTrip, EveryObjectIsFoundByItsOwnLodestrings)
+	{
+		constexpr unsigned SceneCount = 2500;
+		std::size_t Checked[3] = {0, 0, 0};
+		for (unsigned Seed = 1; Seed <= SceneCount; ++Seed)
+		{
+			const FGeneratedScene Scene(Seed);
+			const FLodexSceneIndex Index(Scene, Scene);
+			for (int Node = 0; Node < Scene.Num(); ++Node)
+			{
+				if (Scene.KindOf(Node) == EGenKind::Other)
+				{
+					continue;
+				}
+				const FLodexObject Object = Scene.Handle(Node);
+				const std::uint32_t Indexed = Index.FindIndex(Object);
+				ASSERT_NE(Indexed, FLodexSceneIndex::None) << "seed " << Seed << ", object " << Node;
+				std::string Why;
+
+				const std::string Absolute = BuildLodestring(Scene, Object, LodestringModes::Absolute);
+				EXPECT_TRUE(Finds(Index, Absolute, Indexed, Why)) << "seed " << Seed << ": " << Absolute << ": " << Why;
+				++Checked[0];
+
+				const std::string Relative = BuildLodestring(Scene, Object, LodestringModes::Relative);
+				EXPECT_TRUE(Finds(Index, Relative, Indexed, Why)) << "seed " << Seed << ": " << Relative << ": " << Why;
+				++Checked[1];
+
+				const int Top = TopmostNode(Scene, Node);
+				std::vector<std::string> Tags;
+				if (Top >= 0 && Scene.GetTags(Scene.Handle(Top), Tags) && !Tags.empty())
+				{
+					const std::string Tag = BuildLodestring(Scene, Object, LodestringModes::Tag);
+					const std::uint32_t TopIndex = Index.FindIndex(Scene.Handle(Top));
+					EXPECT_TRUE(Finds(Index, Tag, TopIndex, Why)) << "seed " << Seed << ": " << Tag << ": " << Why;
+					++Checked[2];
+				}
+				if (::testing::Test::HasFailure())
+				{
+					return;
+				}
+			}
+		}
+		// The generator makes every kind of check often enough to mean something.
+		EXPECT_GT(Checked[0], 40000u);
+		EXPECT_GT(Checked[1], 40000u);
+		EXPECT_GT(Checked[2], 10000u);
+	}
+
+	TEST(LodestringRoundTrip, StepByStepEndsWhereTheWholeEvaluationDoes)
+	{
+		for (unsigned Seed = 1; Seed <= 300; ++Seed)
+		{
+			const FGeneratedScene Scene(Seed);
+			const FLodexSceneIndex Index(Scene, Scene);
+			for (int Node = 0; Node < Scene.Num(); ++Node)
+			{
+				for (const char* Mode : {LodestringModes::Absolute, LodestringModes::Relative, LodestringModes::Tag})
+				{
+					const std::string Path = BuildLodestring(Scene, Scene.Handle(Node), Mode);
+					FLodestringProgram Program;
+					FLodexPathError Error;
+					if (!CompileLodestring(Path, Program, Error))
+					{
+						continue;
+					}
+					const FLodexEvaluation Whole = EvaluateLodestring(Index, Program);
+					const FLodexTrace Trace = TraceLodestring(Index, Program);
+					ASSERT_EQ(Trace.bOk, Whole.bOk) << Path;
+					ASSERT_TRUE(Trace.Result == Whole.Matches) << "seed " << Seed << ": " << Path;
+					ASSERT_FALSE(Trace.Steps.empty());
+					EXPECT_TRUE(Trace.Steps.back().Context == Whole.Matches) << Path;
+				}
+			}
+		}
+	}
+
+	/** Paths taken apart: letters dropped, marks of the grammar put in, pieces doubled or cut off. */
+	std::vector<std::string> MangledPaths()
+	{
+		std::vector<std::string> Bases;
+		const FCasesScene Cases;
+		for (const FSceneObject& Object : Cases.Scene.GetObjects())
+		{
+			for (const char* Mode : {LodestringModes::Absolute, LodestringModes::Relative, LodestringModes::Tag})
+			{
+				Bases.push_back(BuildLodestring(Cases.Scene, FSceneSnapshot::Handle(Object), Mode));
+			}
+		}
+		Bases.push_back("/*[@tag = 'a' and @tag = 'b' or @name = 'c']//X/fn:component('C')/@Prop");
+
+		std::mt19937 Random(20240607);
+		auto Pick = [&](std::size_t Count)
+		{
+			return std::uniform_int_distribution<std::size_t>(0, Count - 1)(Random);
+		};
+		const std::string Marks = "/*[]@'()= ,orandfn:component\t";
+		std::vector<std::string> Mangled;
+		for (int Round = 0; Round < 1500; ++Round)
+		{
+			std::string Path = Bases[Pick(Bases.size())];
+			for (int Edit = static_cast<int>(Pick(4)) + 1; Edit > 0; --Edit)
+			{
+				const std::size_t At = Path.empty() ? 0 : Pick(Path.size() + 1);
+				switch (Pick(5))
+				{
+					case 0:
+						if (!Path.empty())
+						{
+							Path.erase(std::min(At, Path.size() - 1), 1);
+						}
+						break;
+					case 1:
+						Path.insert(At, 1, Marks[Pick(Marks.size())]);
+						break;
+					case 2:
+						Path = Path.substr(0, At);
+						break;
+					case 3:
+						Path.insert(At, Path.substr(At / 2, Pick(8) + 1));
+						break;
+					default:
+						Path.insert(At, Path.substr(0, At));
+						break;
+				}
+			}
+			Mangled.push_back(Path);
+		}
+		return Mangled;
+	}
+
+	void ExpectSpanInside(const FLodexPathError& Error, const std::string& Path)
+	{
+		EXPECT_FALSE(Error.Message.empty()) << Path;
+		EXPECT_LE(Error.Span.Begin, Error.Span.End) << Path;
+		EXPECT_LE(Error.Span.End, Path.size()) << Path;
+		if (!Path.empty())
+		{
+			EXPECT_LT(Error.Span.Begin, Error.Span.End) << Path << ": " << Error.Message;
+		}
+	}
+
+	TEST(LodestringRoundTrip, MangledPathsNeverCrashAndEveryErrorNamesASpanInsideThem)
+	{
+		const FCasesScene Cases;
+		std::size_t Errors = 0;
+		for (const std::string& Path : MangledPaths())
+		{
+			FLodestringProgram Program;
+			FLodexPathError Error;
+			if (!CompileLodestring(Path, Program, Error))
+			{
+				ExpectSpanInside(Error, Path);
+				EXPECT_EQ(MarkUpLodestring(Path, Error.Span).find(LodexHighlight::Open), Error.Span.Begin);
+				++Errors;
+				continue;
+			}
+			if (Program.HasStandardError())
+			{
+				ExpectSpanInside(Program.GetStandardError(), Path);
+			}
+			const FLodexEvaluation Evaluation = EvaluateLodestring(*Cases.Index, Program);
+			const FLodexTrace Trace = TraceLodestring(*Cases.Index, Program);
+			EXPECT_TRUE(Trace.Result == Evaluation.Matches) << Path;
+			if (!Evaluation.bOk)
+			{
+				ExpectSpanInside(Evaluation.Error, Path);
+				++Errors;
+			}
+			for (const FLodexTraceStep& Step : Trace.Steps)
+			{
+				EXPECT_LE(Step.Span.End, Path.size()) << Path;
+			}
+		}
+		EXPECT_GT(Errors, 500u) << "most mangled paths should be errors";
+	}
+}

@@ -1,0 +1,151 @@
+// Copyright Lodex contributors.
+#include "CSharpLiterals.h"
+#include "LodexCli.h"
+#include "SceneEvaluation.h"
+#include "SceneSnapshot.h"
+
+#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <system_error>
+
+namespace
+{
+	struct FTestFile
+	{
+		std::string Path;
+		std::string Text;
+	};
+
+	/** The files named, and the ".cs" files under the folders named (in name order); false on the first unreadable one.
+	 */
+	bool ReadTestFiles(const std::vector<std::string>& Paths, std::vector<FTestFile>& OutFiles, std::string& OutError)
+	{
+		std::vector<std::string> Files;
+		for (const std::string& Path : Paths)
+		{
+			std::error_code Error;
+			if (!std::filesystem::is_directory(Path, Error))
+			{
+				Files.push_back(Path);
+				continue;
+			}
+			std::vector<std::string> Found;
+			std::filesystem::recursive_directory_iterator It(Path, Error);
+			for (; !Error && It != std::filesystem::recursive_directory_iterator(); It.increment(Error))
+			{
+				if (It->is_regular_file(Error) && It->path().extension() == ".cs")
+				{
+					Found.push_back(It->path().string());
+				}
+			}
+			if (Error)
+			{
+				OutError = Path + ": cannot read the folder";
+				return false;
+			}
+			std::sort(Found.begin(), Found.end());
+			Files.insert(Files.end(), Found.begin(), Found.end());
+		}
+		for (const std::string& Path : Files)
+		{
+			std::ifstream File(Path, std::ios::binary);
+			if (!File)
+			{
+				OutError = Path + ": cannot open the file";
+				return false;
+			}
+			std::ostringstream Buffer;
+			Buffer << File.rdbuf();
+			if (File.bad())
+			{
+				OutError = Path + ": cannot read the file";
+				return false;
+			}
+			OutFiles.push_back({Path, Buffer.str()});
+		}
+		return true;
+	}
+
+	class FLintCommand final : public ILodexCommand
+	{
+	public:
+		CLI::App* Register(CLI::App& Parent) override
+		{
+			CLI::App* Sub = Parent.add_subcommand("lint",
+				"Check the Lodestrings that C# tests pass to api calls: each must match exactly one object of the "
+				"scene");
+			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
+			Sub->add_option("tests", Tests, "C# files, or folders searched for .cs files")->required();
+			return Sub;
+		}
+
+		int Run(FLodexCliIo& Io) override
+		{
+			FSceneSnapshot Scene;
+			std::string Error;
+			if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+			{
+				Io.Err << "lodex: " << Error << "\n";
+				return LodexExitFailure;
+			}
+			std::vector<FTestFile> Files;
+			if (!ReadTestFiles(Tests, Files, Error))
+			{
+				Io.Err << "lodex: " << Error << "\n";
+				return LodexExitFailure;
+			}
+
+			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
+			std::size_t Checked = 0;
+			std::size_t Problems = 0;
+			std::string Report;
+			for (const FTestFile& File : Files)
+			{
+				for (const FCSharpApiString& Literal : FindApiStringArguments(File.Text))
+				{
+					if (Literal.Value.empty() || Literal.Value[0] != '/')
+					{
+						continue; // not a Lodestring: a method name, a value
+					}
+					++Checked;
+					const FLodexEvaluation Evaluation = EvaluateLodestring(*Index, Literal.Value);
+					if (!IsUniqueLodestringMatch(Evaluation))
+					{
+						++Problems;
+						Report += File.Path + ":" + std::to_string(Literal.Line) + ": " +
+							DescribeLodestringCheck(Literal.Value, Evaluation) + "\n";
+					}
+				}
+			}
+			Report += "Checked " + std::to_string(Checked) + (Checked == 1 ? " Lodestring" : " Lodestrings") + " in " +
+				std::to_string(Files.size()) + (Files.size() == 1 ? " file: " : " files: ");
+			if (Problems == 0)
+			{
+				Report += "each matches exactly one object\n";
+			}
+			else
+			{
+				Report += std::to_string(Problems) +
+					(Problems == 1 ? " does not match exactly one object\n" : " do not match exactly one object\n");
+			}
+			Io.Out << Report;
+			return Problems == 0 ? LodexExitOk : LodexExitFailure;
+		}
+
+	private:
+		std::string ScenePath;
+		std::vector<std::string> Tests;
+	};
+}
+
+std::unique_ptr<ILodexCommand> MakeLintCommand()
+{
+	return std::make_unique<FLintCommand>();
+}
