@@ -202,7 +202,8 @@ namespace
 				 "LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = "
 				 "'Lamp_2'] \n",
 				 "Clipboard: /*[@name = 'Lamp_2']\n",
-				 "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')  //Door/fn:component('Hinge')",
+				 " /*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge') ",
+				 " //Door/fn:component('Hinge') ",
 				 "/*[@name = 'Tür']",
 			 })
 		{

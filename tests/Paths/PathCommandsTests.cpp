@@ -156,7 +156,7 @@ namespace
 					Outliner,
 				"  |MenuCommand1|MenuCommand1|Lodestring Relative|" + MenuEntry + "Relative",
 				"  |MenuCommand2|MenuCommand2|Lodestring Absolute|" + MenuEntry + "Absolute",
-				"Kismet.SCSEditorContextMenu||VelTrane|VelTrane|Veltrane|Lodestring|Get the Lodestring for the "
+				"Kismet.SubobjectEditorContextMenu||VelTrane|VelTrane|Veltrane|Lodestring|Get the Lodestring for the "
 				"selected "
 				"component|DetailToolA|VelTrane|localised",
 				"  |Lodestring Relative|-|Lodestring Relative|Get the Lodestring Relative|Lodestring_Relative|"

@@ -283,15 +283,17 @@ namespace
 							 "Debugger menu\")\n",
 			"│       └── section \"Veltrane\"\n",
 			"│           ├── \"Lodestring Debugger\" opens the tab TabTool (tooltip \"Lodestring Debugger Window\")\n",
-			"│           ├── ──── separator LODEX\n", "│           └── ──── separator DETAILS_TOOL\n",
+			"│           ├── ──── separator LODEX\n", "│           ├── ──── separator DETAILS_TOOL\n",
+			"│           └── \"Export Scene Snapshot\" runs the console command Lodex.ExportSnapshot (tooltip "
+			"\"Write the level, with the reflection of its classes, as a scene snapshot for the lodex tool\")\n",
 			"├── Tabs (nomad tab spawners)\n", "│   ├── TabTool: \"Lodestring Debugger\"\n",
 			"│   └── DetailsTool: \"Object Explorer\"\n", "└── Context menus\n",
 			"    ├── Scene outliner actor menu (before the hook \"LevelEditor.SceneOutlinerContextMenu\")\n",
 			"    ├── Level viewport actor menu (before the hook \"ActorType\")\n",
 			"    ├── Components tree menu of the object explorer (extends the tool menu "
-			"\"Kismet.SCSEditorContextMenu\")\n",
+			"\"Kismet.SubobjectEditorContextMenu\")\n",
 			"    └── Lists of the object explorer (built by the list's context-menu handler)\n",
-			"LogTemp: Warning: ShutdownModule() called\n", "Tab spawners left: 0\n"};
+			"LogTemp: Warning: ShutdownModule() called\n", "Tab spawners left: 0\n", "Console commands left: 0\n"};
 		std::size_t From = 0;
 		for (const std::string& Expected : InOrder)
 		{

@@ -39,6 +39,10 @@ void FEditorModel::StartListener(const FLodexListenerInfo& Listener)
 	if (Listener.Tab != nullptr)
 	{
 		StartLodexTabTool(*this, *Listener.Tab);
+		if (Listener.Listener == ELodexListener::DetailsTool)
+		{
+			LodexSnapshot::StartExport(*this);
+		}
 	}
 	else
 	{
@@ -51,6 +55,10 @@ void FEditorModel::StopListener(const FLodexListenerInfo& Listener)
 	if (Listener.Tab != nullptr)
 	{
 		StopLodexTabTool(*this, *Listener.Tab);
+		if (Listener.Listener == ELodexListener::DetailsTool)
+		{
+			LodexSnapshot::StopExport(*this);
+		}
 	}
 }
 
@@ -101,4 +109,31 @@ void FEditorModel::AddViewportContextMenuExtender(const FLodexMenuInfo& Menu)
 std::vector<FLodexMenuItem> FEditorModel::OpenPullDown() const
 {
 	return BuildLodexPullDownModel(MenuExtender, TabSpawners);
+}
+
+void FEditorModel::AddPullDownEntry(const FLodexSnapshotExportInfo& Export)
+{
+	// Added through the module's AddMenuExtension, which adds only when its extender exists.
+	if (bHasMenuExtender)
+	{
+		MenuExtender.AddMenuEntry(
+			Export.MenuHook, Export.MenuPosition, Export.MenuLabel, Export.MenuToolTip, Export.ConsoleCommand);
+	}
+}
+
+void FEditorModel::RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
+{
+	ConsoleCommands.push_back(Export.ConsoleCommand);
+}
+
+void FEditorModel::UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
+{
+	for (auto It = ConsoleCommands.begin(); It != ConsoleCommands.end(); ++It)
+	{
+		if (*It == Export.ConsoleCommand)
+		{
+			ConsoleCommands.erase(It);
+			return;
+		}
+	}
 }

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
 #include "LodexDebugger/Core/Shell/LodexMenuModel.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Paths/PathCommands.h"
@@ -18,6 +19,7 @@ class FEditorModel final
 	: public ILodexShellHost
 	, public ILodexTabHost
 	, public IMenuToolHost
+	, public ILodexSnapshotExportHost
 {
 public:
 	explicit FEditorModel(bool bInCommandlet = false);
@@ -50,6 +52,12 @@ public:
 	void AddViewportContextMenuExtender(const FLodexMenuInfo& Menu) override;
 	//~ End IMenuToolHost Interface
 
+	//~ Begin ILodexSnapshotExportHost Interface
+	void AddPullDownEntry(const FLodexSnapshotExportInfo& Export) override;
+	void RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override;
+	void UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override;
+	//~ End ILodexSnapshotExportHost Interface
+
 	/** The pull-downs added to the main menu bar (at most one: the module's). */
 	const std::vector<const FLodexPullDownInfo*>& GetMenuBarPullDowns() const { return MenuBarPullDowns; }
 	/** Whether the module's extender reaches the level editor's menus. */
@@ -60,6 +68,8 @@ public:
 	const std::vector<const FLodexMenuInfo*>& GetExtendedContextMenus() const { return ExtendedContextMenus; }
 	const std::vector<std::string>& GetRegisteredCommandSets() const { return RegisteredCommandSets; }
 	const std::vector<std::string>& GetCreatedListeners() const { return CreatedListeners; }
+	/** The console commands the module registered and has not removed. */
+	const std::vector<std::string>& GetConsoleCommands() const { return ConsoleCommands; }
 
 	/** The module's pull-down as it shows when opened. */
 	std::vector<FLodexMenuItem> OpenPullDown() const;
@@ -75,4 +85,5 @@ private:
 	std::vector<const FLodexMenuInfo*> ExtendedContextMenus;
 	std::vector<std::string> RegisteredCommandSets;
 	std::vector<std::string> CreatedListeners;
+	std::vector<std::string> ConsoleCommands;
 };

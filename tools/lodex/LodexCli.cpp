@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <iostream>
 
 namespace
 {
@@ -20,6 +21,11 @@ namespace
 
 int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::ostream& Err)
 {
+	return RunLodexCli(Args, std::cin, Out, Err);
+}
+
+int RunLodexCli(const std::vector<std::string>& Args, std::istream& In, std::ostream& Out, std::ostream& Err)
+{
 	CLI::App App{"lodex: Lodestrings, editor menus and the module's other texts, headless", "lodex"};
 	App.require_subcommand(1);
 	App.set_version_flag("--version", "lodex 0.1.0");
@@ -29,6 +35,7 @@ int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::os
 	Commands.push_back(MakeCopyCommand());
 	Commands.push_back(MakeDemoCommand());
 	Commands.push_back(MakeInstallCommand());
+	Commands.push_back(MakeExploreCommand());
 	std::vector<CLI::App*> Subcommands;
 	for (const std::unique_ptr<ILodexCommand>& Command : Commands)
 	{
@@ -62,7 +69,7 @@ int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::os
 		return LodexExitUsage;
 	}
 
-	FLodexCliIo Io{Out, Err};
+	FLodexCliIo Io{Out, Err, &In};
 	for (std::size_t Index = 0; Index < Commands.size(); ++Index)
 	{
 		if (Subcommands[Index]->parsed())

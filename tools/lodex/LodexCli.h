@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include <istream>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -19,11 +20,12 @@ enum ELodexExit : int
 	LodexExitUsage = 2,
 };
 
-/** The streams a command writes to. */
+/** The streams a command writes to, and the one it reads user actions from. */
 struct FLodexCliIo
 {
 	std::ostream& Out;
 	std::ostream& Err;
+	std::istream* In = nullptr;
 };
 
 /** One subcommand of the tool: declares its options, then runs once they are parsed. */
@@ -39,6 +41,10 @@ std::unique_ptr<ILodexCommand> MakePathCommand();
 std::unique_ptr<ILodexCommand> MakeCopyCommand();
 std::unique_ptr<ILodexCommand> MakeDemoCommand();
 std::unique_ptr<ILodexCommand> MakeInstallCommand();
+std::unique_ptr<ILodexCommand> MakeExploreCommand();
 
 /** Runs the tool on its arguments (without the program name); returns the exit code. */
 int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::ostream& Err);
+
+/** The same, with the stream that commands reading user actions (explore) read from; the other form uses stdin. */
+int RunLodexCli(const std::vector<std::string>& Args, std::istream& In, std::ostream& Out, std::ostream& Err);

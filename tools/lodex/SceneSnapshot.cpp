@@ -181,6 +181,13 @@ bool FSceneSnapshot::Parse(
 		}
 	}
 
+	// Reflection: the classes and each object's class.
+	std::string ReflectionError;
+	if (!ParseSceneReflection(Root, Entries, Scene.Objects, Scene.Classes, ReflectionError))
+	{
+		return Fail(ReflectionError);
+	}
+
 	Out = std::move(Scene);
 	return true;
 }
