@@ -546,15 +546,41 @@ void FHeadlessExplorer::Show()
 	{
 		return Object ? FSceneSnapshot::Resolve(Object).Name : std::string("(none)");
 	};
+	// Members of the same name in a class and its super class are told apart by the class that declares them.
+	auto DeclaredBy = [this](const void* Member)
+	{
+		for (const FSceneClass& Class : Scene.GetClasses())
+		{
+			for (const FSceneFunction& Function : Class.Functions)
+			{
+				if (&Function == Member)
+				{
+					return " (declared by " + Class.Name + ")";
+				}
+			}
+			for (const FSceneProperty& Property : Class.Properties)
+			{
+				if (&Property == Member)
+				{
+					return " (declared by " + Class.Name + ")";
+				}
+			}
+		}
+		return std::string();
+	};
+	const std::string PropertyText = Selection.SelectedProperty
+		? LodexExplorer::GetPropertyName(Reflection, Selection.SelectedProperty) +
+			DeclaredBy(Selection.SelectedProperty.Ptr)
+		: std::string("(none)");
+	const std::string FunctionText = Selection.SelectedFunction
+		? Reflection.GetFunctionName(Selection.SelectedFunction) + DeclaredBy(Selection.SelectedFunction.Ptr)
+		: std::string("(none)");
 	static const char* const TargetNames[] = {"Object", "Method", "Property"};
 	const std::uint32_t Target = Selection.ReferenceTarget;
 	Out << "\nSelectedActor: " << ObjectName(Selection.SelectedActor)
-		<< "\nSelectedComponent: " << ObjectName(Selection.SelectedComponent) << "\nSelectedProperty: "
-		<< (Selection.SelectedProperty ? LodexExplorer::GetPropertyName(Reflection, Selection.SelectedProperty)
-									   : std::string("(none)"))
-		<< "\nSelectedFunction: "
-		<< (Selection.SelectedFunction ? Reflection.GetFunctionName(Selection.SelectedFunction) : std::string("(none)"))
-		<< "\nReferenceTarget: " << Target << " (" << (Target < 3 ? TargetNames[Target] : "unknown") << ")\n";
+		<< "\nSelectedComponent: " << ObjectName(Selection.SelectedComponent) << "\nSelectedProperty: " << PropertyText
+		<< "\nSelectedFunction: " << FunctionText << "\nReferenceTarget: " << Target << " ("
+		<< (Target < 3 ? TargetNames[Target] : "unknown") << ")\n";
 }
 
 void FHeadlessExplorer::UpdateComponentsTree()
