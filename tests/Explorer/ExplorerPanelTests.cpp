@@ -3,6 +3,7 @@
 #include "TestReflection.h"
 
 #include "LodexDebugger/Core/Explorer/ExplorerPanel.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <gtest/gtest.h>
 
@@ -159,6 +160,44 @@ namespace
 		Scene.Panel.HandleFilterTextChanged(EList::Methods, "VIS");
 		EXPECT_EQ(Scene.Shown(EList::Methods), std::vector<std::string>{"SetVisibility"});
 		EXPECT_EQ(Scene.Shown(EList::Properties), HingeProperties);
+	}
+
+	TEST(ExplorerPanel, FiltersFoldOnlyAsciiLettersAsTheEnginesFindDoes)
+	{
+		FTestGraph Graph;
+		FTestReflection Reflection;
+		FRecordingOutput Output;
+		FLodexExplorerPanel Panel{Graph, Reflection, Output};
+		FTestReflection::FClass& Class = Reflection.Class("Gate");
+		const std::vector<std::string> Names{"Tür", "TÜR", "tür_2", "straße", "STRASSE", "用户Name", "x_Y"};
+		for (const std::string& Name : Names)
+		{
+			Class.Property(Name, "int32");
+		}
+		FTestGraph::FNode& Gate = Graph.Actor("Gate");
+		Reflection.SetClass(Gate, Class);
+		const FTestSelection Selection{&Gate};
+		Panel.HandleSelectionChanged(&Selection);
+		for (const std::string Filter : {"tü", "TÜ", "ü", "Ü", "TÜR", "ss", "SS", "ß", "用户n", "_y", "_2"})
+		{
+			Panel.HandleFilterTextChanged(EList::Properties, Filter);
+			std::vector<std::string> Expected;
+			for (const std::string& Name : Names)
+			{
+				if (LodexText::ContainsIgnoreCase(Name, Filter))
+				{
+					Expected.push_back(Name);
+				}
+			}
+			std::vector<std::string> Shown;
+			for (const std::size_t Index : Panel.GetFilteredItems(EList::Properties))
+			{
+				Shown.push_back(Panel.GetNames(EList::Properties)[Index]);
+			}
+			EXPECT_EQ(Shown, Expected) << Filter;
+		}
+		Panel.HandleFilterTextChanged(EList::Properties, "tü");
+		EXPECT_EQ(Panel.GetFilteredItems(EList::Properties), (std::vector<std::size_t>{0, 2}));
 	}
 
 	TEST(ExplorerPanel, AComponentSelectedInTheEditorIsExploredWithItsOwnerAndTheTargetReturnsToObject)

@@ -145,6 +145,8 @@ void DetailsToolPanel::PrintReference(FString Mode)
 
 void DetailsToolPanel::UpdateComponentsTree()
 {
+	// The core has just chosen the actor the tree shows, which the tree reads through the guard.
+	CaptureGuards();
 	if (ComponentsTree.IsValid())
 	{
 		ComponentsTree->UpdateTree(/*bRegenerateTreeNodes*/ true);

@@ -1,11 +1,26 @@
 // Copyright Lodex contributors.
 #include "ExplorerPanel.h"
 
-#include "LodexDebugger/Core/Text/LodexText.h"
-
 namespace ExplorerPanelPrivate
 {
 	const ELodexExplorerList BothLists[] = {ELodexExplorerList::Properties, ELodexExplorerList::Methods};
+
+	/**
+	 * The text with ASCII letters in upper case and every other byte as it is: two texts so folded contain one
+	 * another exactly when the originals do ignoring case as the engine's `FString::Find` does (ASCII letters only).
+	 */
+	std::string FoldCase(const std::string& Text)
+	{
+		std::string Folded = Text;
+		for (char& Char : Folded)
+		{
+			if (Char >= 'a' && Char <= 'z')
+			{
+				Char = static_cast<char>(Char - 'a' + 'A');
+			}
+		}
+		return Folded;
+	}
 
 	/** The class and its super classes, nearest first; a class met twice ends the chain. */
 	std::vector<FLodexClass> GetClassChain(const ILodexReflection& Reflection, FLodexClass Class)
@@ -255,8 +270,10 @@ const FLodexExplorerPanel::FListState& FLodexExplorerPanel::GetList(ELodexExplor
 void FLodexExplorerPanel::EmptyLists()
 {
 	Methods.Names.clear();
+	Methods.FoldedNames.clear();
 	MethodFunctions.clear();
 	Properties.Names.clear();
+	Properties.FoldedNames.clear();
 	PropertyFields.clear();
 	++Methods.Generation;
 	++Properties.Generation;
@@ -284,17 +301,27 @@ void FLodexExplorerPanel::FillLists(FLodexObject Object)
 	{
 		Properties.Names.push_back(LodexExplorer::GetPropertyName(Reflection, Property));
 	}
+	for (FListState* State : {&Methods, &Properties})
+	{
+		State->FoldedNames.reserve(State->Names.size());
+		for (const std::string& Name : State->Names)
+		{
+			State->FoldedNames.push_back(ExplorerPanelPrivate::FoldCase(Name));
+		}
+	}
 	++Methods.Generation;
 	++Properties.Generation;
 }
 
 void FLodexExplorerPanel::Refilter(ELodexExplorerList List)
 {
+	// Kept: every name when the text is empty, else the names containing it ignoring case.
 	FListState& State = GetList(List);
 	State.Filtered.clear();
+	const std::string Folded = ExplorerPanelPrivate::FoldCase(State.FilterText);
 	for (std::size_t Index = 0; Index < State.Names.size(); ++Index)
 	{
-		if (State.FilterText.empty() || LodexText::ContainsIgnoreCase(State.Names[Index], State.FilterText))
+		if (Folded.empty() || State.FoldedNames[Index].find(Folded) != std::string::npos)
 		{
 			State.Filtered.push_back(Index);
 		}

@@ -167,6 +167,8 @@ private:
 	struct FListState
 	{
 		std::vector<std::string> Names;
+		/** The names with ASCII letters in upper case: the filter compares these with its text folded alike. */
+		std::vector<std::string> FoldedNames;
 		std::vector<std::size_t> Filtered;
 		std::string FilterText;
 		std::uint64_t Generation = 0;
