@@ -1,14 +1,37 @@
 // Copyright Lodex contributors.
 #include "SceneReflection.h"
 
+namespace
+{
+	/** A component's owner as the engine sets it: the nearest actor among its outers. */
+	const FSceneObject* FindOwningActor(const FSceneObject& Component, std::size_t MaxSteps)
+	{
+		const FSceneObject* Outer = Component.Outer;
+		for (std::size_t Step = 0; Outer != nullptr && Step < MaxSteps; ++Step, Outer = Outer->Outer)
+		{
+			if (Outer->Kind == "actor")
+			{
+				return Outer;
+			}
+		}
+		return nullptr;
+	}
+}
+
 FSceneReflection::FSceneReflection(const FSceneSnapshot& InScene)
 	: Scene(InScene)
 {
+	const std::size_t Count = Scene.GetObjects().size();
 	for (const FSceneObject& Object : Scene.GetObjects())
 	{
-		if (Object.Kind == "component" && Object.Outer != nullptr && Object.Outer->Kind == "actor")
+		if (Object.Kind != "component")
 		{
-			ComponentsByActor[Object.Outer].push_back(FSceneSnapshot::Handle(Object));
+			continue;
+		}
+		if (const FSceneObject* Owner = FindOwningActor(Object, Count))
+		{
+			OwnerByComponent[&Object] = Owner;
+			ComponentsByActor[Owner].push_back(FSceneSnapshot::Handle(Object));
 		}
 	}
 }
@@ -103,8 +126,8 @@ std::uint64_t FSceneReflection::GetPropertyFlags(FLodexProperty Property) const
 
 FLodexObject FSceneReflection::GetComponentOwner(FLodexObject Component) const
 {
-	const FSceneObject* Outer = FSceneSnapshot::Resolve(Component).Outer;
-	return Outer != nullptr && Outer->Kind == "actor" ? FSceneSnapshot::Handle(*Outer) : FLodexObject();
+	const auto Found = OwnerByComponent.find(Component.Ptr);
+	return Found == OwnerByComponent.end() ? FLodexObject() : FSceneSnapshot::Handle(*Found->second);
 }
 
 void FSceneReflection::GetComponents(FLodexObject Actor, std::vector<FLodexObject>& Out) const

@@ -9,9 +9,9 @@
 #include <vector>
 
 /**
- * The reflection of a scene snapshot as the object explorer reads it. An actor's components are the objects of
- * kind "component" whose outer is the actor, in the file's order; a component's owner is its outer when that is an
- * actor. The snapshot must outlive this view.
+ * The reflection of a scene snapshot as the object explorer reads it. A component's owner is, as the engine sets
+ * it, the nearest actor among its outers; an actor's components are the components it owns, in the file's order.
+ * The snapshot must outlive this view.
  */
 class FSceneReflection final : public ILodexReflection
 {
@@ -53,4 +53,5 @@ public:
 private:
 	const FSceneSnapshot& Scene;
 	std::unordered_map<const void*, std::vector<FLodexObject>> ComponentsByActor;
+	std::unordered_map<const void*, const FSceneObject*> OwnerByComponent;
 };
