@@ -10,7 +10,9 @@
 namespace
 {
 	/** One actor whose class chain declares the given numbers of functions and properties, with engine-like names. */
-	class FBenchReflection final : public ILodexReflection, public ILodexObjectGraph
+	class FBenchReflection final
+		: public ILodexReflection
+		, public ILodexObjectGraph
 	{
 	public:
 		struct FProperty
@@ -33,7 +35,8 @@ namespace
 
 		FBenchReflection(int FunctionCount, int PropertyCount, int ClassCount)
 		{
-			static const char* const Prefixes[] = {"K2_Get", "K2_Set", "Receive", "Server", "BP_On", "Get", "Set", "Is"};
+			static const char* const Prefixes[] = {
+				"K2_Get", "K2_Set", "Receive", "Server", "BP_On", "Get", "Set", "Is"};
 			static const char* const Words[] = {"ActorLocation", "Health", "Rotation", "Velocity", "Component", "Tag",
 				"Visibility", "Owner", "Collision", "Material", "Speed", "Gear", "Door", "Lock", "Hinge", "Light"};
 			Classes.resize(static_cast<std::size_t>(ClassCount));
