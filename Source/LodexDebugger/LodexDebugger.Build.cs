@@ -30,6 +30,8 @@ public class LodexDebugger : ModuleRules
 			"ToolMenus",
 			"Projects",
 			"Kismet",
+			"SubobjectEditor",
+			"SubobjectDataInterface",
 			"UMG",
 			"HeadMountedDisplay",
 			"DesktopPlatform",

@@ -148,7 +148,7 @@ namespace
 			{{}, "lodex: A subcommand is required", "Usage: lodex [OPTIONS] SUBCOMMAND"},
 			{{"frobnicate", "door"},
 				"lodex: unknown command 'frobnicate' (the commands are path, copy, demo, install, record, repl, debug, "
-				"lint)",
+				"lint, explore)",
 				"Usage: lodex [OPTIONS] SUBCOMMAND"},
 			{{"path", "door"}, "lodex: --scene is required", "Usage: lodex path [OPTIONS] objects..."},
 			{{"path", "--scene", ScenePath}, "lodex: objects is required", "Usage: lodex path [OPTIONS] objects..."},
@@ -291,17 +291,18 @@ namespace
 		ASSERT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out.substr(0, Run.Out.find("PersistentLevel")),
 			"Lodestrings of every object of the sample level\n\n"
-			"Object                  Kind        Absolute                                                     Relative "
-			"                            Tag\n"
-			"----------------------  ----------  -----------------------------------------------------------  "
-			"-----------------------------------  ------------------------------------------------------\n");
+			"Object                  Kind        Absolute                                                              "
+			"  Relative                                      Tag\n"
+			"----------------------  ----------  "
+			"----------------------------------------------------------------------  "
+			"--------------------------------------------  ------------------------------------------------------\n");
 		EXPECT_EQ(LineStartingWith(Run.Out, "PersistentLevel"),
-			"PersistentLevel         other       (empty)                                                      (empty)  "
-			"                            (empty)");
+			"PersistentLevel         other       (empty)                                                               "
+			"  (empty)                                       (empty)");
 		// A name with a non-ASCII letter is padded by characters, not bytes.
 		EXPECT_EQ(LineStartingWith(Run.Out, "Tür"),
-			"Tür                     actor       /*[@name = 'Tür']                                            //Tür    "
-			"                            /*[@tag = '用户']");
+			"Tür                     actor       /*[@name = 'Tür']                                                     "
+			"  //Tür                                         /*[@tag = '用户']");
 		for (const char* Expected :
 			{
 				"\n\"Lodestring Absolute\" (MenuTool.MenuCommand2) on the selection Door, Lamp_2\n\n"
@@ -322,10 +323,13 @@ namespace
 │           ├── "Lodex REPL" opens the tab ReplTool (tooltip "Quickly test your Lodestring queries in a REPL (Read, Examine, Print, Loop)")
 │           ├── ──── separator REPL_TOOL
 │           ├── "Object Explorer" opens the tab DetailsTool (tooltip "Explore the values, componenets, and available methods in selected objects")
-│           └── ──── separator DETAILS_TOOL
+│           ├── ──── separator DETAILS_TOOL
+│           └── "Export Scene Snapshot" runs the console command Lodex.ExportSnapshot (tooltip "Write the level, with the reflection of its classes, as a scene snapshot for the lodex tool")
+├── Tabs (nomad tab spawners)
 )x",
+				"├── Console commands\n│   └── Lodex.ExportSnapshot [FILE] (",
 				R"x(
-    ├── Components tree menu of the object explorer (extends the tool menu "Kismet.SCSEditorContextMenu"), once an Object Explorer tab has opened
+    ├── Components tree menu of the object explorer (extends the tool menu "Kismet.SubobjectEditorContextMenu"), once an Object Explorer tab has opened
     │   └── section "VelTrane", heading "VelTrane"
     │       └── sub-menu "Lodestring" (tooltip "Get the Lodestring for the selected component")
     │           └── section "VelTrane"
@@ -346,8 +350,8 @@ namespace
     ├── Level viewport actor menu (before the hook "ActorType")
 )x",
 				"\nUnloading the module\n\nLogTemp: Warning: ShutdownModule() called\n\nTab spawners left: 0\n"
-				"Menu extenders left in the level editor: 0\n",
-				"/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')  //Door/fn:component('Hinge')",
+				"Menu extenders left in the level editor: 0\nConsole commands left: 0\n",
+				"/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')             //Door/fn:component('Hinge')",
 				"/*[@name = 'Tür']",
 				"/*[@tag = 'light' or @tag = 'shop'] matches 2 objects: not unique\n  /*[@name = 'Lamp_2']\n  /*[@name "
 				"= "

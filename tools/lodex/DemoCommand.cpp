@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #include "EditorModel.h"
 #include "EvaluationSession.h"
+#include "ExplorerHost.h"
 #include "HostOutput.h"
 #include "ListSelection.h"
 #include "LodexCli.h"
@@ -155,8 +156,9 @@ namespace
 						Section = &Menu.Add("section " + Quote(Item.Text));
 						break;
 					case ELodexMenuItemKind::Entry:
-						Section->Add(
-							Quote(Item.Text) + " opens the tab " + Item.Id + " (tooltip " + Quote(Item.ToolTip) + ")");
+						Section->Add(Quote(Item.Text) +
+							(FindLodexTab(Item.Id) != nullptr ? " opens the tab " : " runs the console command ") +
+							Item.Id + " (tooltip " + Quote(Item.ToolTip) + ")");
 						break;
 					case ELodexMenuItemKind::Separator:
 						Section->Add("──── separator " + Item.Id);
@@ -179,6 +181,34 @@ namespace
 				Tab.Add(std::string("holds a new ") + Info->PanelName + " each time it opens");
 			}
 		}
+	}
+
+	void AddConsoleCommands(const FEditorModel& Editor, FTextTreeNode& Root)
+	{
+		FTextTreeNode& Commands = Root.Add("Console commands");
+		for (const std::string& Command : Editor.GetConsoleCommands())
+		{
+			Commands.Add(Command + " [FILE] (" + GetLodexSnapshotExport().ConsoleHelp + ")");
+		}
+	}
+
+	/** The Object Explorer on the sample's game class: the panel, then a method's snippet. */
+	bool PrintExplorerRun(const FSceneSnapshot& Scene, FLodexCliIo& Io)
+	{
+		Io.Out << "\nThe Object Explorer on the door (class BP_Door_C, a Blueprint of the game class LockableDoor)\n\n";
+		FHeadlessExplorer Explorer(Scene, Io.Out);
+		for (const char* Action : {"select door", "search methods lock", "show", "pick method TryUnlock",
+				 "menu methods", "choose Lodestring Absolute"})
+		{
+			Io.Out << "> " << Action << "\n";
+			std::string Error;
+			if (!Explorer.RunAction(Action, Error))
+			{
+				Io.Err << "lodex: the embedded sample level: " << Error << "\n";
+				return false;
+			}
+		}
+		return true;
 	}
 
 	void AddContextMenus(FTextTreeNode& Root)
@@ -237,6 +267,7 @@ namespace
 		FTextTreeNode Root{LodexModuleName, {}};
 		AddPullDown(Editor, Root);
 		AddTabs(Editor, Root);
+		AddConsoleCommands(Editor, Root);
 		AddContextMenus(Root);
 		Io.Out << RenderTextTree(Root);
 
@@ -244,7 +275,8 @@ namespace
 		FHostOutput Output(Io.Out, Io.Err, EClipboardTarget::Memory);
 		Shell.ShutdownModule(Editor, Output);
 		Io.Out << "\nTab spawners left: " << Editor.GetTabSpawners().GetSpawners().size()
-			   << "\nMenu extenders left in the level editor: " << Editor.CountLevelEditorExtenders() << "\n";
+			   << "\nMenu extenders left in the level editor: " << Editor.CountLevelEditorExtenders()
+			   << "\nConsole commands left: " << Editor.GetConsoleCommands().size() << "\n";
 	}
 
 	class FDemoCommand final : public ILodexCommand
@@ -265,7 +297,7 @@ namespace
 				return LodexExitFailure;
 			}
 			PrintLodestringTable(Scene, Io.Out);
-			if (!PrintCommandRun(Scene, Io) || !PrintEvaluation(Scene, Io))
+			if (!PrintCommandRun(Scene, Io) || !PrintEvaluation(Scene, Io) || !PrintExplorerRun(Scene, Io))
 			{
 				return LodexExitFailure;
 			}

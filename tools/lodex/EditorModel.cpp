@@ -87,6 +87,10 @@ void FEditorModel::StartListener(const FLodexListenerInfo& Listener)
 		if (TabTool)
 		{
 			StartLodexTabTool(*TabTool, TabTool->GetTab());
+			if (Listener.Listener == ELodexListener::DetailsTool)
+			{
+				LodexSnapshot::StartExport(*this);
+			}
 		}
 		else
 		{
@@ -105,6 +109,10 @@ void FEditorModel::StopListener(const FLodexListenerInfo& Listener)
 		}
 		if (TabTool)
 		{
+			if (Listener.Listener == ELodexListener::DetailsTool)
+			{
+				LodexSnapshot::StopExport(*this);
+			}
 			StopLodexTabTool(*TabTool);
 		}
 		else
@@ -194,4 +202,25 @@ std::size_t FEditorModel::CountLevelEditorExtenders() const
 std::vector<FLodexMenuItem> FEditorModel::OpenPullDown() const
 {
 	return BuildLodexPullDownModel(MenuExtender, TabSpawners);
+}
+
+void FEditorModel::AddPullDownEntry(const FLodexSnapshotExportInfo& Export)
+{
+	// Added through the module's AddMenuExtension, which adds only when its extender exists.
+	if (bHasMenuExtender)
+	{
+		MenuExtender.AddMenuEntry(
+			Export.MenuHook, Export.MenuPosition, Export.MenuLabel, Export.MenuToolTip, Export.ConsoleCommand);
+	}
+}
+
+void FEditorModel::RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
+{
+	ConsoleCommands.push_back(Export.ConsoleCommand);
+}
+
+void FEditorModel::UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
+{
+	ConsoleCommands.erase(std::remove(ConsoleCommands.begin(), ConsoleCommands.end(), std::string(Export.ConsoleCommand)),
+		ConsoleCommands.end());
 }

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
 #include "LodexDebugger/Core/Shell/LodexMenuModel.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Paths/PathCommands.h"
@@ -42,6 +43,7 @@ private:
 class FEditorModel final
 	: public ILodexShellHost
 	, public IMenuToolHost
+	, public ILodexSnapshotExportHost
 {
 public:
 	explicit FEditorModel(bool bInCommandlet = false);
@@ -79,6 +81,12 @@ public:
 	void UnregisterCommandSet(const FLodexCommandSetInfo& Set) override;
 	//~ End IMenuToolHost Interface
 
+	//~ Begin ILodexSnapshotExportHost Interface
+	void AddPullDownEntry(const FLodexSnapshotExportInfo& Export) override;
+	void RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override;
+	void UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override;
+	//~ End ILodexSnapshotExportHost Interface
+
 	/** The pull-downs added to the main menu bar (at most one: the module's). */
 	const std::vector<const FLodexPullDownInfo*>& GetMenuBarPullDowns() const { return MenuBarPullDowns; }
 	const FLodexTabSpawnerRegistry& GetTabSpawners() const { return TabSpawners; }
@@ -90,6 +98,8 @@ public:
 	const std::vector<std::string>& GetRegisteredCommandSets() const { return RegisteredCommandSets; }
 	/** The listeners the module holds, in list order. */
 	std::vector<std::string> GetListeners() const;
+	/** The console commands the module registered and has not removed. */
+	const std::vector<std::string>& GetConsoleCommands() const { return ConsoleCommands; }
 
 	/** The module's pull-down as it shows when opened. */
 	std::vector<FLodexMenuItem> OpenPullDown() const;
@@ -107,6 +117,7 @@ private:
 	/** The level editor's viewport context-menu extenders added by the module. */
 	std::vector<const FLodexMenuInfo*> ViewportMenuExtenders;
 	std::vector<std::string> RegisteredCommandSets;
+	std::vector<std::string> ConsoleCommands;
 	/** The module's listeners: the tab tools, and null for MenuTool, which the model runs through its own calls. */
 	std::vector<std::pair<std::string, std::unique_ptr<FEditorModelTabTool>>> Listeners;
 };

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <iostream>
 
 namespace
 {
@@ -32,6 +33,11 @@ int RunLodexCli(
 	return RunLodexCliWithInput(Args, &In, bInteractive, Out, Err);
 }
 
+int RunLodexCli(const std::vector<std::string>& Args, std::istream& In, std::ostream& Out, std::ostream& Err)
+{
+	return RunLodexCliWithInput(Args, &In, false, Out, Err);
+}
+
 static int RunLodexCliWithInput(
 	const std::vector<std::string>& Args, std::istream* In, bool bInteractive, std::ostream& Out, std::ostream& Err)
 {
@@ -48,6 +54,7 @@ static int RunLodexCliWithInput(
 	Commands.push_back(MakeReplCommand());
 	Commands.push_back(MakeDebugCommand());
 	Commands.push_back(MakeLintCommand());
+	Commands.push_back(MakeExploreCommand());
 	std::vector<CLI::App*> Subcommands;
 	for (const std::unique_ptr<ILodexCommand>& Command : Commands)
 	{

@@ -20,7 +20,7 @@ enum ELodexExit : int
 	LodexExitUsage = 2,
 };
 
-/** The streams a command writes to. */
+/** The streams a command writes to, and the one it reads user actions from. */
 struct FLodexCliIo
 {
 	std::ostream& Out;
@@ -48,10 +48,14 @@ std::unique_ptr<ILodexCommand> MakeRecordCommand();
 std::unique_ptr<ILodexCommand> MakeReplCommand();
 std::unique_ptr<ILodexCommand> MakeDebugCommand();
 std::unique_ptr<ILodexCommand> MakeLintCommand();
+std::unique_ptr<ILodexCommand> MakeExploreCommand();
 
 /** Runs the tool on its arguments (without the program name); returns the exit code. */
 int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::ostream& Err);
 
-/** The same, with lines to read (`lodex repl`, `lodex debug`); bInteractive when In is a terminal. */
+/** The same, with lines to read (`lodex repl`, `lodex debug`, `lodex explore`); bInteractive when In is a terminal. */
 int RunLodexCli(
 	const std::vector<std::string>& Args, std::istream& In, bool bInteractive, std::ostream& Out, std::ostream& Err);
+
+/** The same, with lines to read from a pipe or a file. */
+int RunLodexCli(const std::vector<std::string>& Args, std::istream& In, std::ostream& Out, std::ostream& Err);

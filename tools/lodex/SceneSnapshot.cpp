@@ -189,6 +189,13 @@ bool FSceneSnapshot::ReadObjects(
 		}
 	}
 
+	// Reflection: the classes and each object's class.
+	std::string ReflectionError;
+	if (!ParseSceneReflection(Root, Entries, Scene.Objects, Scene.Classes, ReflectionError))
+	{
+		return Fail(ReflectionError);
+	}
+
 	Out = std::move(Scene);
 	return true;
 }

@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "SceneClasses.h"
+
 #include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
 
 #include <nlohmann/json_fwd.hpp>
@@ -21,12 +23,15 @@ struct FSceneObject
 	const FSceneObject* RootWidget = nullptr;
 	bool bHasTags = false;
 	std::vector<std::string> Tags;
+	/** The object's class; null in files without reflection. */
+	const FSceneClass* Class = nullptr;
 };
 
 /**
  * A level described by a JSON file: {"objects": [{"id", "kind", "name", "outer", "attachParent",
  * "widgetParent", "rootWidget", "tags"}, ...]}. It answers the object-graph questions the Lodestring
- * builder asks, the way the editor's objects do.
+ * builder asks, the way the editor's objects do. With "classes" (and each object's "class") it also holds the
+ * reflection the object explorer reads; FSceneReflection answers for it.
  */
 class FSceneSnapshot final : public ILodexObjectGraph
 {
@@ -52,6 +57,9 @@ public:
 
 	const std::vector<FSceneObject>& GetObjects() const { return Objects; }
 
+	/** The classes of the file's "classes" (see SceneClasses.h); empty for a file without reflection. */
+	const std::vector<FSceneClass>& GetClasses() const { return Classes; }
+
 	/** The object with this id, or else the one object with this name; null and a message otherwise. */
 	FLodexObject FindObject(const std::string& IdOrName, std::string& OutError) const;
 
@@ -73,4 +81,5 @@ private:
 		const nlohmann::json& Root, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError);
 
 	std::vector<FSceneObject> Objects;
+	std::vector<FSceneClass> Classes;
 };

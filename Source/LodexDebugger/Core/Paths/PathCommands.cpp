@@ -95,9 +95,9 @@ const std::vector<FLodexMenuInfo>& GetLodexContextMenus()
 			"the level editor's viewport context-menu extenders", "ActorType", SectionHook, SectionHeading, "",
 			SubMenuLabel, "Print the Lodestring reference for use in Veltrane tests.", "MenuTool", "", false,
 			CommandEntries(GetMenuToolCommandSet())},
-		{ELodexMenuKind::ComponentsTree, "Components tree menu of the object explorer", "Kismet.SCSEditorContextMenu",
-			"", "VelTrane", "VelTrane", "Veltrane", SubMenuLabel, "Get the Lodestring for the selected component",
-			"DetailToolA", "VelTrane", true,
+		{ELodexMenuKind::ComponentsTree, "Components tree menu of the object explorer",
+			"Kismet.SubobjectEditorContextMenu", "", "VelTrane", "VelTrane", "Veltrane", SubMenuLabel,
+			"Get the Lodestring for the selected component", "DetailToolA", "VelTrane", true,
 			{
 				{"Lodestring Relative", nullptr, "Lodestring Relative", "Get the Lodestring Relative",
 					"Lodestring_Relative", "Lodestring_Relative_Tooltip", LodestringModes::Relative},

@@ -42,7 +42,13 @@ const FLodexTabSpawnerEntry* FLodexTabSpawnerRegistry::Find(const std::string& T
 void FLodexMenuExtender::AddMenuExtension(
 	const std::string& Hook, ELodexExtensionPosition Position, const std::string& TabName)
 {
-	Extensions.push_back({Hook, Position, TabName});
+	Extensions.push_back({Hook, Position, TabName, std::string(), std::string(), std::string()});
+}
+
+void FLodexMenuExtender::AddMenuEntry(const std::string& Hook, ELodexExtensionPosition Position,
+	const std::string& Label, const std::string& ToolTip, const std::string& Command)
+{
+	Extensions.push_back({Hook, Position, std::string(), Label, ToolTip, Command});
 }
 
 FLodexMenuModelBuilder::FLodexMenuModelBuilder(
@@ -91,6 +97,12 @@ void FLodexMenuModelBuilder::ApplyHook(const std::string& Hook, ELodexExtensionP
 	{
 		if (Extension.Hook != Hook || Extension.Position != Position)
 		{
+			continue;
+		}
+		if (Extension.TabName.empty())
+		{
+			ApplySectionBeginning();
+			Items.push_back({ELodexMenuItemKind::Entry, Extension.Label, Extension.ToolTip, Extension.Command});
 			continue;
 		}
 		// The tab tool's MakeMenuEntry: the spawner's entry, when the spawner is registered.

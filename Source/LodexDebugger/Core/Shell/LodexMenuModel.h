@@ -35,12 +35,17 @@ private:
 	std::vector<FLodexTabSpawnerEntry> Spawners;
 };
 
-/** One menu extension: at a hook and position, it adds the spawner entry of a tab. */
+/** One menu extension: at a hook and position, it adds the spawner entry of a tab, or an entry of its own. */
 struct FLodexMenuExtensionEntry
 {
 	std::string Hook;
 	ELodexExtensionPosition Position;
+	/** The tab whose spawner entry is added; empty for an entry of its own. */
 	std::string TabName;
+	/** An entry of its own: its label, tooltip and the console command it runs. */
+	std::string Label;
+	std::string ToolTip;
+	std::string Command;
 };
 
 /** The module's menu extender (`MenuExtender`): extensions in the order they were added. */
@@ -48,6 +53,9 @@ class FLodexMenuExtender
 {
 public:
 	void AddMenuExtension(const std::string& Hook, ELodexExtensionPosition Position, const std::string& TabName);
+	/** An extension that adds a plain entry running a console command (its menu item's Id). */
+	void AddMenuEntry(const std::string& Hook, ELodexExtensionPosition Position, const std::string& Label,
+		const std::string& ToolTip, const std::string& Command);
 	const std::vector<FLodexMenuExtensionEntry>& GetExtensions() const { return Extensions; }
 
 private:
@@ -69,7 +77,7 @@ struct FLodexMenuItem
 	std::string Text;
 	/** An entry's tooltip. */
 	std::string ToolTip;
-	/** A heading's or separator's extension hook, or the tab an entry opens. */
+	/** A heading's or separator's extension hook, the tab an entry opens, or the console command it runs. */
 	std::string Id;
 };
 

@@ -1,0 +1,97 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "LodexReflection.h"
+#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** What a written scene snapshot holds. */
+struct FLodexSnapshotCounts
+{
+	std::size_t Objects = 0;
+	std::size_t Classes = 0;
+};
+
+namespace LodexSnapshot
+{
+	/**
+	 * The scene snapshot text (JSON, UTF-8) of the objects: each object with its id, kind, name, references,
+	 * tags and class, then every class met (each object's class and its super classes) with its own functions,
+	 * their properties and flags, and its own properties. Objects that the given ones refer to (outers, attach
+	 * parents, widget parents, root widgets) are written too, after them. Ids are the objects' names, made unique
+	 * with "#2", "#3", ... Text that is not well-formed UTF-8 is written with U+FFFD in place of each bad byte.
+	 */
+	std::string Write(const ILodexObjectGraph& Graph, const ILodexReflection& Reflection,
+		const std::vector<FLodexObject>& Objects, FLodexSnapshotCounts* OutCounts = nullptr);
+
+	/** Appends the text as a JSON string literal, quotes included. */
+	void AppendJsonString(std::string& Out, const std::string& Text);
+}
+
+/** The export of the editor's world as a scene snapshot: its console command and its pull-down entry. */
+struct FLodexSnapshotExportInfo
+{
+	/** The console command: "Lodex.ExportSnapshot [FILE]". */
+	const char* ConsoleCommand;
+	const char* ConsoleHelp;
+	/** The pull-down entry, placed relative to a separator hook of the module's pull-down. */
+	const char* MenuHook;
+	ELodexExtensionPosition MenuPosition;
+	const char* MenuLabel;
+	const char* MenuToolTip;
+	/** The folder under the project's "Saved" folder where snapshots go by default. */
+	const char* DefaultFolder;
+	/** The file name suffix of a snapshot, and of the temporary file written first. */
+	const char* FileExtension;
+	const char* TemporarySuffix;
+};
+
+const FLodexSnapshotExportInfo& GetLodexSnapshotExport();
+
+/** The editor calls that install and remove the export. */
+class ILodexSnapshotExportHost
+{
+public:
+	virtual ~ILodexSnapshotExportHost() = default;
+	/** Adds the export's entry to the module's pull-down. */
+	virtual void AddPullDownEntry(const FLodexSnapshotExportInfo& Export) = 0;
+	/** Registers the console command with the console manager. */
+	virtual void RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export) = 0;
+	/** Removes the console command. */
+	virtual void UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export) = 0;
+};
+
+namespace LodexSnapshot
+{
+	/** Installs the export: the pull-down entry, then the console command. */
+	void StartExport(ILodexSnapshotExportHost& Host);
+
+	/** Removes the console command (the pull-down goes with the module's menu extender). */
+	void StopExport(ILodexSnapshotExportHost& Host);
+
+	/** What the console command's arguments ask for: the file, or the default when none is given. */
+	struct FExportRequest
+	{
+		bool bUseDefaultFile = false;
+		std::string File;
+	};
+
+	/**
+	 * The file the arguments name. The console splits its input at blanks, so the pieces are joined again with one
+	 * blank each; double quotes around the whole are removed. No argument asks for the default file.
+	 */
+	FExportRequest ParseConsoleArguments(const std::vector<std::string>& Arguments);
+
+	/** The default file name for a world: its name with characters unfit for a file name replaced by '_'. */
+	std::string MakeDefaultFileName(const std::string& WorldName);
+
+	/** The log line and notification text after a snapshot was written. */
+	std::string FormatWrittenMessage(const std::string& Path, const FLodexSnapshotCounts& Counts);
+
+	/** The log line and notification text when a snapshot could not be written. */
+	std::string FormatFailedMessage(const std::string& Path, const std::string& Reason);
+}

@@ -1,0 +1,175 @@
+// Copyright Lodex contributors.
+#include "TestGraph.h"
+#include "TestReflection.h"
+
+#include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+	using R = FTestReflection;
+
+	std::string JsonString(const std::string& Text)
+	{
+		std::string Out;
+		LodexSnapshot::AppendJsonString(Out, Text);
+		return Out;
+	}
+
+	TEST(SnapshotWriter, StringsAreEscapedAndBadUtf8BecomesReplacementCharacters)
+	{
+		const std::vector<std::pair<std::string, std::string>> Cases{
+			{"Door", "\"Door\""},
+			{"Bob's \"Sign\" C:\\x", "\"Bob's \\\"Sign\\\" C:\\\\x\""},
+			{"a\nb\rc\td\x01\x1f", "\"a\\nb\\rc\\td\\u0001\\u001f\""},
+			{"Tür 用户 \xF0\x9F\x98\x80", "\"Tür 用户 \xF0\x9F\x98\x80\""},
+			{"\xFF", "\"\xEF\xBF\xBD\""},
+			// A sequence cut short, an overlong form and an encoded surrogate: one replacement per byte.
+			{"a\xE7\x94", "\"a\xEF\xBF\xBD\xEF\xBF\xBD\""},
+			{"\xC0\xAF", "\"\xEF\xBF\xBD\xEF\xBF\xBD\""},
+			{"\xED\xA0\x80", "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""},
+		};
+		for (const auto& Case : Cases)
+		{
+			EXPECT_EQ(JsonString(Case.first), Case.second) << Case.first;
+		}
+	}
+
+	TEST(SnapshotWriter, WritesObjectsThenWhatTheyReferToThenEveryClassMet)
+	{
+		FTestGraph Graph;
+		FTestReflection Reflection;
+		FTestGraph::FNode& House = Graph.Actor("House", nullptr, {"bldg"});
+		FTestGraph::FNode& Door = Graph.Actor("Door", &House);
+		FTestGraph::FNode& Hinge = Graph.Add(FTestGraph::EKind::Component, "Hinge", &Door);
+		FTestGraph::FNode& OtherDoor = Graph.Actor("Door");
+		FTestReflection::FClass& Object = Reflection.Class("Object");
+		FTestReflection::FClass& Actor = Reflection.Class("Actor", &Object);
+		Actor.Function("K2_GetActorLocation", {{"ReturnValue", "FVector", R::Ret}})
+			.Function("Knock", {{"Strength", "float", R::In}, {"Echo", "int32", R::Local}})
+			.Property("Tags", "TArray");
+		Reflection.SetClass(Door, Actor);
+		Reflection.SetClass(House, Actor);
+		Reflection.SetClass(Hinge, Object);
+
+		FLodexSnapshotCounts Counts;
+		const std::string Text = LodexSnapshot::Write(Graph, Reflection,
+			{FTestGraph::Handle(Hinge), FTestGraph::Handle(OtherDoor), FTestGraph::Handle(Door)}, &Counts);
+		EXPECT_EQ(Text,
+			"{\n"
+			"  \"objects\": [\n"
+			"    {\"id\": \"Hinge\", \"kind\": \"component\", \"name\": \"Hinge\", \"outer\": \"Door#2\", \"class\": "
+			"\"Object\"},\n"
+			"    {\"id\": \"Door\", \"kind\": \"actor\", \"name\": \"Door\", \"outer\": \"PersistentLevel\", "
+			"\"tags\": []},\n"
+			"    {\"id\": \"Door#2\", \"kind\": \"actor\", \"name\": \"Door\", \"outer\": \"PersistentLevel\", "
+			"\"attachParent\": \"House\", \"tags\": [], \"class\": \"Actor\"},\n"
+			"    {\"id\": \"PersistentLevel\", \"kind\": \"other\", \"name\": \"PersistentLevel\"},\n"
+			"    {\"id\": \"House\", \"kind\": \"actor\", \"name\": \"House\", \"outer\": \"PersistentLevel\", "
+			"\"tags\": [\"bldg\"], \"class\": \"Actor\"}\n"
+			"  ],\n"
+			"  \"classes\": [\n"
+			"    {\"name\": \"Object\",\n"
+			"      \"functions\": [],\n"
+			"      \"properties\": []},\n"
+			"    {\"name\": \"Actor\", \"super\": \"Object\",\n"
+			"      \"functions\": [\n"
+			"        {\"name\": \"K2_GetActorLocation\", \"properties\": [{\"name\": \"ReturnValue\", \"type\": "
+			"\"FVector\", \"flags\": [\"parm\", \"out\", \"return\"]}]},\n"
+			"        {\"name\": \"Knock\", \"properties\": [{\"name\": \"Strength\", \"type\": \"float\", \"flags\": "
+			"[\"parm\"]}, {\"name\": \"Echo\", \"type\": \"int32\", \"flags\": []}]}\n"
+			"      ],\n"
+			"      \"properties\": [\n"
+			"        {\"name\": \"Tags\", \"type\": \"TArray\"}\n"
+			"      ]}\n"
+			"  ]\n"
+			"}\n");
+		EXPECT_EQ(Counts.Objects, 5u);
+		EXPECT_EQ(Counts.Classes, 2u);
+	}
+
+	TEST(SnapshotWriter, LoopsOfReferencesAndSameNamedClassesAreWrittenOnce)
+	{
+		FTestGraph Graph;
+		FTestReflection Reflection;
+		FTestGraph::FNode& A = Graph.Actor("A");
+		FTestGraph::FNode& B = Graph.Actor("B", &A);
+		A.AttachParent = &B;
+		FTestReflection::FClass& First = Reflection.Class("Door_C");
+		FTestReflection::FClass& Second = Reflection.Class("Door_C", &First);
+		Reflection.SetClass(A, Second);
+		Reflection.SetClass(B, First);
+		FLodexSnapshotCounts Counts;
+		const std::string Text = LodexSnapshot::Write(Graph, Reflection, {FTestGraph::Handle(A)}, &Counts);
+		EXPECT_EQ(Counts.Objects, 3u);
+		EXPECT_EQ(Counts.Classes, 2u);
+		// The class met first keeps its name; the other one, met as its super class, is told apart.
+		EXPECT_NE(Text.find("{\"name\": \"Door_C\", \"super\": \"Door_C#2\",\n"), std::string::npos) << Text;
+		EXPECT_NE(Text.find("\"attachParent\": \"A\", \"tags\": [], \"class\": \"Door_C#2\""), std::string::npos);
+
+		const std::string Empty = LodexSnapshot::Write(Graph, Reflection, {}, &Counts);
+		EXPECT_EQ(Empty, "{\n  \"objects\": [],\n  \"classes\": []\n}\n");
+		EXPECT_EQ(Counts.Objects, 0u);
+	}
+
+	TEST(SnapshotExport, ConsoleArgumentsDefaultFileAndMessages)
+	{
+		struct FArgumentsCase
+		{
+			std::vector<std::string> Arguments;
+			bool bDefault;
+			std::string File;
+		};
+		const std::vector<FArgumentsCase> Cases{
+			{{}, true, ""},
+			{{"level.json"}, false, "level.json"},
+			{{"C:/My", "Levels/level.json"}, false, "C:/My Levels/level.json"},
+			{{"\"/tmp/a", "b.json\""}, false, "/tmp/a b.json"},
+		};
+		for (const FArgumentsCase& Case : Cases)
+		{
+			const LodexSnapshot::FExportRequest Request = LodexSnapshot::ParseConsoleArguments(Case.Arguments);
+			EXPECT_EQ(Request.bUseDefaultFile, Case.bDefault);
+			EXPECT_EQ(Request.File, Case.File);
+		}
+		EXPECT_EQ(LodexSnapshot::MakeDefaultFileName("Level_01"), "Level_01.json");
+		EXPECT_EQ(LodexSnapshot::MakeDefaultFileName("a/b\\c:d*e?\"f<g>|"), "a_b_c_d_e__f_g__.json");
+		EXPECT_EQ(LodexSnapshot::MakeDefaultFileName(""), "World.json");
+		EXPECT_EQ(LodexSnapshot::FormatWrittenMessage("/p/Saved/Lodex/Level.json", {12, 3}),
+			"Scene snapshot written to /p/Saved/Lodex/Level.json: 12 objects, 3 classes");
+		EXPECT_EQ(LodexSnapshot::FormatFailedMessage("/p/x.json", "cannot write /p/x.json.tmp"),
+			"Could not write the scene snapshot /p/x.json: cannot write /p/x.json.tmp");
+	}
+
+	TEST(SnapshotExport, StartAddsTheEntryThenTheCommandAndStopRemovesTheCommand)
+	{
+		class FHost final : public ILodexSnapshotExportHost
+		{
+		public:
+			void AddPullDownEntry(const FLodexSnapshotExportInfo& Export) override
+			{
+				Calls.push_back(std::string("entry ") + Export.MenuLabel + " " +
+					GetLodexExtensionPositionName(Export.MenuPosition) + " " + Export.MenuHook);
+			}
+			void RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override
+			{
+				Calls.push_back(std::string("register ") + Export.ConsoleCommand);
+			}
+			void UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override
+			{
+				Calls.push_back(std::string("unregister ") + Export.ConsoleCommand);
+			}
+			std::vector<std::string> Calls;
+		};
+		FHost Host;
+		LodexSnapshot::StartExport(Host);
+		LodexSnapshot::StopExport(Host);
+		EXPECT_EQ(Host.Calls,
+			(std::vector<std::string>{"entry Export Scene Snapshot After DETAILS_TOOL", "register Lodex.ExportSnapshot",
+				"unregister Lodex.ExportSnapshot"}));
+	}
+}

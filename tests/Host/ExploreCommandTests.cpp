@@ -1,0 +1,334 @@
+// Copyright Lodex contributors.
+#include "LodexCli.h"
+#include "TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+	const std::string SampleLevel = std::string(LODEX_SOURCE_DIR) + "/samples/level.json";
+
+	struct FExploreRun
+	{
+		int Exit = -1;
+		std::string Out;
+		std::string Err;
+	};
+
+	FExploreRun Explore(const std::string& Script, const std::string& Scene = SampleLevel)
+	{
+		std::istringstream In(Script);
+		std::ostringstream Out;
+		std::ostringstream Err;
+		FExploreRun Run;
+		Run.Exit = RunLodexCli({"explore", "--scene", Scene}, In, Out, Err);
+		Run.Out = Out.str();
+		Run.Err = Err.str();
+		return Run;
+	}
+
+	/** The rows the last "show" printed for a list ("Properties" or "Methods"), each as its cells joined by "|". */
+	std::vector<std::string> ShownRows(const std::string& Out, const std::string& List)
+	{
+		const std::size_t Start = Out.rfind("\n" + List + "  [");
+		std::vector<std::string> Rows;
+		if (Start == std::string::npos)
+		{
+			return Rows;
+		}
+		std::istringstream Lines(Out.substr(Start + 1));
+		std::string Line;
+		std::getline(Lines, Line); // the title and search box
+		std::getline(Lines, Line); // the header
+		std::getline(Lines, Line); // the rule
+		while (std::getline(Lines, Line) && !Line.empty())
+		{
+			std::istringstream Cells(Line);
+			std::string Cell;
+			std::string Row;
+			while (Cells >> Cell)
+			{
+				Row += Row.empty() ? Cell : "|" + Cell;
+			}
+			Rows.push_back(Row);
+		}
+		return Rows;
+	}
+
+	/** The line of the last "show" that starts with Field ("SelectedFunction: ..."). */
+	std::string ShownField(const std::string& Out, const std::string& Field)
+	{
+		const std::size_t At = Out.rfind("\n" + Field + ": ");
+		if (At == std::string::npos)
+		{
+			return "(not shown)";
+		}
+		const std::size_t From = At + Field.size() + 3;
+		return Out.substr(From, Out.find('\n', From) - From);
+	}
+
+	bool Contains(const std::string& Text, const std::string& Part)
+	{
+		return Text.find(Part) != std::string::npos;
+	}
+
+	TEST(LodexExplore, WorkedExamplesFromAPipeLogAndCopyExactlyAsTheEditor)
+	{
+		FTempDir Dir;
+		const std::string Script = Dir.Write("script.txt",
+			"select door\npick method SetSpeed\nmenu methods\nchoose Lodestring Absolute\n"
+			"pick method GetHits\nmenu methods\nchoose Lodestring Relative\n");
+		const std::string Command = "cat '" + Script + "' | '" LODEX_BINARY "' explore --scene '" + SampleLevel +
+			"' >'" + Dir.File("out") + "' 2>'" + Dir.File("err") + "'";
+		const int Status = std::system(Command.c_str());
+		ASSERT_TRUE(WIFEXITED(Status));
+		EXPECT_EQ(WEXITSTATUS(Status), 0) << FTempDir::Read(Dir.File("err"));
+		const std::string Menu =
+			"> menu methods\n"
+			"Context menu of the Methods list\n"
+			"└── section \"Veltrane\", heading \"VelTrane\"\n"
+			"    └── sub-menu \"Lodestring\", tooltip \"Print the Lodestring reference\", opens on hover\n"
+			"        ├── \"Lodestring Relative\" (DetailToolA.DetailCommand1), tooltip \"Print the Lodestring to the "
+			"console\"\n"
+			"        └── \"Lodestring Absolute\" (DetailToolA.DetailCommand2), tooltip \"Print the Lodestring to the "
+			"console\"\n";
+		EXPECT_EQ(FTempDir::Read(Dir.File("out")),
+			"> select door\n> pick method SetSpeed\n" + Menu +
+				"> choose Lodestring Absolute\n"
+				"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door']\n"
+				"LogTemp: Method : void SetSpeed(float NewSpeed, int32 Gear)\n"
+				"LogTemp: Sample usage: api.CallMethod(\"/*[@name = 'House']/*[@name = 'Door']\", \"SetSpeed\", new "
+				"object[]{float, int32});  //replace types with objects \n"
+				"Clipboard: api.CallMethod(\"/*[@name = 'House']/*[@name = 'Door']\", \"SetSpeed\", new "
+				"object[]{float, int32}); \n"
+				"> pick method GetHits\n" +
+				Menu +
+				"> choose Lodestring Relative\n"
+				"LogTemp: Lodestring : //Door\n"
+				"LogTemp: Method : int32 GetHits()\n"
+				"LogTemp: Sample usage: int32 var = api.CallMethod<int32>(\"//Door\", \"GetHits\", new object[]{});  "
+				"//replace types with objects \n"
+				"Clipboard: int32 var = api.CallMethod<int32>(\"//Door\", \"GetHits\", new object[]{}); \n");
+		EXPECT_EQ(FTempDir::Read(Dir.File("err")), "");
+	}
+
+	TEST(LodexExplore, MethodSnippetsOfEachParameterShape)
+	{
+		const FExploreRun Run = Explore("select door\n"
+										"pick method TryUnlock\nmenu methods\nchoose Lodestring Relative\n"
+										"pick method GetLockState\nmenu methods\nchoose Lodestring Relative\n"
+										"pick method Open\nmenu methods\nchoose Lodestring Relative\n"
+										"pick method Knock\nmenu methods\nchoose Lodestring Relative\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		for (const char* Expected : {
+				 "LogTemp: Method : bool TryUnlock(FString &Code, int32 &AttemptsLeft)\n"
+				 "LogTemp: Sample usage: bool var = api.CallMethod<bool>(\"//Door\", \"TryUnlock\", new object[]{& "
+				 "FString, & int32});  //replace types with objects \n",
+				 "LogTemp: Method : int32 GetLockState(bool &bJammed)\n"
+				 "LogTemp: Sample usage: int32 var = api.CallMethod<int32>(\"//Door\", \"GetLockState\", new "
+				 "object[]{& bool});  //replace types with objects \n",
+				 "LogTemp: Method : void Open()\n"
+				 "LogTemp: Sample usage: api.CallMethod(\"//Door\", \"Open\", new object[]{});  //replace types with "
+				 "objects \n",
+				 // The Blueprint function's locals come after its parameters and are never read.
+				 "LogTemp: Method : bool Knock(float Strength)\n",
+			 })
+		{
+			EXPECT_TRUE(Contains(Run.Out, Expected)) << Expected << "\n" << Run.Out;
+		}
+	}
+
+	TEST(LodexExplore, PropertyAndObjectTargetsAndNothingWithoutAPick)
+	{
+		const FExploreRun Run = Explore("select door\nmenu properties\nchoose Lodestring Relative\n"
+										"tree Hinge\npick property RelativeLocation\nmenu properties\n"
+										"choose Lodestring Relative\nmenu tree\nchoose Lodestring Absolute\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		// Nothing picked in the Properties list: the first choice prints nothing at all.
+		EXPECT_TRUE(Contains(Run.Out, "> choose Lodestring Relative\n> tree Hinge\n")) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out,
+			"> choose Lodestring Relative\n"
+			"LogTemp: Lodestring : //Door/fn:component('Hinge')/@RelativeLocation\n"
+			"Clipboard: //Door/fn:component('Hinge')/@RelativeLocation\n"))
+			<< Run.Out;
+		// The tree's own menu does not change the target: it still describes the property.
+		EXPECT_TRUE(Contains(Run.Out,
+			"> choose Lodestring Absolute\n"
+			"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')/@RelativeLocation\n"))
+			<< Run.Out;
+
+		const FExploreRun Object = Explore("select door\ntree Hinge\nmenu tree\nchoose Lodestring Absolute\n");
+		EXPECT_TRUE(Contains(Object.Out,
+			"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge') \n"
+			"Clipboard: /*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n"))
+			<< Object.Out;
+	}
+
+	TEST(LodexExplore, VoidInAnyCaseAndAComponentNamedAfterItsActorWhateverItsOwnPath)
+	{
+		FTempDir Dir;
+		const std::string Scene = Dir.Write("door.json", R"({"objects": [
+			{"id": "lvl", "kind": "other", "name": "PersistentLevel"},
+			{"id": "door", "kind": "actor", "name": "Door", "outer": "lvl", "class": "Door_C"},
+			{"id": "lock", "kind": "component", "name": "Lock", "outer": "door"},
+			{"id": "latch", "kind": "component", "name": "Latch", "outer": "lock"}],
+		  "classes": [{"name": "Door_C", "functions": [
+			{"name": "Shout", "properties": [{"name": "ReturnValue", "type": "VOID", "flags": ["parm", "out", "return"]},
+				{"name": "Word", "type": "FString", "flags": ["parm"]}, {"name": "Times", "type": "int32", "flags": ["parm", "out"]}]},
+			{"name": "Whisper", "properties": [{"name": "ReturnValue", "type": "Void", "flags": ["parm", "out", "return"]},
+				{"name": "Word", "type": "FString", "flags": ["parm"]}]}]}]})");
+		const FExploreRun Run = Explore("select door\npick method Shout\nmenu methods\nchoose Lodestring Relative\n"
+										"pick method Whisper\nmenu methods\nchoose Lodestring Relative\n"
+										"tree Latch\nmenu tree\nchoose Lodestring Relative\n",
+			Scene);
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		for (const char* Expected : {
+				 "LogTemp: Method : int32 Shout(FString Word)\n"
+				 "LogTemp: Sample usage: int32 var = api.CallMethod<int32>(\"//Door\", \"Shout\", new "
+				 "object[]{FString});  //replace types with objects \n",
+				 "LogTemp: Method : Void Whisper(FString Word)\n"
+				 "LogTemp: Sample usage: api.CallMethod(\"//Door\", \"Whisper\", new object[]{FString});  //replace "
+				 "types with objects \n",
+				 // The latch's own Lodestring is //Door/fn:component('Lock')/fn:component('Latch').
+				 "> choose Lodestring Relative\nLogTemp: Lodestring : //Door/fn:component('Latch') \n",
+			 })
+		{
+			EXPECT_TRUE(Contains(Run.Out, Expected)) << Expected << "\n" << Run.Out;
+		}
+		std::istringstream In;
+		std::ostringstream PathOut;
+		std::ostringstream PathErr;
+		ASSERT_EQ(RunLodexCli({"path", "--scene", Scene, "--mode", "Relative", "latch"}, In, PathOut, PathErr), 0);
+		EXPECT_EQ(PathOut.str(), "//Door/fn:component('Lock')/fn:component('Latch')\n");
+	}
+
+	TEST(LodexExplore, TypingLocKeepsRelativeLocationAndClearingTheBoxShowsEverythingAgain)
+	{
+		const FExploreRun Run = Explore("select hinge\nsearch properties loc\nshow\n");
+		EXPECT_EQ(ShownRows(Run.Out, "Properties"), std::vector<std::string>{"FVector|RelativeLocation"});
+		EXPECT_TRUE(Contains(Run.Out, "\nProperties  [loc]\n"));
+		const FExploreRun Cleared = Explore("select hinge\nsearch properties loc\nsearch properties\nshow\n");
+		EXPECT_EQ(ShownRows(Cleared.Out, "Properties").size(), 9u);
+		EXPECT_TRUE(Contains(Cleared.Out, "\nProperties  [Search Properties] (hint)\n"));
+	}
+
+	TEST(LodexExplore, SelectingAComponentInTheTreeClearsBothBoxesAndRefillsBothLists)
+	{
+		const FExploreRun Run =
+			Explore("select door\nsearch properties open\nsearch methods lock\nshow\ntree Hinge\nshow\n");
+		EXPECT_EQ(ShownRows(Run.Out, "Properties").front(), "USceneComponent*|AttachParent");
+		EXPECT_EQ(ShownRows(Run.Out, "Methods").front(), "USceneComponent*|GetAttachParent()");
+		EXPECT_EQ(ShownField(Run.Out, "SelectedComponent"), "Hinge");
+		const std::size_t LastShow = Run.Out.rfind("> show");
+		EXPECT_EQ(Run.Out.find("[Search Properties] (hint)", LastShow) != std::string::npos &&
+				Run.Out.find("[open]", LastShow) == std::string::npos &&
+				Run.Out.find("[lock]", LastShow) == std::string::npos,
+			true)
+			<< Run.Out.substr(LastShow);
+	}
+
+	TEST(LodexExplore, EitherRowOfTwoSameNamedMethodsPicksTheFirstEntry)
+	{
+		const FExploreRun Run = Explore("select door\nsearch methods BeginPlay\npick method #2\nshow\n");
+		EXPECT_EQ(ShownRows(Run.Out, "Methods"),
+			(std::vector<std::string>{"void|ReceiveBeginPlay()", ">|void|ReceiveBeginPlay()"}));
+		EXPECT_EQ(ShownField(Run.Out, "SelectedFunction"), "ReceiveBeginPlay (declared by BP_Door_C)");
+	}
+
+	TEST(LodexExplore, TwoSelectedActorsLeaveThePanelAsItWas)
+	{
+		const FExploreRun Run =
+			Explore("select door\npick method Open\nsearch methods o\nshow\nselect door lamp\nshow\n");
+		const std::size_t Second = Run.Out.rfind("> show\n");
+		const std::size_t First = Run.Out.rfind("> show\n", Second - 1);
+		const std::string FirstShow = Run.Out.substr(First, Run.Out.find("> select door lamp") - First);
+		EXPECT_EQ(Run.Out.substr(Second), FirstShow);
+		EXPECT_EQ(ShownField(Run.Out, "SelectedFunction"), "Open (declared by LockableDoor)");
+	}
+
+	TEST(LodexExplore, AnObjectNeitherActorNorComponentIsLoggedAndLeavesTheListsEmpty)
+	{
+		const FExploreRun Run = Explore("select door\nselect level\nselect hud\nshow\n");
+		EXPECT_TRUE(Contains(Run.Out,
+			"> select level\nLogTemp: Unhandled thing clicked : PersistentLevel();\n"
+			"> select hud\nLogTemp: Unhandled thing clicked : WBP_HUD_C_0();\n"))
+			<< Run.Out;
+		EXPECT_TRUE(ShownRows(Run.Out, "Properties").empty());
+		EXPECT_TRUE(ShownRows(Run.Out, "Methods").empty());
+		EXPECT_EQ(ShownField(Run.Out, "SelectedActor"), "(none)");
+	}
+
+	TEST(LodexExplore, ListViewsLetGoOfARowTheyNoLongerShowAndThePanelHearsIt)
+	{
+		const FExploreRun Run = Explore("select door\npick method Open\nsearch methods lock\nshow\n"
+										"search methods\nshow\npick method Open\ntree Hinge\nshow\n");
+		const std::size_t Second = Run.Out.find("> search methods\n");
+		EXPECT_EQ(ShownField(Run.Out.substr(0, Second), "SelectedFunction"), "(none)");
+		EXPECT_EQ(
+			ShownField(Run.Out.substr(0, Run.Out.find("> pick method Open", Second)), "SelectedFunction"), "(none)");
+		// Refilling the lists from the hinge makes new rows: the pick goes too.
+		EXPECT_EQ(ShownField(Run.Out, "SelectedFunction"), "(none)");
+	}
+
+	TEST(LodexExplore, ATabOpenedAgainStartsFromTheEditorsSelection)
+	{
+		const FExploreRun Run = Explore("close\nselect lamp\nshow\nopen\nmenu tree\nshow\n");
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Err, "lodex: line 3: the Object Explorer tab is closed (\"open\" opens it)\n");
+		EXPECT_TRUE(Contains(Run.Out, "(no context menu: no node of the components tree is selected)\n"));
+		EXPECT_EQ(ShownField(Run.Out, "SelectedActor"), "Lamp_2");
+		EXPECT_TRUE(ShownRows(Run.Out, "Methods").empty());
+	}
+
+	TEST(LodexExplore, ALineThatCannotBeCarriedOutIsReportedAndTheSessionGoesOn)
+	{
+		const FExploreRun Run =
+			Explore("select door\njump\nselect nobody\npick method Fly\nchoose Lodestring Absolute\n"
+					"search widgets x\n# a comment\n\nmenu methods\nchoose Lodestring Sideways\nshow\n");
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Err,
+			"lodex: line 2: unknown action \"jump\" (expected select, tree, search, pick, menu, choose, show, open, "
+			"close or help)\n"
+			"lodex: line 3: select: no object has the id or name 'nobody'\n"
+			"lodex: line 4: pick: the Methods list shows no row \"Fly\"\n"
+			"lodex: line 5: choose: no context menu is open (\"menu properties\", \"menu methods\" or \"menu tree\" "
+			"opens one)\n"
+			"lodex: line 6: search: expected \"properties\" or \"methods\", found \"widgets\"\n"
+			"lodex: line 10: choose: the open menu has no entry \"Lodestring Sideways\" (it has \"Lodestring "
+			"Relative\", \"Lodestring Absolute\")\n");
+		EXPECT_EQ(ShownField(Run.Out, "SelectedActor"), "Door");
+	}
+
+	TEST(LodexExplore, ABadSceneIsOneLineAndExit1)
+	{
+		FTempDir Dir;
+		const std::string Bad =
+			Dir.Write("bad.json", R"({"objects": [], "classes": [{"name": "A", "functions": [{"name": 3}]}]})");
+		const FExploreRun Run = Explore("show\n", Bad);
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Err,
+			"lodex: " + Bad + ": classes[0] (name 'A'): functions[0]: field 'name' must be a string, found number\n");
+		EXPECT_EQ(Run.Out, "");
+		const FExploreRun Missing = Explore("show\n", Dir.File("none.json"));
+		EXPECT_EQ(Missing.Err, "lodex: " + Dir.File("none.json") + ": cannot open the file\n");
+	}
+
+	TEST(LodexExplore, TheDemoExploresTheGameClassAndPrintsAMethodSnippet)
+	{
+		std::istringstream In;
+		std::ostringstream Out;
+		std::ostringstream Err;
+		ASSERT_EQ(RunLodexCli({"demo"}, In, Out, Err), 0) << Err.str();
+		EXPECT_TRUE(Contains(Out.str(),
+			"LogTemp: Sample usage: bool var = api.CallMethod<bool>(\"/*[@name = 'House']/*[@name = 'Door']\", "
+			"\"TryUnlock\", new object[]{& FString, & int32});  //replace types with objects \n"))
+			<< Out.str();
+	}
+}

@@ -1,0 +1,188 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "TestGraph.h"
+
+#include "LodexDebugger/Core/Explorer/ExplorerPanel.h"
+#include "LodexDebugger/Core/Explorer/LodexReflection.h"
+
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+/** Reflection built in code, for tests: classes with their own functions and properties, over FTestGraph objects. */
+class FTestReflection final : public ILodexReflection
+{
+public:
+	/** Flags of a function's properties: parameter, out-parameter, return value, local. */
+	static constexpr std::uint64_t In = LodexPropertyFlags::Parm;
+	static constexpr std::uint64_t Out = LodexPropertyFlags::Parm | LodexPropertyFlags::OutParm;
+	static constexpr std::uint64_t Ret =
+		LodexPropertyFlags::Parm | LodexPropertyFlags::OutParm | LodexPropertyFlags::ReturnParm;
+	static constexpr std::uint64_t Local = 0;
+
+	struct FProperty
+	{
+		std::string Name;
+		std::string Type;
+		std::uint64_t Flags = 0;
+	};
+
+	struct FFunction
+	{
+		std::string Name;
+		std::vector<FProperty> Properties;
+	};
+
+	struct FClass
+	{
+		std::string Name;
+		const FClass* Super = nullptr;
+		std::deque<FFunction> Functions;
+		std::deque<FProperty> Properties;
+
+		FClass& Function(std::string FunctionName, std::vector<FProperty> FunctionProperties = {})
+		{
+			Functions.push_back({std::move(FunctionName), std::move(FunctionProperties)});
+			return *this;
+		}
+		FClass& Property(std::string PropertyName, std::string Type)
+		{
+			Properties.push_back({std::move(PropertyName), std::move(Type), 0});
+			return *this;
+		}
+	};
+
+	FClass& Class(std::string Name, const FClass* Super = nullptr)
+	{
+		Classes.push_back(FClass());
+		Classes.back().Name = std::move(Name);
+		Classes.back().Super = Super;
+		return Classes.back();
+	}
+
+	/** Gives an object its class. */
+	void SetClass(const FTestGraph::FNode& Object, const FClass& Class) { ClassOf[&Object] = &Class; }
+
+	/** Makes a component of an actor: its owner, and one of the actor's components in order. */
+	void AddComponent(const FTestGraph::FNode& Actor, const FTestGraph::FNode& Component)
+	{
+		OwnerOf[&Component] = FTestGraph::Handle(Actor);
+		ComponentsOf[&Actor].push_back(FTestGraph::Handle(Component));
+	}
+
+	/** The handle of a class's own function of that name (the first one). */
+	static FLodexFunction FindFunction(const FClass& Class, const std::string& Name)
+	{
+		for (const FFunction& Function : Class.Functions)
+		{
+			if (Function.Name == Name)
+			{
+				return FLodexFunction(&Function);
+			}
+		}
+		return FLodexFunction();
+	}
+
+	static FLodexProperty FindProperty(const FClass& Class, const std::string& Name)
+	{
+		for (const FProperty& Property : Class.Properties)
+		{
+			if (Property.Name == Name)
+			{
+				return FLodexProperty(&Property);
+			}
+		}
+		return FLodexProperty();
+	}
+
+	FLodexClass GetClass(FLodexObject Object) const override
+	{
+		const auto Found = ClassOf.find(Object.Ptr);
+		return FLodexClass(Found == ClassOf.end() ? nullptr : Found->second);
+	}
+	FLodexClass GetSuperClass(FLodexClass Class) const override { return FLodexClass(Get(Class).Super); }
+	std::string GetClassName(FLodexClass Class) const override { return Get(Class).Name; }
+	void GetOwnFunctions(FLodexClass Class, std::vector<FLodexFunction>& OutFunctions) const override
+	{
+		for (const FFunction& Function : Get(Class).Functions)
+		{
+			OutFunctions.push_back(FLodexFunction(&Function));
+		}
+	}
+	void GetOwnProperties(FLodexClass Class, std::vector<FLodexProperty>& OutProperties) const override
+	{
+		for (const FProperty& Property : Get(Class).Properties)
+		{
+			OutProperties.push_back(FLodexProperty(&Property));
+		}
+	}
+	std::string GetFunctionName(FLodexFunction Function) const override { return Get(Function).Name; }
+	void GetFunctionProperties(FLodexFunction Function, std::vector<FLodexProperty>& OutProperties) const override
+	{
+		for (const FProperty& Property : Get(Function).Properties)
+		{
+			OutProperties.push_back(FLodexProperty(&Property));
+		}
+	}
+	FLodexProperty GetReturnProperty(FLodexFunction Function) const override
+	{
+		for (const FProperty& Property : Get(Function).Properties)
+		{
+			if ((Property.Flags & LodexPropertyFlags::Parm) == 0)
+			{
+				break;
+			}
+			if ((Property.Flags & LodexPropertyFlags::ReturnParm) != 0)
+			{
+				return FLodexProperty(&Property);
+			}
+		}
+		return FLodexProperty();
+	}
+	std::string GetPropertyName(FLodexProperty Property) const override { return Get(Property).Name; }
+	std::string GetPropertyType(FLodexProperty Property) const override { return Get(Property).Type; }
+	std::uint64_t GetPropertyFlags(FLodexProperty Property) const override { return Get(Property).Flags; }
+	FLodexObject GetComponentOwner(FLodexObject Component) const override
+	{
+		const auto Found = OwnerOf.find(Component.Ptr);
+		return Found == OwnerOf.end() ? FLodexObject() : Found->second;
+	}
+	void GetComponents(FLodexObject Actor, std::vector<FLodexObject>& OutComponents) const override
+	{
+		const auto Found = ComponentsOf.find(Actor.Ptr);
+		if (Found != ComponentsOf.end())
+		{
+			OutComponents.insert(OutComponents.end(), Found->second.begin(), Found->second.end());
+		}
+	}
+
+private:
+	static const FClass& Get(FLodexClass Class) { return *static_cast<const FClass*>(Class.Ptr); }
+	static const FFunction& Get(FLodexFunction Function) { return *static_cast<const FFunction*>(Function.Ptr); }
+	static const FProperty& Get(FLodexProperty Property) { return *static_cast<const FProperty*>(Property.Ptr); }
+
+	std::deque<FClass> Classes;
+	std::map<const void*, const FClass*> ClassOf;
+	std::map<const void*, FLodexObject> OwnerOf;
+	std::map<const void*, std::vector<FLodexObject>> ComponentsOf;
+};
+
+/** An actor selection held as a list, for the panel's selection events. */
+class FTestSelection final : public ILodexActorSelection
+{
+public:
+	FTestSelection() = default;
+	FTestSelection(std::initializer_list<const FTestGraph::FNode*> Nodes)
+	{
+		for (const FTestGraph::FNode* Node : Nodes)
+		{
+			Objects.push_back(FLodexObject(Node));
+		}
+	}
+	std::size_t Num() const override { return Objects.size(); }
+	FLodexObject GetSelectedObject(std::size_t Index) const override { return Objects[Index]; }
+
+	std::vector<FLodexObject> Objects;
+};
