@@ -61,6 +61,39 @@ namespace
 									"null node-type\n"
 									"run /nobuffer\nresult 1\nnull path\n";
 
+	const std::string SampleScene = std::string(LODEX_SOURCE_DIR) + "/samples/level.json";
+
+	TEST(EvaluationCliScene, TheNativeEvaluatorAnswersTheReplAndTheDebuggerOnASceneFile)
+	{
+		const FSessionRun Repl =
+			RunWithInput({"repl", "--scene", SampleScene}, "//Door\n/*[@tag = 'light' or @tag = 'shop']\n/*[\n");
+		EXPECT_EQ(Repl.Exit, 0) << Repl.Err;
+		EXPECT_EQ(Repl.Err, "");
+		EXPECT_EQ(CountOf(Repl.Out, "  poll: Evaluated (3)\n"), 2) << Repl.Out;
+		EXPECT_TRUE(Contains(Repl.Out,
+			"> //Door\n  request: Run (1)\n  evaluator took: Run (1)\n  poll: Evaluated "
+			"(3)\n  Lode String: //Door\n  count: 1\n  StateColor (0, 0, 0, 0)"))
+			<< Repl.Out;
+		EXPECT_TRUE(Contains(Repl.Out, "count: 2\n  StateColor (235, 164, 52, 0)")) << Repl.Out;
+		EXPECT_TRUE(Contains(Repl.Out,
+			"> /*[\n  request: Run (1)\n  evaluator took: Run (1)\n  poll: Failed (9)\n"
+			"  Lode String: /*[\n  count: 0\n  StateColor (1, 0, 0, 1), HasError true"))
+			<< Repl.Out;
+
+		const FSessionRun Debug =
+			RunWithInput({"debug", "--scene", SampleScene}, "/*[@name = 'House']/*[@name = 'Door']\ninto\nrun\n");
+		EXPECT_EQ(Debug.Exit, 0) << Debug.Err;
+		EXPECT_TRUE(Contains(Debug.Out, "  evaluator took: Load (4)\n  poll: Stepped (8)\n")) << Debug.Out;
+		EXPECT_TRUE(
+			Contains(Debug.Out, "  Path Evaluation: <VELT.Highlight>/*</>[@name = 'House']/*[@name = 'Door']\n"))
+			<< Debug.Out;
+		// After a Run the context header has no blank before its count, after a step it has one.
+		EXPECT_TRUE(Contains(Debug.Out, "  Context (7)\n")) << Debug.Out;
+		EXPECT_TRUE(Contains(Debug.Out, "  poll: Evaluated (3)\n")) << Debug.Out;
+		EXPECT_TRUE(Contains(Debug.Out, "1 objects found\n")) << Debug.Out;
+		EXPECT_TRUE(Contains(Debug.Out, "  Context(1)\n    /*[@name = 'House']/*[@name = 'Door']\n")) << Debug.Out;
+	}
+
 	class EvaluationCli : public ::testing::Test
 	{
 	protected:
@@ -324,10 +357,21 @@ namespace
 		EXPECT_EQ(Absent.Exit, 1);
 		EXPECT_EQ(Absent.Err, "lodex: " + Dir.File("absent.txt") + ": cannot open the file\n");
 
-		const FSessionRun Usage = RunWithInput({"repl"}, "");
-		EXPECT_EQ(Usage.Exit, 2);
-		EXPECT_TRUE(Contains(Usage.Err, "Usage:")) << Usage.Err;
-		EXPECT_TRUE(Contains(Usage.Err, "--evaluator")) << Usage.Err;
+		// One evaluator, no more, no less.
+		for (const std::vector<std::string>& Args : {std::vector<std::string>{"repl"},
+				 std::vector<std::string>{"debug", "--scene", SampleScene, "--evaluator", Answers}})
+		{
+			const FSessionRun Usage = RunWithInput(Args, "");
+			EXPECT_EQ(Usage.Exit, 2);
+			EXPECT_EQ(Usage.Out, "");
+			EXPECT_TRUE(Contains(Usage.Err, "Exactly 1 option from [--scene,--evaluator] is required")) << Usage.Err;
+			EXPECT_TRUE(Contains(Usage.Err, "Usage:")) << Usage.Err;
+		}
+
+		const FSessionRun NoScene = RunWithInput({"repl", "--scene", Dir.File("absent.json")}, "//Door\n");
+		EXPECT_EQ(NoScene.Exit, 1);
+		EXPECT_EQ(NoScene.Out, "");
+		EXPECT_EQ(NoScene.Err, "lodex: " + Dir.File("absent.json") + ": cannot open the file\n");
 	}
 
 	TEST_F(EvaluationCli, DirectivesAndHelp)

@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "EvaluationSession.h"
+#include "SceneEvaluation.h"
 
 #include "EvaluatorRunner.h"
 
@@ -337,10 +338,13 @@ namespace
 
 void AddLodexEvaluationOptions(CLI::App& Command, FLodexSessionOptions& Options)
 {
-	Command
-		.add_option("--evaluator", Options.EvaluatorFile,
-			"Canned answers for the scripted evaluator (text; see docs/scripted-evaluator.md)")
-		->required();
+	// Exactly one evaluator: the native one over a scene, or the scripted one.
+	CLI::Option_group* Evaluator = Command.add_option_group("evaluator", "Which evaluator answers (one of them)");
+	Evaluator->add_option(
+		"--scene", Options.SceneFile, "A scene snapshot (JSON) on which the native evaluator answers");
+	Evaluator->add_option("--evaluator", Options.EvaluatorFile,
+		"Canned answers for the scripted evaluator instead (text; see docs/scripted-evaluator.md)");
+	Evaluator->require_option(1);
 	Command.add_flag("--game-not-running", Options.bGameNotRunning,
 		"The editor plays no game: requests are refused as in the editor");
 }
@@ -360,6 +364,10 @@ std::unique_ptr<ILodexEvaluator> MakeLodexScriptedEvaluator(
 
 std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexSessionOptions& Options, std::ostream& Err)
 {
+	if (!Options.SceneFile.empty() || Options.EvaluatorFile.empty())
+	{
+		return MakeLodexSceneEvaluator(Options.SceneFile, Err);
+	}
 	std::ifstream File(Options.EvaluatorFile, std::ios::binary);
 	if (!File)
 	{

@@ -17,6 +17,8 @@ namespace CLI
 /** The options `lodex repl` and `lodex debug` share: which evaluator answers, and the game's state. */
 struct FLodexSessionOptions
 {
+	/** A scene snapshot the native evaluator answers on (see docs/lodestring.md). */
+	std::string SceneFile;
 	/** Canned answers for the scripted evaluator (see docs/scripted-evaluator.md). */
 	std::string EvaluatorFile;
 	bool bGameNotRunning = false;

@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "SceneEvaluation.h"
 
+#include "LodexDebugger/Core/Evaluation/LodexBlockEvaluator.h"
+
 void FSceneSnapshotObjects::GetAllObjects(std::vector<FLodexObject>& OutObjects) const
 {
 	const std::vector<FSceneObject>& Objects = Scene.GetObjects();
@@ -14,4 +16,47 @@ void FSceneSnapshotObjects::GetAllObjects(std::vector<FLodexObject>& OutObjects)
 std::unique_ptr<FLodexSceneIndex> IndexSceneSnapshot(const FSceneSnapshot& Scene)
 {
 	return std::make_unique<FLodexSceneIndex>(Scene, FSceneSnapshotObjects(Scene));
+}
+
+namespace
+{
+	/** The scene, its index and the block evaluator over them, kept together for as long as a session runs. */
+	class FSceneBlockEvaluator final : public ILodexEvaluator
+	{
+	public:
+		explicit FSceneBlockEvaluator(FSceneSnapshot&& InScene)
+			: Scene(std::move(InScene))
+			, Index(IndexSceneSnapshot(Scene))
+			, Evaluator(*Index)
+		{
+		}
+
+		//~ Begin ILodexEvaluator Interface
+		void Attach(FLodexEvaluatorBlock& Block) override { Evaluator.Attach(Block); }
+
+		std::int32_t Serve(FLodexEvaluatorBlock&) override
+		{
+			return Evaluator.PollOnce() == ELodexBlockPoll::Answered ? Evaluator.GetLastRequest() : 0;
+		}
+
+		std::size_t GetPathCapacity() const override { return Evaluator.GetPathCapacity(); }
+		//~ End ILodexEvaluator Interface
+
+	private:
+		FSceneSnapshot Scene;
+		std::unique_ptr<FLodexSceneIndex> Index;
+		FLodexBlockEvaluator Evaluator;
+	};
+}
+
+std::unique_ptr<ILodexEvaluator> MakeLodexSceneEvaluator(const std::string& ScenePath, std::ostream& Err)
+{
+	FSceneSnapshot Scene;
+	std::string Error;
+	if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+	{
+		Err << "lodex: " << Error << "\n";
+		return nullptr;
+	}
+	return std::make_unique<FSceneBlockEvaluator>(std::move(Scene));
 }

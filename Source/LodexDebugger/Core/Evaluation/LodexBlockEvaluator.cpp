@@ -142,6 +142,7 @@ ELodexBlockPoll FLodexBlockEvaluator::PollOnce()
 	{
 		return ELodexBlockPoll::Idle;
 	}
+	LastRequest = Command;
 
 	std::string Path;
 	if (!ReadPath(Path))

@@ -80,6 +80,12 @@ public:
 	/** Looks at the block once and answers the pending request, if any. Never blocks. */
 	ELodexBlockPoll PollOnce();
 
+	/** The request code the last answered poll took (an `EEvaluatorCommand` value), 0 before any. */
+	std::int32_t GetLastRequest() const { return LastRequest; }
+
+	/** Bytes of the buffer behind `pathText`, its terminating NUL included. */
+	std::size_t GetPathCapacity() const { return PathBuffer.size(); }
+
 	/** Polls until bStop is true, sleeping IdleWait after each poll that answered nothing. */
 	void Serve(const std::atomic<bool>& bStop, std::chrono::microseconds IdleWait = std::chrono::microseconds(200));
 
@@ -117,5 +123,6 @@ private:
 	std::vector<char> PathBuffer;
 	FTexts Buffers[2];
 	int Published = 0;
+	std::int32_t LastRequest = 0;
 	FSession Session;
 };
