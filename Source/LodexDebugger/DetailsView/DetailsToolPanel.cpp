@@ -211,10 +211,10 @@ void DetailsToolPanel::CreateCommandList()
 
 void DetailsToolPanel::RegisterCommandSet(const FLodexCommandSetInfo& Set)
 {
-	// Registered once for the editor run; the module removes it when it shuts down.
+	// The set's commands are made from the same table (FDetailToolCommands::RegisterCommands). Registered once
+	// for the editor run; the module removes it when it shuts down.
+	check(FCStringAnsi::Strcmp(Set.ContextName, GetDetailToolCommandSet().ContextName) == 0);
 	FDetailToolCommands::Register();
-	LodexEditor::EnsureCommandSetMatches(FDetailToolCommands::Get(), Set,
-		[](FName CommandId) { return FDetailToolCommands::Get().FindCommand(CommandId); });
 }
 
 void DetailsToolPanel::MapPrintReference(const FLodexCommandInfo& Command, const std::string& Mode)
