@@ -132,18 +132,16 @@ std::string CheckPluginDescriptorInput(const std::string& Input)
 		return Facts.bListed ? "a descriptor that lists the module was changed"
 							 : "a descriptor that does not list the module was left as it is";
 	}
-	if (!Update.ExistingEntryNote.empty())
-	{
-		const std::string NotOneLine = LodexFuzz::CheckOneLine(Update.ExistingEntryNote);
-		if (!Update.NewText && NotOneLine.empty())
-		{
-			return std::string();
-		}
-		return Update.NewText ? "a note about an existing entry came with a change" : "the note: " + NotOneLine;
-	}
 	if (!Update.NewText)
 	{
-		return std::string();
+		// Listed already: nothing changes, at most a one-line note says how the entry differs.
+		const std::string NotOneLine =
+			Update.ExistingEntryNote.empty() ? std::string() : LodexFuzz::CheckOneLine(Update.ExistingEntryNote);
+		return NotOneLine.empty() ? std::string() : "the note: " + NotOneLine;
+	}
+	if (!Update.ExistingEntryNote.empty())
+	{
+		return "a note about an existing entry came with a change: " + LodexFuzz::Shown(Update.ExistingEntryNote);
 	}
 
 	const std::string Changed = CheckUpdatedDescriptor(Descriptor, *Update.NewText);
@@ -154,7 +152,7 @@ std::string CheckPluginDescriptorInput(const std::string& Input)
 	const std::string Kept = LodexFuzz::CheckOneInsertion(Input, *Update.NewText);
 	if (!Kept.empty())
 	{
-		return "the update " + Kept;
+		return "the update changed the input outside the insertion: " + Kept;
 	}
 	// Run again, the install finds the module listed and changes nothing.
 	FDescriptorUpdate Again;
