@@ -10,6 +10,7 @@ packages=(
   libcli11-dev
   zlib1g-dev
   mono-mcs
+  clang libclang-rt-14-dev
 )
 
 missing=()

@@ -1,4 +1,5 @@
 // Copyright Lodex contributors.
+#include "ChildProcess.h"
 #include "LodexCli.h"
 #include "TempDir.h"
 
@@ -146,6 +147,44 @@ namespace
 		const std::string Out = Dir.File("never.txt");
 		EXPECT_EQ(RunLodexRecord({"record", "--input", Broken, "--out", Out}).Exit, 1);
 		EXPECT_FALSE(FTempDir::Exists(Out)) << "nothing is written for a bad log";
+	}
+
+	/**
+	 * Whatever a log line holds, in any field (one Lodex ignores included), the binary ends with one line naming the
+	 * file, the line and the column: never with the JSON library's exception, never reading past a NUL byte.
+	 */
+	TEST(LodexRecord, WhatTheJsonLibraryRejectsIsOneLineNamingTheLineAndColumn)
+	{
+		FTempDir Dir;
+		const std::string Start =
+			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 1, \"type\": \"tick\", \"delta\": 0.1, \"x\": ";
+		const struct
+		{
+			std::string Value;
+			std::string Error;
+		} Rows[] = {
+			{"1e999}", "2:49: number out of the range of a double: 1e999"},
+			{"[0, -1e999]}", "2:53: number out of the range of a double: -1e999"},
+			{std::string(400, '7') + "}",
+				"2:49: number out of the range of a double: 77777777777777777777... (400 characters)"},
+			{"\"\\ud800\"}",
+				"2:56: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF must be "
+				"followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'"},
+			{std::string("\"a\0b\"}", 6), "2:51: a NUL byte; the file must be UTF-8 text"},
+			{std::string("0}\0{\"frame\": 0}", 15), "2:51: a NUL byte; the file must be UTF-8 text"},
+			{"\"\xFF\"}",
+				"2:50: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last read: "
+				"'\"\\xFF'"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const std::string Log = Dir.Write("log.jsonl", Start + Row.Value + "\n");
+			const FProcessRun Run = ChildProcess::RunLodex({"record", "--input", Log});
+			EXPECT_EQ(Run.Signal, 0) << Row.Value;
+			EXPECT_EQ(Run.Exit, 1) << Row.Value;
+			EXPECT_EQ(Run.Out, "");
+			EXPECT_EQ(Run.Err, "lodex: " + Log + ":" + Row.Error + "\n") << Row.Value;
+		}
 	}
 
 	TEST(LodexRecord, WithoutAnInputLogItIsAUsageError)

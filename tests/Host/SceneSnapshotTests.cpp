@@ -95,6 +95,21 @@ namespace
 				"bad.json: objects[0] (id 'a'): field 'tags' must be an array of strings, found string"},
 			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "tags": ["t", null]}]})",
 				"bad.json: objects[0] (id 'a'): field 'tags'[1] must be a string, found null"},
+			// Text is one line: a name or tag ends up in a one-line Lodestring, an id or kind in a one-line message.
+			{R"({"objects": [{"id": "a\r", "kind": "actor", "name": "A"}]})",
+				"bad.json: objects[0]: field 'id' must be one line of text: it holds the control character U+000D"},
+			{R"({"objects": [{"id": "a", "kind": "act\nor", "name": "A"}]})",
+				"bad.json: objects[0] (id 'a'): field 'kind' must be one line of text: it holds the control "
+				"character U+000A"},
+			{R"({"objects": [{"id": "a", "kind": "actor", "name": "Door\u0000"}]})",
+				"bad.json: objects[0] (id 'a'): field 'name' must be one line of text: it holds the control "
+				"character U+0000"},
+			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "tags": ["t", "red\tdoor"]}]})",
+				"bad.json: objects[0] (id 'a'): field 'tags'[1] must be one line of text: it holds the control "
+				"character U+0009"},
+			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "outer": "lvl\n"}]})",
+				"bad.json: objects[0] (id 'a'): field 'outer' must be one line of text: it holds the control "
+				"character U+000A"},
 		};
 		for (const FBadSnapshotRow& Row : Rows)
 		{

@@ -207,6 +207,10 @@ namespace
 			{R"({"lodexInputLog": 1, "host": "h", "viewport": {"left": 0, "top": 0, "width": -5, "height": 1}})",
 				"log.jsonl:1: field 'viewport': field 'width' must be an unsigned integer, found number"},
 			{"[1, 2]", "log.jsonl:1: expected a JSON object, found array"},
+			{R"({"lodexInputLog": 1, "host": "rig\n3"})",
+				"log.jsonl:1: field 'host' must be one line of text: it holds the control character U+000A"},
+			{R"({"lodexInputLog": 1, "host": "h", "level": "/Game/\r"})",
+				"log.jsonl:1: field 'level' must be one line of text: it holds the control character U+000D"},
 		};
 		for (const FBadLog& Row : Rows)
 		{
@@ -250,6 +254,15 @@ namespace
 				"log.jsonl:2: field 'rotation' must be an array of 4 numbers"},
 			{R"({"frame": 5, "type": "tick", "delta": 0.1)",
 				"log.jsonl:2:42: syntax error while parsing object - unexpected end of input; expected '}'"},
+			// Text fields are one line: each ends up in a script line or in this one-line message.
+			{R"({"frame": 5, "type": "keyDown", "key": "A\r\nB"})",
+				"log.jsonl:2: field 'key' must be one line of text: it holds the control character U+000D"},
+			{R"({"frame": 5, "type": "mouse\nDown", "x": 1, "y": 2})",
+				"log.jsonl:2: field 'type' must be one line of text: it holds the control character U+000A"},
+			{R"({"frame": 5, "type": "button", "name": "ClickObject", "lodestring": "//Door\u0000"})",
+				"log.jsonl:2: field 'lodestring' must be one line of text: it holds the control character U+0000"},
+			{R"({"frame": 5, "type": "vr", "tracking": true, "system": "Open\tXR"})",
+				"log.jsonl:2: field 'system' must be one line of text: it holds the control character U+0009"},
 		};
 		for (const FBadLog& Row : EventRows)
 		{

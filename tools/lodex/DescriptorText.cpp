@@ -1,6 +1,11 @@
 // Copyright Lodex contributors.
 #include "DescriptorText.h"
 
+#include "JsonErrors.h"
+
+#include "LodexDebugger/Core/Shell/LodexShell.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <nlohmann/json.hpp>
 
 #include <cstddef>
@@ -246,4 +251,64 @@ std::string AddToDescriptorModules(const std::string& Text, const FJsonStringFie
 			ObjectAt + 1, ObjectEnd - ObjectAt - 1, "\"Modules\": [" + RenderEntry(Entry, nullptr, "", NewLine) + "]");
 	}
 	return Result;
+}
+
+const FJsonStringFields& GetLodexModuleEntry()
+{
+	static const FJsonStringFields Entry{
+		{"Name", LodexModuleName}, {"Type", "Editor"}, {"LoadingPhase", "PostEngineInit"}};
+	return Entry;
+}
+
+bool PlanDescriptorUpdate(
+	const std::string& Text, const std::string& SourceName, FDescriptorUpdate& Out, std::string& OutError)
+{
+	using FOrderedJson = nlohmann::ordered_json;
+	Out = FDescriptorUpdate();
+	FOrderedJson Descriptor;
+	if (!ParseJsonFile(Text, SourceName, "not valid JSON: ", Descriptor, OutError))
+	{
+		return false;
+	}
+	try
+	{
+		if (!Descriptor.is_object())
+		{
+			OutError = SourceName + ": the descriptor is a JSON " + Descriptor.type_name() + ", not an object";
+			return false;
+		}
+		const auto ModulesIt = Descriptor.find("Modules");
+		if (ModulesIt != Descriptor.end() && !ModulesIt->is_array())
+		{
+			OutError = SourceName + ": \"Modules\" is a JSON " + std::string(ModulesIt->type_name()) + ", not a list";
+			return false;
+		}
+		if (ModulesIt != Descriptor.end())
+		{
+			for (const FOrderedJson& Module : *ModulesIt)
+			{
+				// The engine compares module names ignoring case.
+				const auto NameIt = Module.is_object() ? Module.find("Name") : Module.end();
+				if (NameIt == Module.end() || !NameIt->is_string() ||
+					!LodexText::EqualsIgnoreCase(NameIt->get<std::string>(), LodexModuleName))
+				{
+					continue;
+				}
+				const FOrderedJson Type = Module.value("Type", FOrderedJson());
+				if (Type != "Editor" || NameIt->get<std::string>() != LodexModuleName)
+				{
+					Out.ExistingEntryNote = "note: " + SourceName + " already lists " + NameIt->dump() + " with Type " +
+						Type.dump() + "; it is left as it is";
+				}
+				return true;
+			}
+		}
+	}
+	catch (const FOrderedJson::exception& Exception)
+	{
+		OutError = SourceName + ": " + DescribeJsonParseReason(Exception.what());
+		return false;
+	}
+	Out.NewText = AddToDescriptorModules(Text, GetLodexModuleEntry());
+	return true;
 }

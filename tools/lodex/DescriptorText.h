@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,3 +17,25 @@ using FJsonStringFields = std::vector<std::pair<std::string, std::string>>;
  * same line otherwise. Text must parse as a JSON object whose "Modules", if any, is a list.
  */
 std::string AddToDescriptorModules(const std::string& Text, const FJsonStringFields& Entry);
+
+/** The entry `lodex install` lists the module with: an editor module, loaded once the engine has started. */
+const FJsonStringFields& GetLodexModuleEntry();
+
+/** What an install does to the plug-in descriptor. */
+struct FDescriptorUpdate
+{
+	/** The descriptor's new text, when the module has to be added; unset when it is listed already. */
+	std::optional<std::string> NewText;
+	/** Set when the descriptor already lists the module in a form other than the one the install writes. */
+	std::string ExistingEntryNote;
+};
+
+/**
+ * Reads a plug-in descriptor's text and works out the install's change to it, in memory: nothing when "Modules"
+ * already lists the module (its name compared ignoring case, as the engine does), otherwise the text with
+ * GetLodexModuleEntry() added by AddToDescriptorModules. A descriptor that is not a JSON object, or whose
+ * "Modules" is not a list, is refused with one line in OutError that starts with SourceName (for malformed JSON,
+ * "SourceName:LINE:COLUMN: not valid JSON: ").
+ */
+bool PlanDescriptorUpdate(
+	const std::string& Text, const std::string& SourceName, FDescriptorUpdate& Out, std::string& OutError);

@@ -114,6 +114,12 @@ namespace
 			{
 				return WrongType(Name, "a string", *Value);
 			}
+			const std::string ControlCharacter = FindControlCharacter(Value->get_ref<const std::string&>());
+			if (!ControlCharacter.empty())
+			{
+				return Fail(std::string("field '") + Name +
+					"' must be one line of text: it holds the control character " + ControlCharacter);
+			}
 			Out = Value->get<std::string>();
 			return true;
 		}
@@ -457,6 +463,7 @@ namespace
 		{
 			Panel.Stop();
 			Out.Script = std::string(Panel.GetOutputText());
+			Out.Lines = Panel.GetLines();
 		}
 
 	private:
@@ -494,18 +501,18 @@ bool ReplayInputLog(const std::string& Text, const std::string& SourceName, cons
 			continue;
 		}
 		const std::string Where = SourceName + ":" + std::to_string(LineNumber);
+		FJsonTextError TextError;
+		if (FindJsonTextError<FJson>(LineText, TextError))
+		{
+			// The line is one line of text: its column is the column in the file.
+			const std::string Position = DescribeJsonPosition(LineText, TextError.ByteOffset);
+			OutError = Where + ":" + Position.substr(Position.find(':') + 1) + ": " + TextError.Reason;
+			return false;
+		}
 		FJson Object;
 		try
 		{
 			Object = FJson::parse(LineText);
-		}
-		catch (const FJson::parse_error& Error)
-		{
-			// The line is one line of text: its column is the column in the file.
-			const std::string Position = DescribeJsonPosition(LineText, Error.byte);
-			OutError =
-				Where + ":" + Position.substr(Position.find(':') + 1) + ": " + DescribeJsonParseReason(Error.what());
-			return false;
 		}
 		catch (const FJson::exception& Error)
 		{

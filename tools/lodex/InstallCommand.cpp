@@ -1,12 +1,10 @@
 // Copyright Lodex contributors.
 #include "AtomicFile.h"
 #include "DescriptorText.h"
-#include "JsonErrors.h"
 #include "LodexCli.h"
 
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Shell/LodexStyle.h"
-#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -35,21 +33,10 @@ namespace
 	/** Folders of a module that hold build outputs, never sources. */
 	const char* const BuildOutputFolders[] = {"Binaries", "Intermediate"};
 
-	/**
-	 * The descriptor entry: an editor module, loaded after the engine has started, when the level editor
-	 * is there for the module to extend its main menu.
-	 */
-	const FJsonStringFields& GetModuleEntry()
-	{
-		static const FJsonStringFields Entry{
-			{"Name", LodexModuleName}, {"Type", "Editor"}, {"LoadingPhase", "PostEngineInit"}};
-		return Entry;
-	}
-
 	std::string DescribeModuleEntry()
 	{
 		FOrderedJson Entry = FOrderedJson::object();
-		for (const auto& [Key, Value] : GetModuleEntry())
+		for (const auto& [Key, Value] : GetLodexModuleEntry())
 		{
 			Entry[Key] = Value;
 		}
@@ -455,52 +442,17 @@ namespace
 				OutError = ReadError;
 				return false;
 			}
-			FOrderedJson Descriptor;
-			if (!ParseJsonFile(Plan.DescriptorText, Shown, "not valid JSON: ", Descriptor, OutError))
+			FDescriptorUpdate Update;
+			if (!PlanDescriptorUpdate(Plan.DescriptorText, Shown, Update, OutError))
 			{
 				return false;
 			}
-			try
+			Plan.ExistingEntryNote = Update.ExistingEntryNote;
+			if (!Update.NewText)
 			{
-				if (!Descriptor.is_object())
-				{
-					OutError = Shown + ": the descriptor is a JSON " + Descriptor.type_name() + ", not an object";
-					return false;
-				}
-				const auto ModulesIt = Descriptor.find("Modules");
-				if (ModulesIt != Descriptor.end() && !ModulesIt->is_array())
-				{
-					OutError =
-						Shown + ": \"Modules\" is a JSON " + std::string(ModulesIt->type_name()) + ", not a list";
-					return false;
-				}
-				if (ModulesIt != Descriptor.end())
-				{
-					for (const FOrderedJson& Module : *ModulesIt)
-					{
-						// The engine compares module names ignoring case.
-						const auto NameIt = Module.is_object() ? Module.find("Name") : Module.end();
-						if (NameIt == Module.end() || !NameIt->is_string() ||
-							!LodexText::EqualsIgnoreCase(NameIt->get<std::string>(), LodexModuleName))
-						{
-							continue;
-						}
-						const FOrderedJson Type = Module.value("Type", FOrderedJson());
-						if (Type != "Editor" || NameIt->get<std::string>() != LodexModuleName)
-						{
-							Plan.ExistingEntryNote = "note: " + Shown + " already lists " + NameIt->dump() +
-								" with Type " + Type.dump() + "; it is left as it is";
-						}
-						return true;
-					}
-				}
+				return true;
 			}
-			catch (const FOrderedJson::exception& Exception)
-			{
-				OutError = Shown + ": " + DescribeJsonParseReason(Exception.what());
-				return false;
-			}
-			Plan.NewDescriptorText = AddToDescriptorModules(Plan.DescriptorText, GetModuleEntry());
+			Plan.NewDescriptorText = std::move(Update.NewText);
 			return CheckDescriptorWrites(Plan, OutError);
 		}
 

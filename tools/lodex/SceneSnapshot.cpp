@@ -106,6 +106,13 @@ bool FSceneSnapshot::ReadObjects(
 					JsonTypeName(*It));
 			}
 			OutValue = It->get<std::string>();
+			const std::string ControlCharacter = FindControlCharacter(OutValue);
+			if (!ControlCharacter.empty())
+			{
+				OutValue.clear();
+				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field +
+					"' must be one line of text: it holds the control character " + ControlCharacter);
+			}
 			return true;
 		};
 		if (!ReadString("id", Object.Id, true) || !ReadString("kind", Object.Kind, true) ||
@@ -145,6 +152,12 @@ bool FSceneSnapshot::ReadObjects(
 					return Fail(DescribeObject(Index, Object.Id) + ": field 'tags'[" + std::to_string(TagIndex) +
 						"] must be a string, found " + JsonTypeName(Tag));
 				}
+				const std::string ControlCharacter = FindControlCharacter(Tag.get_ref<const std::string&>());
+				if (!ControlCharacter.empty())
+				{
+					return Fail(DescribeObject(Index, Object.Id) + ": field 'tags'[" + std::to_string(TagIndex) +
+						"] must be one line of text: it holds the control character " + ControlCharacter);
+				}
 				Object.Tags.push_back(Tag.get<std::string>());
 			}
 		}
@@ -180,6 +193,11 @@ bool FSceneSnapshot::ReadObjects(
 			}
 			const std::string Target = It->get<std::string>();
 			const auto Found = IndexById.find(Target);
+			if (Found == IndexById.end() && !FindControlCharacter(Target).empty())
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field.Name +
+					"' must be one line of text: it holds the control character " + FindControlCharacter(Target));
+			}
 			if (Found == IndexById.end())
 			{
 				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field.Name + "': no object has the id '" +
