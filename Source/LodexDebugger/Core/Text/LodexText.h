@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -41,6 +42,13 @@ namespace LodexText
 	 * of a 32-bit integer is clamped to it.
 	 */
 	std::int32_t ParseLeadingInt(const std::string& Text);
+
+	/**
+	 * The length of the well-formed UTF-8 sequence at Text[Index] (Index inside the text), with its code point in
+	 * OutCodePoint; 0, and OutCodePoint untouched, when the bytes there are not one: a stray continuation byte, a
+	 * sequence cut short, an overlong form, a surrogate or a value beyond U+10FFFF.
+	 */
+	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index, std::uint32_t& OutCodePoint);
 
 	/**
 	 * UTF-8 text converted to 8-bit text as the engine's TCHAR-to-ANSI conversion does it: the text is
