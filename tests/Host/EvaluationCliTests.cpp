@@ -336,6 +336,10 @@ namespace
 		const FLodexRun Absent = RunLodex({"repl", "--evaluator", Dir.File("absent.txt")}, "");
 		EXPECT_EQ(Absent.Exit, 1);
 		EXPECT_EQ(Absent.Err, "lodex: " + Dir.File("absent.txt") + ": cannot open the file\n");
+		const FLodexRun Folder = RunLodex({"repl", "--evaluator", Dir.Path}, "/a\n");
+		EXPECT_EQ(Folder.Exit, 1);
+		EXPECT_EQ(Folder.Out, "");
+		EXPECT_EQ(Folder.Err, "lodex: " + Dir.Path + ": cannot read the file\n");
 
 		// One evaluator, no more, no less.
 		for (const std::vector<std::string>& Args : {std::vector<std::string>{"repl"},

@@ -115,6 +115,8 @@ namespace
 					":2: button 'WaitForObject' needs --scene FILE to find its object (or a 'lodestring' field)\n"},
 			{{"record", "--input", Dir.File("absent.jsonl")},
 				"lodex: " + Dir.File("absent.jsonl") + ": cannot open the file\n"},
+			// A folder opens but cannot be read: it is not taken for an empty log.
+			{{"record", "--input", Dir.Path}, "lodex: " + Dir.Path + ": cannot read the file\n"},
 			{{"record", "--input", SampleLog, "--scene", BadScene},
 				"lodex: " + BadScene + ": field 'objects' must be an array, found number\n"},
 		};
