@@ -156,6 +156,22 @@ TEST(LodexTextAnsi, UnitsAboveAsciiBecomeQuestionMarks)
 	EXPECT_EQ(FromAnsi("\xE9"), "\xC3\xA9");
 }
 
+TEST(LodexTextHex, DigitsOfEitherCaseAndNothingAroundThem)
+{
+	std::string Digits;
+	for (int Char = 1; Char < 256; ++Char)
+	{
+		const int Value = HexDigitValue(static_cast<char>(Char));
+		if (Value >= 0)
+		{
+			Digits += static_cast<char>(Char);
+			EXPECT_EQ(Value, Char <= '9' ? Char - '0' : (Char | 0x20) - 'a' + 10) << Char;
+		}
+	}
+	EXPECT_EQ(Digits, "0123456789ABCDEFabcdef");
+	EXPECT_EQ(HexDigitValue('\0'), -1);
+}
+
 TEST(LodexTextCase, AsciiCaseOnly)
 {
 	EXPECT_TRUE(EqualsIgnoreCase("VOID", "void"));

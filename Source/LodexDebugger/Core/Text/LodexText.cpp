@@ -328,6 +328,23 @@ namespace LodexText
 		}
 	}
 
+	int HexDigitValue(char Char)
+	{
+		if (Char >= '0' && Char <= '9')
+		{
+			return Char - '0';
+		}
+		if (Char >= 'a' && Char <= 'f')
+		{
+			return Char - 'a' + 10;
+		}
+		if (Char >= 'A' && Char <= 'F')
+		{
+			return Char - 'A' + 10;
+		}
+		return -1;
+	}
+
 	bool EqualsIgnoreCase(const std::string& A, const std::string& B)
 	{
 		if (A.size() != B.size())

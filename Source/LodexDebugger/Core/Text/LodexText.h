@@ -64,6 +64,9 @@ namespace LodexText
 	 */
 	std::string FromAnsi(const char* Text);
 
+	/** The value of a hexadecimal digit (0-9, a-f, A-F), or -1 for any other character. */
+	int HexDigitValue(char Char);
+
 	/** Whether two texts are equal ignoring ASCII case (the engine's case-insensitive compare of names). */
 	bool EqualsIgnoreCase(const std::string& A, const std::string& B);
 
