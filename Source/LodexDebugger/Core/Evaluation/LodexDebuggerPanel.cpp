@@ -5,14 +5,8 @@
 #include "LodexDebugger/Core/Text/LodexText.h"
 
 FLodexDebuggerPanel::FLodexDebuggerPanel(ILodexEvaluatorHost& InHost)
-	: Host(InHost)
-	, Block(InHost.GetEvaluatorBlock())
+	: FLodexEvaluatorPanel(InHost, LodexDebuggerColors::Neutral)
 {
-}
-
-void FLodexDebuggerPanel::OnPathTextChanged(const std::string& Text)
-{
-	PathText = Text;
 }
 
 FLodexRequest FLodexDebuggerPanel::OnPathTextCommitted(const std::string& Text)
@@ -36,7 +30,7 @@ FLodexRequest FLodexDebuggerPanel::OnPathTextCommitted(const std::string& Text)
 	}
 	EmptyStackItems();
 	EmptyContextItems();
-	return WriteRequest(EEvaluatorCommand::Load, bIsIdle);
+	return SendPath(EEvaluatorCommand::Load, bIsIdle);
 }
 
 FLodexRequest FLodexDebuggerPanel::OnRunClicked()
@@ -52,7 +46,7 @@ FLodexRequest FLodexDebuggerPanel::OnRunClicked()
 	}
 	const bool bWasIdle = bIsIdle;
 	bIsIdle = false;
-	return WriteRequest(EEvaluatorCommand::Run, bWasIdle);
+	return SendPath(EEvaluatorCommand::Run, bWasIdle);
 }
 
 FLodexRequest FLodexDebuggerPanel::OnStepIntoClicked()
@@ -76,20 +70,7 @@ FLodexRequest FLodexDebuggerPanel::SendStep(EEvaluatorCommand Command)
 	++TextsRevision;
 	const bool bWasIdle = bIsIdle;
 	bIsIdle = false;
-	return WriteRequest(Command, bWasIdle);
-}
-
-FLodexRequest FLodexDebuggerPanel::WriteRequest(EEvaluatorCommand Command, bool bWasIdle)
-{
-	if (!WriteLodestringToEvaluator(Host, PathText))
-	{
-		// Nothing was sent, so nothing will answer: the buttons stay as they were.
-		bIsIdle = bWasIdle;
-		ShowEvaluatorUnavailable();
-		return {ELodexRequestOutcome::EvaluatorUnavailable, EEvaluatorCommand::None, 0};
-	}
-	LodexBlock::StoreCommand(Block, static_cast<std::int32_t>(Command));
-	return {ELodexRequestOutcome::Sent, Command, 0};
+	return SendPath(Command, bWasIdle);
 }
 
 void FLodexDebuggerPanel::OnResetClicked()
@@ -237,12 +218,6 @@ std::string FLodexDebuggerPanel::ExtractHighlight(const std::string& MarkedUpPat
 		return std::string();
 	}
 	return MarkedUpPath.substr(OpenAt, CloseAt + Close.size() - OpenAt);
-}
-
-void FLodexDebuggerPanel::SetStateColor(const FLodexColor& Color)
-{
-	StateColor = Color;
-	++StateColorChanges;
 }
 
 void FLodexDebuggerPanel::EmptyStackItems()
