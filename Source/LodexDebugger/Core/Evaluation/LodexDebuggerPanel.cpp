@@ -38,10 +38,7 @@ FLodexRequest FLodexDebuggerPanel::OnRunClicked()
 	if (!IsLodexGameRunning(Host))
 	{
 		// Unlike the other requests, Run leaves `HasError` (and so the error icon) as it is.
-		SetStateColor(LodexDebuggerColors::Error);
-		MessageText = LodexGameNotRunningMessage;
-		PathDisplay.clear();
-		++TextsRevision;
+		ShowErrorMessage(LodexGameNotRunningMessage);
 		return {ELodexRequestOutcome::GameNotRunning, EEvaluatorCommand::None, 0};
 	}
 	const bool bWasIdle = bIsIdle;
@@ -93,17 +90,19 @@ void FLodexDebuggerPanel::OnResetClicked()
 void FLodexDebuggerPanel::ShowGameNotRunning()
 {
 	bHasError = true;
-	SetStateColor(LodexDebuggerColors::Error);
-	MessageText = LodexGameNotRunningMessage;
-	PathDisplay.clear();
-	++TextsRevision;
+	ShowErrorMessage(LodexGameNotRunningMessage);
 }
 
 void FLodexDebuggerPanel::ShowEvaluatorUnavailable()
 {
 	bHasError = true;
+	ShowErrorMessage(LodexEvaluatorUnavailableMessage);
+}
+
+void FLodexDebuggerPanel::ShowErrorMessage(const char* Message)
+{
 	SetStateColor(LodexDebuggerColors::Error);
-	MessageText = LodexEvaluatorUnavailableMessage;
+	MessageText = Message;
 	PathDisplay.clear();
 	++TextsRevision;
 }

@@ -119,6 +119,8 @@ private:
 	void ShowEvaluatorUnavailable() override;
 	FLodexRequest SendStep(EEvaluatorCommand Command);
 	void ShowGameNotRunning();
+	/** The error colour and the message, with an empty path display; `HasError` is left as it is. */
+	void ShowErrorMessage(const char* Message);
 	void EmptyStackItems();
 	void EmptyContextItems();
 	void FillItems(std::vector<std::string>& Items, const char* Text);
