@@ -10,7 +10,7 @@
 #include <vector>
 
 /** An object graph built in code, for tests: objects live as long as the graph. */
-class FTestGraph final : public ILodexObjectGraph
+class FTestGraph : public ILodexObjectGraph
 {
 public:
 	enum class EKind

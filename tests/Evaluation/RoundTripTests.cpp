@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "Evaluation/EvaluationFixture.h"
+#include "TestGraph.h"
 
 #include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Evaluation/LodestringProgram.h"
@@ -12,152 +13,104 @@
 #include <random>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace
 {
-	enum class EGenKind
-	{
-		Actor,
-		WidgetTree,
-		Widget,
-		UserWidget,
-		Component,
-		Other,
-	};
-
 	/** A random scene: attached actors with components, widget trees, tags, odd names, now and then a loop. */
 	class FGeneratedScene final
-		: public ILodexObjectGraph
+		: public FTestGraph
 		, public ILodexSceneObjects
 	{
 	public:
-		struct FNode
-		{
-			EGenKind Kind = EGenKind::Other;
-			std::string Name;
-			int Outer = -1;
-			int AttachParent = -1;
-			int WidgetParent = -1;
-			int RootWidget = -1;
-			bool bHasTags = false;
-			std::vector<std::string> Tags;
-		};
-
 		explicit FGeneratedScene(unsigned Seed)
 			: Random(Seed)
 		{
-			const int Level = Add(EGenKind::Other, "PersistentLevel");
+			const int Level = AddNode(EKind::Other, "PersistentLevel");
 			const int ActorCount = Pick(1, 12);
 			std::vector<int> Actors;
 			for (int Count = 0; Count < ActorCount; ++Count)
 			{
-				const int Actor = Add(EGenKind::Actor, MakeName(), Chance(0.9) ? Level : -1);
+				const int Actor = AddNode(EKind::Actor, MakeName(), Chance(0.9) ? Level : -1);
 				if (!Actors.empty() && Chance(0.55))
 				{
-					Nodes[Actor].AttachParent = Actors[Pick(0, static_cast<int>(Actors.size()) - 1)];
+					Node(Actor).AttachParent = &Node(Actors[Pick(0, static_cast<int>(Actors.size()) - 1)]);
 				}
 				else if (!Actors.empty() && Chance(0.1))
 				{
-					Nodes[Actor].Outer = Actors[Pick(0, static_cast<int>(Actors.size()) - 1)]; // owned, not attached
+					Node(Actor).Outer =
+						&Node(Actors[Pick(0, static_cast<int>(Actors.size()) - 1)]); // owned, not attached
 				}
-				Nodes[Actor].bHasTags = true;
+				Node(Actor).bHasTags = true;
 				for (int Tag = Pick(0, 3); Tag > 0; --Tag)
 				{
-					Nodes[Actor].Tags.push_back(MakeTag());
+					Node(Actor).Tags.push_back(MakeTag());
 				}
 				Actors.push_back(Actor);
 				for (int Component = Pick(0, 2); Component > 0; --Component)
 				{
-					const int Made = Add(EGenKind::Component, MakeName(), Actor);
+					const int Made = AddNode(EKind::Component, MakeName(), Actor);
 					if (Chance(0.3))
 					{
-						const int Holder = Chance(0.5) ? Made : Add(EGenKind::Other, "Settings", Made);
-						Add(EGenKind::Component, MakeName(), Holder);
+						const int Holder = Chance(0.5) ? Made : AddNode(EKind::Other, "Settings", Made);
+						AddNode(EKind::Component, MakeName(), Holder);
 					}
 				}
 			}
 			if (Chance(0.2))
 			{
-				Add(EGenKind::Component, MakeName(), Level);
+				AddNode(EKind::Component, MakeName(), Level);
 			}
 			if (Chance(0.05) && Actors.size() >= 2)
 			{
-				Nodes[Actors[0]].AttachParent = Actors[1]; // a loop, which the engine never makes
+				Node(Actors[0]).AttachParent = &Node(Actors[1]); // a loop, which the engine never makes
 			}
 			if (Chance(0.03))
 			{
-				Nodes[Actors.back()].AttachParent = Actors.back();
+				Node(Actors.back()).AttachParent = &Node(Actors.back());
 			}
 			if (Chance(0.5))
 			{
-				const int Instance = Add(EGenKind::Other, "GameInstance_0");
-				const int Hud = Add(EGenKind::UserWidget, MakeName(), Instance);
-				const int Tree = Add(EGenKind::WidgetTree, "WidgetTree", Hud);
-				const int Canvas = Add(EGenKind::Widget, MakeName(), Tree);
-				Nodes[Tree].RootWidget = Canvas;
+				const int Instance = AddNode(EKind::Other, "GameInstance_0");
+				const int Hud = AddNode(EKind::UserWidget, MakeName(), Instance);
+				const int Tree = AddNode(EKind::WidgetTree, "WidgetTree", Hud);
+				const int Canvas = AddNode(EKind::Widget, MakeName(), Tree);
+				Node(Tree).RootWidget = &Node(Canvas);
 				std::vector<int> Panels{Canvas};
 				for (int Widget = Pick(1, 4); Widget > 0; --Widget)
 				{
-					const int Made = Add(Chance(0.5) ? EGenKind::UserWidget : EGenKind::Widget, MakeName(), Tree);
-					Nodes[Made].WidgetParent = Panels[Pick(0, static_cast<int>(Panels.size()) - 1)];
+					const int Made = AddNode(Chance(0.5) ? EKind::UserWidget : EKind::Widget, MakeName(), Tree);
+					Node(Made).WidgetParent = &Node(Panels[Pick(0, static_cast<int>(Panels.size()) - 1)]);
 					Panels.push_back(Made);
 				}
 			}
 		}
 
-		FLodexObject Handle(int Node) const { return FLodexObject(&Nodes[static_cast<std::size_t>(Node)]); }
-		int NodeOf(FLodexObject Object) const { return static_cast<int>(&Get(Object) - Nodes.data()); }
-		int Num() const { return static_cast<int>(Nodes.size()); }
-		EGenKind KindOf(int Node) const { return Nodes[static_cast<std::size_t>(Node)].Kind; }
-
-		//~ Begin ILodexObjectGraph Interface
-		bool IsOfClass(FLodexObject Object, ELodexClass Class) const override
-		{
-			const EGenKind Kind = Get(Object).Kind;
-			switch (Class)
-			{
-				case ELodexClass::Actor:
-					return Kind == EGenKind::Actor;
-				case ELodexClass::WidgetTree:
-					return Kind == EGenKind::WidgetTree;
-				case ELodexClass::Widget:
-					return Kind == EGenKind::Widget || Kind == EGenKind::UserWidget;
-				case ELodexClass::UserWidget:
-					return Kind == EGenKind::UserWidget;
-				case ELodexClass::ActorComponent:
-					return Kind == EGenKind::Component;
-			}
-			return false;
-		}
-		std::string GetName(FLodexObject Object) const override { return Get(Object).Name; }
-		FLodexObject GetOuter(FLodexObject Object) const override { return At(Get(Object).Outer); }
-		FLodexObject GetAttachParent(FLodexObject Object) const override { return At(Get(Object).AttachParent); }
-		FLodexObject GetWidgetParent(FLodexObject Object) const override { return At(Get(Object).WidgetParent); }
-		FLodexObject GetRootWidget(FLodexObject Object) const override { return At(Get(Object).RootWidget); }
-		bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override
-		{
-			OutTags = Get(Object).Tags;
-			return Get(Object).bHasTags;
-		}
-		//~ End ILodexObjectGraph Interface
+		FLodexObject Handle(int Index) const { return FTestGraph::Handle(*Listed[static_cast<std::size_t>(Index)]); }
+		int NodeOf(FLodexObject Object) const { return IndexOf.at(Object.Ptr); }
+		int Num() const { return static_cast<int>(Listed.size()); }
+		EKind KindOf(int Index) const { return Listed[static_cast<std::size_t>(Index)]->Kind; }
 
 		//~ Begin ILodexSceneObjects Interface
 		void GetAllObjects(std::vector<FLodexObject>& OutObjects) const override
 		{
-			for (int Node = 0; Node < Num(); ++Node)
+			for (int Index = 0; Index < Num(); ++Index)
 			{
-				OutObjects.push_back(Handle(Node));
+				OutObjects.push_back(Handle(Index));
 			}
 		}
 		//~ End ILodexSceneObjects Interface
 
 	private:
-		int Add(EGenKind Kind, std::string Name, int Outer = -1)
+		int AddNode(EKind Kind, std::string Name, int Outer = -1)
 		{
-			Nodes.push_back({Kind, std::move(Name), Outer, -1, -1, -1, false, {}});
-			return static_cast<int>(Nodes.size()) - 1;
+			FNode& Added = Add(Kind, std::move(Name), Outer < 0 ? nullptr : &Node(Outer));
+			IndexOf.emplace(&Added, Num());
+			Listed.push_back(&Added);
+			return Num() - 1;
 		}
+		FNode& Node(int Index) { return *Listed[static_cast<std::size_t>(Index)]; }
 		int Pick(int Low, int High) { return std::uniform_int_distribution<int>(Low, High)(Random); }
 		bool Chance(double Probability) { return std::bernoulli_distribution(Probability)(Random); }
 
@@ -181,17 +134,16 @@ namespace
 			return Tags[Pick(0, static_cast<int>(sizeof(Tags) / sizeof(Tags[0])) - 1)];
 		}
 
-		FLodexObject At(int Node) const { return Node < 0 ? FLodexObject() : Handle(Node); }
-		static const FNode& Get(FLodexObject Object) { return *static_cast<const FNode*>(Object.Ptr); }
-
 		std::mt19937 Random;
-		std::vector<FNode> Nodes;
+		/** The nodes in the order they were made, and each one's place in it. */
+		std::vector<FNode*> Listed;
+		std::unordered_map<const void*, int> IndexOf;
 	};
 
-	bool IsNodeKind(EGenKind Kind)
+	bool IsNodeKind(FTestGraph::EKind Kind)
 	{
-		return Kind == EGenKind::Actor || Kind == EGenKind::WidgetTree || Kind == EGenKind::Widget ||
-			Kind == EGenKind::UserWidget;
+		return Kind == FTestGraph::EKind::Actor || Kind == FTestGraph::EKind::WidgetTree ||
+			Kind == FTestGraph::EKind::Widget || Kind == FTestGraph::EKind::UserWidget;
 	}
 
 	/** The topmost node object of the object's walk (cut at the first repeat), or -1. */
@@ -238,7 +190,7 @@ namespace
 			const FLodexSceneIndex Index(Scene, Scene);
 			for (int Node = 0; Node < Scene.Num(); ++Node)
 			{
-				if (Scene.KindOf(Node) == EGenKind::Other)
+				if (Scene.KindOf(Node) == FTestGraph::EKind::Other)
 				{
 					continue;
 				}

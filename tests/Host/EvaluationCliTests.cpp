@@ -1,33 +1,14 @@
 // Copyright Lodex contributors.
-#include "LodexCli.h"
+#include "LodexRun.h"
 #include "TempDir.h"
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-#include <sys/wait.h>
+#include <string>
+#include <vector>
 
 namespace
 {
-	struct FSessionRun
-	{
-		int Exit = -1;
-		std::string Out;
-		std::string Err;
-	};
-
-	FSessionRun RunWithInput(const std::vector<std::string>& Args, const std::string& Input)
-	{
-		std::istringstream In(Input);
-		std::ostringstream Out;
-		std::ostringstream Err;
-		FSessionRun Run;
-		Run.Exit = RunLodexCli(Args, In, false, Out, Err);
-		Run.Out = Out.str();
-		Run.Err = Err.str();
-		return Run;
-	}
-
 	bool Contains(const std::string& Text, const std::string& Part)
 	{
 		return Text.find(Part) != std::string::npos;
@@ -65,8 +46,8 @@ namespace
 
 	TEST(EvaluationCliScene, TheNativeEvaluatorAnswersTheReplAndTheDebuggerOnASceneFile)
 	{
-		const FSessionRun Repl =
-			RunWithInput({"repl", "--scene", SampleScene}, "//Door\n/*[@tag = 'light' or @tag = 'shop']\n/*[\n");
+		const FLodexRun Repl =
+			RunLodex({"repl", "--scene", SampleScene}, "//Door\n/*[@tag = 'light' or @tag = 'shop']\n/*[\n");
 		EXPECT_EQ(Repl.Exit, 0) << Repl.Err;
 		EXPECT_EQ(Repl.Err, "");
 		EXPECT_EQ(CountOf(Repl.Out, "  poll: Evaluated (3)\n"), 2) << Repl.Out;
@@ -80,8 +61,8 @@ namespace
 			"  Lode String: /*[\n  count: 0\n  StateColor (1, 0, 0, 1), HasError true"))
 			<< Repl.Out;
 
-		const FSessionRun Debug =
-			RunWithInput({"debug", "--scene", SampleScene}, "/*[@name = 'House']/*[@name = 'Door']\ninto\nrun\n");
+		const FLodexRun Debug =
+			RunLodex({"debug", "--scene", SampleScene}, "/*[@name = 'House']/*[@name = 'Door']\ninto\nrun\n");
 		EXPECT_EQ(Debug.Exit, 0) << Debug.Err;
 		EXPECT_TRUE(Contains(Debug.Out, "  evaluator took: Load (4)\n  poll: Stepped (8)\n")) << Debug.Out;
 		EXPECT_TRUE(
@@ -102,23 +83,22 @@ namespace
 			ASSERT_FALSE(Dir.Path.empty());
 			Answers = Dir.Write("answers.txt", EdgeAnswers);
 		}
-		FSessionRun Repl(const std::string& Input, bool bGameRunning = true)
+		FLodexRun Repl(const std::string& Input, bool bGameRunning = true)
 		{
-			std::vector<std::string> Args{"repl", "--evaluator", Answers};
-			if (!bGameRunning)
-			{
-				Args.push_back("--game-not-running");
-			}
-			return RunWithInput(Args, Input);
+			return Session("repl", Input, bGameRunning);
 		}
-		FSessionRun Debug(const std::string& Input, bool bGameRunning = true)
+		FLodexRun Debug(const std::string& Input, bool bGameRunning = true)
 		{
-			std::vector<std::string> Args{"debug", "--evaluator", Answers};
+			return Session("debug", Input, bGameRunning);
+		}
+		FLodexRun Session(const char* Command, const std::string& Input, bool bGameRunning)
+		{
+			std::vector<std::string> Args{Command, "--evaluator", Answers};
 			if (!bGameRunning)
 			{
 				Args.push_back("--game-not-running");
 			}
-			return RunWithInput(Args, Input);
+			return RunLodex(Args, Input);
 		}
 		FTempDir Dir;
 		std::string Answers;
@@ -126,7 +106,7 @@ namespace
 
 	TEST_F(EvaluationCli, ReplTranscript)
 	{
-		const FSessionRun Run = Repl("/two\n\n/finished\n");
+		const FLodexRun Run = Repl("/two\n\n/finished\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Err, "");
 		EXPECT_EQ(Run.Out,
@@ -169,7 +149,7 @@ namespace
 		};
 		for (const FRow& Row : Rows)
 		{
-			const FSessionRun Run = Repl(std::string(Row.Path) + "\n");
+			const FLodexRun Run = Repl(std::string(Row.Path) + "\n");
 			EXPECT_EQ(Run.Exit, 0) << Run.Err;
 			EXPECT_TRUE(Contains(Run.Out, Row.Shown)) << Run.Out;
 		}
@@ -177,7 +157,7 @@ namespace
 
 	TEST_F(EvaluationCli, ReplSamePathTwiceWhileTheEvaluatorIsHeld)
 	{
-		const FSessionRun Run = Repl(":hold\n/one\n/one\n:release\n");
+		const FLodexRun Run = Repl(":hold\n/one\n/one\n:release\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(CountOf(Run.Out, "  request: Run (1)\n"), 2);
 		EXPECT_EQ(CountOf(Run.Out, "  evaluator took: Run (1)\n"), 1) << Run.Out;
@@ -186,7 +166,7 @@ namespace
 
 	TEST_F(EvaluationCli, ReplWithTheGameNotRunning)
 	{
-		const FSessionRun Run = Repl("/one\n", false);
+		const FLodexRun Run = Repl("/one\n", false);
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out,
 			"> /one\n"
@@ -198,7 +178,7 @@ namespace
 
 	TEST_F(EvaluationCli, DebuggerRunsAndSteps)
 	{
-		const FSessionRun Run = Debug("/p\ninto\n/lines\nrun\n");
+		const FLodexRun Run = Debug("/p\ninto\n/lines\nrun\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		// Enter loads the path: its answer shows the first step.
 		EXPECT_TRUE(Contains(Run.Out,
@@ -252,7 +232,7 @@ namespace
 
 	TEST_F(EvaluationCli, DebuggerRunOfNothing)
 	{
-		const FSessionRun Run = Debug("type /none\nrun\n");
+		const FLodexRun Run = Debug("type /none\nrun\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_TRUE(Contains(Run.Out, "message: 0 objects found\n")) << Run.Out;
 		EXPECT_TRUE(Contains(Run.Out, "  Stack\n  Context(0)\n  Duration:0.5 (ms)\n")) << Run.Out;
@@ -261,7 +241,7 @@ namespace
 
 	TEST_F(EvaluationCli, DebuggerEmptyEnterResetsWithoutARequest)
 	{
-		const FSessionRun Run = Debug("/p\n\n");
+		const FLodexRun Run = Debug("/p\n\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_TRUE(Contains(Run.Out,
 			"> \n"
@@ -281,7 +261,7 @@ namespace
 
 	TEST_F(EvaluationCli, DebuggerResultWaitsWhileUnfocusedAndACommitMeanwhileSendsNothing)
 	{
-		const FSessionRun Run = Debug(":blur\n/p\ninto\n/p\n:focus\n");
+		const FLodexRun Run = Debug(":blur\n/p\ninto\n/p\n:focus\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		// The commit does not disable the buttons: Step Into is sent, and lost when the focused panel consumes
 		// the Load's answer (consuming clears the command).
@@ -296,7 +276,7 @@ namespace
 
 	TEST_F(EvaluationCli, DebuggerStepIntoTwiceWhileHeld)
 	{
-		const FSessionRun Run = Debug("/p\n:hold\ninto\ninto\n:release\n");
+		const FLodexRun Run = Debug("/p\n:hold\ninto\ninto\n:release\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(CountOf(Run.Out, "  request: StepInto (5)\n"), 2) << Run.Out;
 		EXPECT_TRUE(Contains(Run.Out, "> :release\n  evaluator took: StepInto (5)\n  poll: Finished (5)\n")) << Run.Out;
@@ -305,7 +285,7 @@ namespace
 
 	TEST_F(EvaluationCli, DebuggerWithTheGameNotRunning)
 	{
-		const FSessionRun Run = Debug("run\n/p\n", false);
+		const FLodexRun Run = Debug("run\n/p\n", false);
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_TRUE(Contains(Run.Out,
 			"> run\n  no request: the game is not running\n  Lode String: \n  Path "
@@ -322,22 +302,22 @@ namespace
 
 	TEST_F(EvaluationCli, FaultyEvaluatorsNeverBreakThePanels)
 	{
-		const FSessionRun Stuck = Debug("type /stuck\nrun\ninto\n:focus\n");
+		const FLodexRun Stuck = Debug("type /stuck\nrun\ninto\n:focus\n");
 		EXPECT_EQ(Stuck.Exit, 0) << Stuck.Err;
 		EXPECT_TRUE(Contains(Stuck.Out, "  poll: Accepted (1)\n")) << Stuck.Out;
 		EXPECT_TRUE(Contains(Stuck.Out, "> into\n  \"Step Into\" is disabled")) << Stuck.Out;
 		EXPECT_EQ(CountOf(Stuck.Out, "  buttons disabled\n"), 3) << Stuck.Out;
 
-		const FSessionRun Odd = Repl("/odd\n/one\n");
+		const FLodexRun Odd = Repl("/odd\n/one\n");
 		EXPECT_TRUE(Contains(Odd.Out, "  poll: unknown status 42, left alone\n")) << Odd.Out;
 		EXPECT_TRUE(Contains(Odd.Out, "> /one\n  request: Run (1)\n  poll: unknown status 42")) << "never taken";
 
-		const FSessionRun Nulls = Debug("type /nulls\nrun\n");
+		const FLodexRun Nulls = Debug("type /nulls\nrun\n");
 		EXPECT_TRUE(Contains(Nulls.Out, "  poll: Stepped (8)\n  Lode String: /nulls\n  Path Evaluation: \n"))
 			<< Nulls.Out;
 		EXPECT_TRUE(Contains(Nulls.Out, "  Stack (0)\n  Context (0)\n")) << Nulls.Out;
 
-		const FSessionRun NoBuffer = Debug("type /nobuffer\nrun\nrun\n");
+		const FLodexRun NoBuffer = Debug("type /nobuffer\nrun\nrun\n");
 		EXPECT_TRUE(Contains(NoBuffer.Out,
 			"> run\n  no request: the evaluator gives no path buffer\n  Lode String: "
 			"/nobuffer\n  Path Evaluation: \n  error icon on, message: The Lodex "
@@ -348,27 +328,31 @@ namespace
 	TEST_F(EvaluationCli, BadAnswerFilesAndUsage)
 	{
 		const std::string Broken = Dir.Write("broken.txt", "run /a\nstatus x\n");
-		const FSessionRun Bad = RunWithInput({"debug", "--evaluator", Broken}, "/a\n");
+		const FLodexRun Bad = RunLodex({"debug", "--evaluator", Broken}, "/a\n");
 		EXPECT_EQ(Bad.Exit, 1);
 		EXPECT_EQ(Bad.Out, "");
 		EXPECT_EQ(Bad.Err, "lodex: " + Broken + ":2: 'status' needs a whole number, not 'x'\n");
 
-		const FSessionRun Absent = RunWithInput({"repl", "--evaluator", Dir.File("absent.txt")}, "");
+		const FLodexRun Absent = RunLodex({"repl", "--evaluator", Dir.File("absent.txt")}, "");
 		EXPECT_EQ(Absent.Exit, 1);
 		EXPECT_EQ(Absent.Err, "lodex: " + Dir.File("absent.txt") + ": cannot open the file\n");
+		const FLodexRun Folder = RunLodex({"repl", "--evaluator", Dir.Path}, "/a\n");
+		EXPECT_EQ(Folder.Exit, 1);
+		EXPECT_EQ(Folder.Out, "");
+		EXPECT_EQ(Folder.Err, "lodex: " + Dir.Path + ": cannot read the file\n");
 
 		// One evaluator, no more, no less.
 		for (const std::vector<std::string>& Args : {std::vector<std::string>{"repl"},
 				 std::vector<std::string>{"debug", "--scene", SampleScene, "--evaluator", Answers}})
 		{
-			const FSessionRun Usage = RunWithInput(Args, "");
+			const FLodexRun Usage = RunLodex(Args, "");
 			EXPECT_EQ(Usage.Exit, 2);
 			EXPECT_EQ(Usage.Out, "");
 			EXPECT_TRUE(Contains(Usage.Err, "Exactly 1 option from [--scene,--evaluator] is required")) << Usage.Err;
 			EXPECT_TRUE(Contains(Usage.Err, "Usage:")) << Usage.Err;
 		}
 
-		const FSessionRun NoScene = RunWithInput({"repl", "--scene", Dir.File("absent.json")}, "//Door\n");
+		const FLodexRun NoScene = RunLodex({"repl", "--scene", Dir.File("absent.json")}, "//Door\n");
 		EXPECT_EQ(NoScene.Exit, 1);
 		EXPECT_EQ(NoScene.Out, "");
 		EXPECT_EQ(NoScene.Err, "lodex: " + Dir.File("absent.json") + ": cannot open the file\n");
@@ -376,30 +360,15 @@ namespace
 
 	TEST_F(EvaluationCli, DirectivesAndHelp)
 	{
-		const FSessionRun Run = Repl(":help\n:nonsense\n");
+		const FLodexRun Run = Repl(":help\n:nonsense\n");
 		EXPECT_EQ(Run.Exit, 0);
 		EXPECT_TRUE(Contains(Run.Out, ":hold     the evaluator takes no request until :release\n")) << Run.Out;
 		EXPECT_TRUE(Contains(Run.Out, "  unknown directive ':nonsense'; known: :focus :blur :hold :release :help\n"));
 	}
 
-	/** The built tool, reading a real pipe. */
-	FSessionRun RunBinaryPiped(const std::string& Input, const std::string& Arguments)
-	{
-		FTempDir Dir;
-		const std::string InputFile = Dir.Write("in", Input);
-		const std::string Command = "cat '" + InputFile + "' | '" LODEX_BINARY "' " + Arguments + " >'" +
-			Dir.File("out") + "' 2>'" + Dir.File("err") + "'";
-		FSessionRun Run;
-		const int Status = std::system(Command.c_str());
-		Run.Exit = WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
-		Run.Out = FTempDir::Read(Dir.File("out"));
-		Run.Err = FTempDir::Read(Dir.File("err"));
-		return Run;
-	}
-
 	TEST(EvaluationBinary, DebugFromAPipeWithTheSampleAnswers)
 	{
-		const FSessionRun Run = RunBinaryPiped("/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\ninto\n",
+		const FLodexRun Run = RunLodexPiped("/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\ninto\n",
 			std::string("debug --evaluator '") + LODEX_SOURCE_DIR + "/samples/evaluator-answers.txt'");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Err, "");
@@ -409,7 +378,7 @@ namespace
 
 	TEST(EvaluationBinary, DemoShowsBothPanels)
 	{
-		const FSessionRun Run = RunBinaryPiped("", "demo");
+		const FLodexRun Run = RunLodexPiped("", "demo");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_TRUE(Contains(Run.Out,
 			"> /*[@name = 'T\xC3\xBCr']\n  request: Run (1)\n  evaluator took: Run (1)\n  "

@@ -1,12 +1,9 @@
 // Copyright Lodex contributors.
-#include "LodexCli.h"
+#include "LodexRun.h"
 #include "TempDir.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -15,23 +12,9 @@ namespace
 {
 	const std::string SampleLevel = std::string(LODEX_SOURCE_DIR) + "/samples/level.json";
 
-	struct FExploreRun
+	FLodexRun Explore(const std::string& Script, const std::string& Scene = SampleLevel)
 	{
-		int Exit = -1;
-		std::string Out;
-		std::string Err;
-	};
-
-	FExploreRun Explore(const std::string& Script, const std::string& Scene = SampleLevel)
-	{
-		std::istringstream In(Script);
-		std::ostringstream Out;
-		std::ostringstream Err;
-		FExploreRun Run;
-		Run.Exit = RunLodexCli({"explore", "--scene", Scene}, In, Out, Err);
-		Run.Out = Out.str();
-		Run.Err = Err.str();
-		return Run;
+		return RunLodex({"explore", "--scene", Scene}, Script);
 	}
 
 	/** The rows the last "show" printed for a list ("Properties" or "Methods"), each as its cells joined by "|". */
@@ -81,15 +64,11 @@ namespace
 
 	TEST(LodexExplore, WorkedExamplesFromAPipeLogAndCopyExactlyAsTheEditor)
 	{
-		FTempDir Dir;
-		const std::string Script = Dir.Write("script.txt",
-			"select door\npick method SetSpeed\nmenu methods\nchoose Lodestring Absolute\n"
-			"pick method GetHits\nmenu methods\nchoose Lodestring Relative\n");
-		const std::string Command = "cat '" + Script + "' | '" LODEX_BINARY "' explore --scene '" + SampleLevel +
-			"' >'" + Dir.File("out") + "' 2>'" + Dir.File("err") + "'";
-		const int Status = std::system(Command.c_str());
-		ASSERT_TRUE(WIFEXITED(Status));
-		EXPECT_EQ(WEXITSTATUS(Status), 0) << FTempDir::Read(Dir.File("err"));
+		const FLodexRun Run =
+			RunLodexPiped("select door\npick method SetSpeed\nmenu methods\nchoose Lodestring Absolute\n"
+						  "pick method GetHits\nmenu methods\nchoose Lodestring Relative\n",
+				"explore --scene '" + SampleLevel + "'");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		const std::string Menu =
 			"> menu methods\n"
 			"Context menu of the Methods list\n"
@@ -99,7 +78,7 @@ namespace
 			"console\"\n"
 			"        └── \"Lodestring Absolute\" (DetailToolA.DetailCommand2), tooltip \"Print the Lodestring to the "
 			"console\"\n";
-		EXPECT_EQ(FTempDir::Read(Dir.File("out")),
+		EXPECT_EQ(Run.Out,
 			"> select door\n> pick method SetSpeed\n" + Menu +
 				"> choose Lodestring Absolute\n"
 				"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door']\n"
@@ -116,16 +95,16 @@ namespace
 				"LogTemp: Sample usage: int32 var = api.CallMethod<int32>(\"//Door\", \"GetHits\", new object[]{});  "
 				"//replace types with objects \n"
 				"Clipboard: int32 var = api.CallMethod<int32>(\"//Door\", \"GetHits\", new object[]{}); \n");
-		EXPECT_EQ(FTempDir::Read(Dir.File("err")), "");
+		EXPECT_EQ(Run.Err, "");
 	}
 
 	TEST(LodexExplore, MethodSnippetsOfEachParameterShape)
 	{
-		const FExploreRun Run = Explore("select door\n"
-										"pick method TryUnlock\nmenu methods\nchoose Lodestring Relative\n"
-										"pick method GetLockState\nmenu methods\nchoose Lodestring Relative\n"
-										"pick method Open\nmenu methods\nchoose Lodestring Relative\n"
-										"pick method Knock\nmenu methods\nchoose Lodestring Relative\n");
+		const FLodexRun Run = Explore("select door\n"
+									  "pick method TryUnlock\nmenu methods\nchoose Lodestring Relative\n"
+									  "pick method GetLockState\nmenu methods\nchoose Lodestring Relative\n"
+									  "pick method Open\nmenu methods\nchoose Lodestring Relative\n"
+									  "pick method Knock\nmenu methods\nchoose Lodestring Relative\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		for (const char* Expected : {
 				 "LogTemp: Method : bool TryUnlock(FString &Code, int32 &AttemptsLeft)\n"
@@ -147,9 +126,9 @@ namespace
 
 	TEST(LodexExplore, PropertyAndObjectTargetsAndNothingWithoutAPick)
 	{
-		const FExploreRun Run = Explore("select door\nmenu properties\nchoose Lodestring Relative\n"
-										"tree Hinge\npick property RelativeLocation\nmenu properties\n"
-										"choose Lodestring Relative\nmenu tree\nchoose Lodestring Absolute\n");
+		const FLodexRun Run = Explore("select door\nmenu properties\nchoose Lodestring Relative\n"
+									  "tree Hinge\npick property RelativeLocation\nmenu properties\n"
+									  "choose Lodestring Relative\nmenu tree\nchoose Lodestring Absolute\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		// Nothing picked in the Properties list: the first choice prints nothing at all.
 		EXPECT_TRUE(Contains(Run.Out, "> choose Lodestring Relative\n> tree Hinge\n")) << Run.Out;
@@ -164,7 +143,7 @@ namespace
 			"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')/@RelativeLocation\n"))
 			<< Run.Out;
 
-		const FExploreRun Object = Explore("select door\ntree Hinge\nmenu tree\nchoose Lodestring Absolute\n");
+		const FLodexRun Object = Explore("select door\ntree Hinge\nmenu tree\nchoose Lodestring Absolute\n");
 		EXPECT_TRUE(Contains(Object.Out,
 			"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge') \n"
 			"Clipboard: /*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n"))
@@ -184,9 +163,9 @@ namespace
 				{"name": "Word", "type": "FString", "flags": ["parm"]}, {"name": "Times", "type": "int32", "flags": ["parm", "out"]}]},
 			{"name": "Whisper", "properties": [{"name": "ReturnValue", "type": "Void", "flags": ["parm", "out", "return"]},
 				{"name": "Word", "type": "FString", "flags": ["parm"]}]}]}]})");
-		const FExploreRun Run = Explore("select door\npick method Shout\nmenu methods\nchoose Lodestring Relative\n"
-										"pick method Whisper\nmenu methods\nchoose Lodestring Relative\n"
-										"tree Latch\nmenu tree\nchoose Lodestring Relative\n",
+		const FLodexRun Run = Explore("select door\npick method Shout\nmenu methods\nchoose Lodestring Relative\n"
+									  "pick method Whisper\nmenu methods\nchoose Lodestring Relative\n"
+									  "tree Latch\nmenu tree\nchoose Lodestring Relative\n",
 			Scene);
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		for (const char* Expected : {
@@ -202,26 +181,24 @@ namespace
 		{
 			EXPECT_TRUE(Contains(Run.Out, Expected)) << Expected << "\n" << Run.Out;
 		}
-		std::istringstream In;
-		std::ostringstream PathOut;
-		std::ostringstream PathErr;
-		ASSERT_EQ(RunLodexCli({"path", "--scene", Scene, "--mode", "Relative", "latch"}, In, PathOut, PathErr), 0);
-		EXPECT_EQ(PathOut.str(), "//Door/fn:component('Lock')/fn:component('Latch')\n");
+		const FLodexRun Path = RunLodex({"path", "--scene", Scene, "--mode", "Relative", "latch"}, "");
+		ASSERT_EQ(Path.Exit, 0);
+		EXPECT_EQ(Path.Out, "//Door/fn:component('Lock')/fn:component('Latch')\n");
 	}
 
 	TEST(LodexExplore, TypingLocKeepsRelativeLocationAndClearingTheBoxShowsEverythingAgain)
 	{
-		const FExploreRun Run = Explore("select hinge\nsearch properties loc\nshow\n");
+		const FLodexRun Run = Explore("select hinge\nsearch properties loc\nshow\n");
 		EXPECT_EQ(ShownRows(Run.Out, "Properties"), std::vector<std::string>{"FVector|RelativeLocation"});
 		EXPECT_TRUE(Contains(Run.Out, "\nProperties  [loc]\n"));
-		const FExploreRun Cleared = Explore("select hinge\nsearch properties loc\nsearch properties\nshow\n");
+		const FLodexRun Cleared = Explore("select hinge\nsearch properties loc\nsearch properties\nshow\n");
 		EXPECT_EQ(ShownRows(Cleared.Out, "Properties").size(), 9u);
 		EXPECT_TRUE(Contains(Cleared.Out, "\nProperties  [Search Properties] (hint)\n"));
 	}
 
 	TEST(LodexExplore, SelectingAComponentInTheTreeClearsBothBoxesAndRefillsBothLists)
 	{
-		const FExploreRun Run =
+		const FLodexRun Run =
 			Explore("select door\nsearch properties open\nsearch methods lock\nshow\ntree Hinge\nshow\n");
 		EXPECT_EQ(ShownRows(Run.Out, "Properties").front(), "USceneComponent*|AttachParent");
 		EXPECT_EQ(ShownRows(Run.Out, "Methods").front(), "USceneComponent*|GetAttachParent()");
@@ -236,7 +213,7 @@ namespace
 
 	TEST(LodexExplore, EitherRowOfTwoSameNamedMethodsPicksTheFirstEntry)
 	{
-		const FExploreRun Run = Explore("select door\nsearch methods BeginPlay\npick method #2\nshow\n");
+		const FLodexRun Run = Explore("select door\nsearch methods BeginPlay\npick method #2\nshow\n");
 		EXPECT_EQ(ShownRows(Run.Out, "Methods"),
 			(std::vector<std::string>{"void|ReceiveBeginPlay()", ">|void|ReceiveBeginPlay()"}));
 		EXPECT_EQ(ShownField(Run.Out, "SelectedFunction"), "ReceiveBeginPlay (declared by BP_Door_C)");
@@ -244,7 +221,7 @@ namespace
 
 	TEST(LodexExplore, TwoSelectedActorsLeaveThePanelAsItWas)
 	{
-		const FExploreRun Run =
+		const FLodexRun Run =
 			Explore("select door\npick method Open\nsearch methods o\nshow\nselect door lamp\nshow\n");
 		const std::size_t Second = Run.Out.rfind("> show\n");
 		const std::size_t First = Run.Out.rfind("> show\n", Second - 1);
@@ -255,7 +232,7 @@ namespace
 
 	TEST(LodexExplore, AnObjectNeitherActorNorComponentIsLoggedAndLeavesTheListsEmpty)
 	{
-		const FExploreRun Run = Explore("select door\nselect level\nselect hud\nshow\n");
+		const FLodexRun Run = Explore("select door\nselect level\nselect hud\nshow\n");
 		EXPECT_TRUE(Contains(Run.Out,
 			"> select level\nLogTemp: Unhandled thing clicked : PersistentLevel();\n"
 			"> select hud\nLogTemp: Unhandled thing clicked : WBP_HUD_C_0();\n"))
@@ -267,8 +244,8 @@ namespace
 
 	TEST(LodexExplore, ListViewsLetGoOfARowTheyNoLongerShowAndThePanelHearsIt)
 	{
-		const FExploreRun Run = Explore("select door\npick method Open\nsearch methods lock\nshow\n"
-										"search methods\nshow\npick method Open\ntree Hinge\nshow\n");
+		const FLodexRun Run = Explore("select door\npick method Open\nsearch methods lock\nshow\n"
+									  "search methods\nshow\npick method Open\ntree Hinge\nshow\n");
 		const std::size_t Second = Run.Out.find("> search methods\n");
 		EXPECT_EQ(ShownField(Run.Out.substr(0, Second), "SelectedFunction"), "(none)");
 		EXPECT_EQ(
@@ -279,7 +256,7 @@ namespace
 
 	TEST(LodexExplore, ATabOpenedAgainStartsFromTheEditorsSelection)
 	{
-		const FExploreRun Run = Explore("close\nselect lamp\nshow\nopen\nmenu tree\nshow\n");
+		const FLodexRun Run = Explore("close\nselect lamp\nshow\nopen\nmenu tree\nshow\n");
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Err, "lodex: line 3: the Object Explorer tab is closed (\"open\" opens it)\n");
 		EXPECT_TRUE(Contains(Run.Out, "(no context menu: no node of the components tree is selected)\n"));
@@ -289,7 +266,7 @@ namespace
 
 	TEST(LodexExplore, ALineThatCannotBeCarriedOutIsReportedAndTheSessionGoesOn)
 	{
-		const FExploreRun Run =
+		const FLodexRun Run =
 			Explore("select door\njump\nselect nobody\npick method Fly\nchoose Lodestring Absolute\n"
 					"search widgets x\n# a comment\n\nmenu methods\nchoose Lodestring Sideways\nshow\n");
 		EXPECT_EQ(Run.Exit, 1);
@@ -311,24 +288,22 @@ namespace
 		FTempDir Dir;
 		const std::string Bad =
 			Dir.Write("bad.json", R"({"objects": [], "classes": [{"name": "A", "functions": [{"name": 3}]}]})");
-		const FExploreRun Run = Explore("show\n", Bad);
+		const FLodexRun Run = Explore("show\n", Bad);
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Err,
 			"lodex: " + Bad + ": classes[0] (name 'A'): functions[0]: field 'name' must be a string, found number\n");
 		EXPECT_EQ(Run.Out, "");
-		const FExploreRun Missing = Explore("show\n", Dir.File("none.json"));
+		const FLodexRun Missing = Explore("show\n", Dir.File("none.json"));
 		EXPECT_EQ(Missing.Err, "lodex: " + Dir.File("none.json") + ": cannot open the file\n");
 	}
 
 	TEST(LodexExplore, TheDemoExploresTheGameClassAndPrintsAMethodSnippet)
 	{
-		std::istringstream In;
-		std::ostringstream Out;
-		std::ostringstream Err;
-		ASSERT_EQ(RunLodexCli({"demo"}, In, Out, Err), 0) << Err.str();
-		EXPECT_TRUE(Contains(Out.str(),
+		const FLodexRun Run = RunLodex({"demo"}, "");
+		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_TRUE(Contains(Run.Out,
 			"LogTemp: Sample usage: bool var = api.CallMethod<bool>(\"/*[@name = 'House']/*[@name = 'Door']\", "
 			"\"TryUnlock\", new object[]{& FString, & int32});  //replace types with objects \n"))
-			<< Out.str();
+			<< Run.Out;
 	}
 }

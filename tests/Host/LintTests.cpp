@@ -2,12 +2,12 @@
 #include "CSharpLiterals.h"
 #include "LodestringCases.h"
 #include "LodexCli.h"
+#include "LodexRun.h"
 #include "TempDir.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <sstream>
 
 namespace
 {
@@ -72,24 +72,6 @@ namespace
 		EXPECT_EQ(Found("api.Find(\"//Door\""), "");
 	}
 
-	struct FRun
-	{
-		int Exit = -1;
-		std::string Out;
-		std::string Err;
-	};
-
-	FRun RunLodex(const std::vector<std::string>& Args)
-	{
-		std::ostringstream Out;
-		std::ostringstream Err;
-		FRun Run;
-		Run.Exit = RunLodexCli(Args, Out, Err);
-		Run.Out = Out.str();
-		Run.Err = Err.str();
-		return Run;
-	}
-
 	class LodexLint : public ::testing::Test
 	{
 	protected:
@@ -113,7 +95,7 @@ namespace
 			"api.Click(@\"//*[@tag = 't1']\");\n"
 			"api.Click(\"/*[@nam = 'A']\");\n"
 			"api.Click(\"//A\");\n");
-		const FRun Run = RunLodex({"lint", "--scene", ScenePath, Good, Bad});
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Good, Bad});
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Err, "");
 		EXPECT_EQ(Run.Out,
@@ -121,7 +103,7 @@ namespace
 				Bad + ":4: /*[@nam = 'A'] cannot be read: Unknown attribute: only @name and @tag can be compared\n" +
 				"Checked 6 Lodestrings in 2 files: 3 do not match exactly one object\n");
 
-		const FRun Clean = RunLodex({"lint", "--scene", ScenePath, Good});
+		const FLodexRun Clean = RunLodex({"lint", "--scene", ScenePath, Good});
 		EXPECT_EQ(Clean.Exit, 0);
 		EXPECT_EQ(Clean.Out, "Checked 2 Lodestrings in 1 file: each matches exactly one object\n");
 	}
@@ -132,7 +114,7 @@ namespace
 		Dir.Write("tests/b/Second.cs", "api.Click(\"//Nobody\");");
 		Dir.Write("tests/a/First.cs", "api.Click(\"//Ghost\");");
 		Dir.Write("tests/Notes.txt", "api.Click(\"//Ignored\");");
-		const FRun Run = RunLodex({"lint", "--scene", ScenePath, Dir.File("tests")});
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Dir.File("tests")});
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Out,
 			Dir.File("tests") + "/a/First.cs:1: //Ghost matches no object\n" + Dir.File("tests") +
@@ -143,16 +125,16 @@ namespace
 	TEST_F(LodexLint, AnUnreadableFileStopsWithOneLineAndNoReport)
 	{
 		const std::string Good = Dir.Write("Good.cs", "api.Click(\"//Nobody\");");
-		const FRun Run = RunLodex({"lint", "--scene", ScenePath, Good, Dir.File("Absent.cs")});
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Good, Dir.File("Absent.cs")});
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Out, "");
 		EXPECT_EQ(Run.Err, "lodex: " + Dir.File("Absent.cs") + ": cannot open the file\n");
 
-		const FRun NoScene = RunLodex({"lint", "--scene", Dir.File("absent.json"), Good});
+		const FLodexRun NoScene = RunLodex({"lint", "--scene", Dir.File("absent.json"), Good});
 		EXPECT_EQ(NoScene.Exit, 1);
 		EXPECT_EQ(NoScene.Err, "lodex: " + Dir.File("absent.json") + ": cannot open the file\n");
 
-		const FRun Usage = RunLodex({"lint", "--scene", ScenePath});
+		const FLodexRun Usage = RunLodex({"lint", "--scene", ScenePath});
 		EXPECT_EQ(Usage.Exit, 2);
 		EXPECT_NE(Usage.Err.find("Usage:"), std::string::npos);
 	}
@@ -160,7 +142,7 @@ namespace
 	TEST_F(LodexLint, CopyTellsOnStandardErrorHowManyObjectsEachCopiedLodestringMatches)
 	{
 		const std::string Clipboard = Dir.File("clipboard.txt");
-		const FRun Run = RunLodex(
+		const FLodexRun Run = RunLodex(
 			{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door", "comp", "cycA"});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out,

@@ -2,34 +2,16 @@
 #include "ChildProcess.h"
 #include "LodestringCases.h"
 #include "LodexCli.h"
+#include "LodexRun.h"
 #include "TempDir.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <set>
-#include <sstream>
 
 namespace
 {
-	struct FRun
-	{
-		int Exit = -1;
-		std::string Out;
-		std::string Err;
-	};
-
-	FRun RunLodex(const std::vector<std::string>& Args)
-	{
-		std::ostringstream Out;
-		std::ostringstream Err;
-		FRun Run;
-		Run.Exit = RunLodexCli(Args, Out, Err);
-		Run.Out = Out.str();
-		Run.Err = Err.str();
-		return Run;
-	}
-
 	/** The names in a folder. */
 	std::set<std::string> ListFolder(const std::string& Path)
 	{
@@ -57,7 +39,7 @@ namespace
 	{
 		for (const LodestringCases::FRow& Row : LodestringCases::Rows)
 		{
-			const FRun Run = RunLodex({"path", "--scene", ScenePath, "--mode", Row.Mode, Row.Object});
+			const FLodexRun Run = RunLodex({"path", "--scene", ScenePath, "--mode", Row.Mode, Row.Object});
 			EXPECT_EQ(Run.Exit, 0) << Run.Err;
 			EXPECT_EQ(Run.Out, std::string(Row.Expected) + "\n") << Row.Object << ", \"" << Row.Mode << "\"";
 			EXPECT_EQ(Run.Err, "");
@@ -66,21 +48,21 @@ namespace
 
 	TEST_F(LodexCli, PathTakesSeveralObjectsByIdOrNameAndDefaultsToAbsolute)
 	{
-		const FRun Run = RunLodex({"path", "--scene", ScenePath, "hinge", "Fog", "House"});
+		const FLodexRun Run = RunLodex({"path", "--scene", ScenePath, "hinge", "Fog", "House"});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n\n/*[@name = 'House']\n");
-		const FRun Empty = RunLodex({"path", "--scene", ScenePath, "--mode", "", "door"});
+		const FLodexRun Empty = RunLodex({"path", "--scene", ScenePath, "--mode", "", "door"});
 		EXPECT_EQ(Empty.Exit, 0) << Empty.Err;
 		EXPECT_EQ(Empty.Out, "\n");
 	}
 
 	TEST_F(LodexCli, PathRefusesUnknownAndAmbiguousObjects)
 	{
-		const FRun Unknown = RunLodex({"path", "--scene", ScenePath, "door", "Nobody"});
+		const FLodexRun Unknown = RunLodex({"path", "--scene", ScenePath, "door", "Nobody"});
 		EXPECT_EQ(Unknown.Exit, 1);
 		EXPECT_EQ(Unknown.Out, "") << "nothing is printed when one object is wrong";
 		EXPECT_EQ(Unknown.Err, "lodex: " + ScenePath + ": no object has the id or name 'Nobody'\n");
-		const FRun Ambiguous = RunLodex({"path", "--scene", ScenePath, "Comp"});
+		const FLodexRun Ambiguous = RunLodex({"path", "--scene", ScenePath, "Comp"});
 		EXPECT_EQ(Ambiguous.Exit, 1);
 		EXPECT_EQ(Ambiguous.Err, "lodex: " + ScenePath + ": 3 objects are named 'Comp'; name one by its id\n");
 	}
@@ -88,14 +70,14 @@ namespace
 	TEST_F(LodexCli, CopyLogsEveryActorAndLeavesTheLastOnTheClipboard)
 	{
 		const std::string Clipboard = Dir.File("clipboard.txt");
-		const FRun Run =
+		const FLodexRun Run =
 			RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard, "a", "bob"});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : /*[@name = 'A'] \nLogTemp: Lodestring : /*[@name = 'Bob's'] \n");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "/*[@name = 'Bob's']");
 		EXPECT_EQ(ListFolder(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
 
-		const FRun Relative =
+		const FLodexRun Relative =
 			RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door"});
 		EXPECT_EQ(Relative.Out, "LogTemp: Lodestring : //Door \n");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "//Door");
@@ -104,7 +86,7 @@ namespace
 	TEST_F(LodexCli, CopyWithEmptySelectionLeavesTheClipboardUntouched)
 	{
 		const std::string Clipboard = Dir.Write("clipboard.txt", "earlier text\n");
-		const FRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard});
+		const FLodexRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "");
 		EXPECT_EQ(Run.Err, "");
@@ -126,7 +108,7 @@ namespace
 		for (const auto& Row : Rows)
 		{
 			const std::set<std::string> Before = ListFolder(Dir.Path);
-			const FRun Run = RunLodex(
+			const FLodexRun Run = RunLodex(
 				{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Row.Clipboard, "a", "door"});
 			EXPECT_EQ(Run.Exit, 1);
 			EXPECT_EQ(Run.Out, "LogTemp: Lodestring : //A \nLogTemp: Lodestring : //Door \n");
@@ -164,7 +146,7 @@ namespace
 		};
 		for (const auto& Row : Rows)
 		{
-			const FRun Run = RunLodex(Row.Call);
+			const FLodexRun Run = RunLodex(Row.Call);
 			EXPECT_EQ(Run.Exit, 2) << ::testing::PrintToString(Row.Call);
 			EXPECT_EQ(Run.Out, "");
 			EXPECT_EQ(Run.Err.substr(0, Run.Err.find('\n')), Row.FirstLine) << ::testing::PrintToString(Row.Call);
@@ -174,13 +156,13 @@ namespace
 
 	TEST_F(LodexCli, VersionAndHelpEverywhere)
 	{
-		const FRun Version = RunLodex({"--version"});
+		const FLodexRun Version = RunLodex({"--version"});
 		EXPECT_EQ(Version.Exit, 0);
 		EXPECT_EQ(Version.Out, "lodex 0.1.0\n");
 		for (const std::vector<std::string>& Call : std::vector<std::vector<std::string>>{
 				 {"--help"}, {"path", "--help"}, {"copy", "--help"}, {"demo", "--help"}})
 		{
-			const FRun Run = RunLodex(Call);
+			const FLodexRun Run = RunLodex(Call);
 			EXPECT_EQ(Run.Exit, 0) << ::testing::PrintToString(Call);
 			EXPECT_NE(Run.Out.find("Usage:"), std::string::npos) << Run.Out;
 		}
@@ -193,7 +175,7 @@ namespace
 			{"id": "h", "kind": "actor", "name": "House", "outer": null, "attachParent": null},
 			{"id": "d", "kind": "actor", "name": "Door", "outer": null, "attachParent": "h", "rootWidget": null},
 			{"id": "w", "kind": "widget", "name": "W", "widgetParent": null}]})");
-		const FRun Run = RunLodex({"path", "--scene", Scene, "h", "d", "w"});
+		const FLodexRun Run = RunLodex({"path", "--scene", Scene, "h", "d", "w"});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "/*[@name = 'House']\n/*[@name = 'House']/*[@name = 'Door']\n/*[@name = 'W']\n");
 	}
@@ -219,7 +201,7 @@ namespace
 		};
 		for (const FRow& Row : Rows)
 		{
-			const FRun Run = RunLodex({"copy", "--scene", Row.Path, "--mode", "Absolute", "a"});
+			const FLodexRun Run = RunLodex({"copy", "--scene", Row.Path, "--mode", "Absolute", "a"});
 			EXPECT_EQ(Run.Exit, 1);
 			EXPECT_EQ(Run.Out, "");
 			EXPECT_EQ(Run.Err, Row.Error);

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #include "ChildProcess.h"
 #include "LodexCli.h"
+#include "LodexRun.h"
 #include "TempDir.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"
@@ -9,29 +10,10 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <sstream>
 #include <sys/stat.h>
 
 namespace
 {
-	struct FRecordRun
-	{
-		int Exit = -1;
-		std::string Out;
-		std::string Err;
-	};
-
-	FRecordRun RunLodexRecord(const std::vector<std::string>& Args)
-	{
-		std::ostringstream Out;
-		std::ostringstream Err;
-		FRecordRun Run;
-		Run.Exit = RunLodexCli(Args, Out, Err);
-		Run.Out = Out.str();
-		Run.Err = Err.str();
-		return Run;
-	}
-
 	std::size_t CountDirectoryEntries(const std::string& Folder)
 	{
 		std::size_t Count = 0;
@@ -56,7 +38,7 @@ namespace
 
 	TEST(LodexRecord, PrintsTheScriptExactlyAsThePanelHoldsItAfterStop)
 	{
-		const FRecordRun Run = RunLodexRecord({"record", "--input", SampleLog, "--scene", SampleScene});
+		const FLodexRun Run = RunLodex({"record", "--input", SampleLog, "--scene", SampleScene});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Err, "");
 		EXPECT_EQ(Run.Out, SampleScript()) << "lines joined with \"\\r\\n\", nothing added at the end";
@@ -64,7 +46,7 @@ namespace
 
 	TEST(LodexRecord, FpsWritesEveryDurationInTheFpsForm)
 	{
-		const FRecordRun Run = RunLodexRecord({"record", "--fps", "--input", SampleLog});
+		const FLodexRun Run = RunLodex({"record", "--fps", "--input", SampleLog});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_NE(Run.Out.find("api.KeyPress(new KeyCode[] { KeyCode.SpaceBar}, (int)(api.GetLastFPS() * 0.25));"),
 			std::string::npos)
@@ -79,7 +61,7 @@ namespace
 	{
 		FTempDir Dir;
 		const std::string Target = Dir.Write("RecordedInput.txt", "an older script");
-		const FRecordRun Run = RunLodexRecord({"record", "--input", SampleLog, "--out", Target});
+		const FLodexRun Run = RunLodex({"record", "--input", SampleLog, "--out", Target});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "");
 		EXPECT_EQ(Run.Err, "");
@@ -93,7 +75,7 @@ namespace
 		// A folder where the file should go: refused before anything is written beside it.
 		ASSERT_EQ(mkdir(Dir.File("Taken").c_str(), 0755), 0);
 		Dir.Write("Taken/keep.txt", "kept");
-		const FRecordRun Taken = RunLodexRecord({"record", "--input", SampleLog, "--out", Dir.File("Taken")});
+		const FLodexRun Taken = RunLodex({"record", "--input", SampleLog, "--out", Dir.File("Taken")});
 		EXPECT_EQ(Taken.Exit, 1);
 		EXPECT_EQ(Taken.Out, "");
 		EXPECT_EQ(Taken.Err, "lodex: " + Dir.File("Taken") + ": is a folder, not a file; nothing was written\n");
@@ -102,7 +84,7 @@ namespace
 		EXPECT_EQ(CountDirectoryEntries(Dir.File("")), 1u) << "nothing was left beside the folder";
 
 		const std::string Nowhere = Dir.File("no/such/folder/RecordedInput.txt");
-		const FRecordRun Missing = RunLodexRecord({"record", "--input", SampleLog, "--out", Nowhere});
+		const FLodexRun Missing = RunLodex({"record", "--input", SampleLog, "--out", Nowhere});
 		EXPECT_EQ(Missing.Exit, 1);
 		EXPECT_EQ(Missing.Err.rfind("lodex: " + Nowhere + ": cannot write the file (", 0), 0u) << Missing.Err;
 		EXPECT_EQ(std::count(Missing.Err.begin(), Missing.Err.end(), '\n'), 1);
@@ -134,18 +116,20 @@ namespace
 					":2: button 'WaitForObject' needs --scene FILE to find its object (or a 'lodestring' field)\n"},
 			{{"record", "--input", Dir.File("absent.jsonl")},
 				"lodex: " + Dir.File("absent.jsonl") + ": cannot open the file\n"},
+			// A folder opens but cannot be read: it is not taken for an empty log.
+			{{"record", "--input", Dir.Path}, "lodex: " + Dir.Path + ": cannot read the file\n"},
 			{{"record", "--input", SampleLog, "--scene", BadScene},
 				"lodex: " + BadScene + ": field 'objects' must be an array, found number\n"},
 		};
 		for (const auto& Row : Rows)
 		{
-			const FRecordRun Run = RunLodexRecord(Row.Args);
+			const FLodexRun Run = RunLodex(Row.Args);
 			EXPECT_EQ(Run.Exit, 1) << Row.Error;
 			EXPECT_EQ(Run.Out, "");
 			EXPECT_EQ(Run.Err, Row.Error);
 		}
 		const std::string Out = Dir.File("never.txt");
-		EXPECT_EQ(RunLodexRecord({"record", "--input", Broken, "--out", Out}).Exit, 1);
+		EXPECT_EQ(RunLodex({"record", "--input", Broken, "--out", Out}).Exit, 1);
 		EXPECT_FALSE(FTempDir::Exists(Out)) << "nothing is written for a bad log";
 	}
 
@@ -189,7 +173,7 @@ namespace
 
 	TEST(LodexRecord, WithoutAnInputLogItIsAUsageError)
 	{
-		const FRecordRun Run = RunLodexRecord({"record", "--fps"});
+		const FLodexRun Run = RunLodex({"record", "--fps"});
 		EXPECT_EQ(Run.Exit, 2);
 		EXPECT_EQ(Run.Out, "");
 		EXPECT_NE(Run.Err.find("--input"), std::string::npos) << Run.Err;
@@ -197,7 +181,7 @@ namespace
 
 	TEST(LodexRecord, TheDemoShowsTheRecordedSampleSessionAndItsScript)
 	{
-		const FRecordRun Run = RunLodexRecord({"demo"});
+		const FLodexRun Run = RunLodex({"demo"});
 		ASSERT_EQ(Run.Exit, 0) << Run.Err;
 		const std::size_t Section = Run.Out.find("\nA recorded session: the sample input log (samples/session.jsonl), "
 												 "136 events from frame 1000 to 1450 on the host \"rig-3\"");

@@ -108,6 +108,38 @@ TEST(LodexTextCount, LeadingIntegerAsAtoiReadsIt)
 	}
 }
 
+TEST(LodexTextUtf8, SequenceLengthAcceptsOnlyWellFormedSequences)
+{
+	struct FRow
+	{
+		const char* Text;
+		std::size_t Index;
+		std::size_t Length;
+		std::uint32_t CodePoint;
+	};
+	const FRow Rows[] = {
+		{"A", 0, 1, 0x41},
+		{"T\xC3\xBCr", 1, 2, 0xFC},
+		{"T\xC3\xBCr", 2, 0, 0}, // a continuation byte starts nothing
+		{"\xE7\x94\xA8", 0, 3, 0x7528},
+		{"\xF0\x9F\x98\x80", 0, 4, 0x1F600},
+		{"\xF4\x8F\xBF\xBF", 0, 4, 0x10FFFF},
+		{"\xF4\x90\x80\x80", 0, 0, 0}, // beyond U+10FFFF
+		{"\xC0\xAF", 0, 0, 0}, // overlong
+		{"\xE0\x80\xAF", 0, 0, 0}, // overlong
+		{"\xED\xA0\x80", 0, 0, 0}, // a surrogate
+		{"\xE7\x94", 0, 0, 0}, // cut short by the end
+		{"\xE7\x41\xA8", 0, 0, 0}, // cut short by a plain byte
+		{"\xFF", 0, 0, 0},
+	};
+	for (const FRow& Row : Rows)
+	{
+		std::uint32_t CodePoint = 0;
+		EXPECT_EQ(Utf8SequenceLength(Row.Text, Row.Index, CodePoint), Row.Length) << Row.Text << " at " << Row.Index;
+		EXPECT_EQ(CodePoint, Row.CodePoint) << Row.Text << " at " << Row.Index;
+	}
+}
+
 TEST(LodexTextAnsi, UnitsAboveAsciiBecomeQuestionMarks)
 {
 	EXPECT_EQ(ToAnsi("//Door"), "//Door");
@@ -122,6 +154,22 @@ TEST(LodexTextAnsi, UnitsAboveAsciiBecomeQuestionMarks)
 	EXPECT_EQ(FromAnsi(nullptr), "");
 	EXPECT_EQ(FromAnsi("T?r"), "T?r");
 	EXPECT_EQ(FromAnsi("\xE9"), "\xC3\xA9");
+}
+
+TEST(LodexTextHex, DigitsOfEitherCaseAndNothingAroundThem)
+{
+	std::string Digits;
+	for (int Char = 1; Char < 256; ++Char)
+	{
+		const int Value = HexDigitValue(static_cast<char>(Char));
+		if (Value >= 0)
+		{
+			Digits += static_cast<char>(Char);
+			EXPECT_EQ(Value, Char <= '9' ? Char - '0' : (Char | 0x20) - 'a' + 10) << Char;
+		}
+	}
+	EXPECT_EQ(Digits, "0123456789ABCDEFabcdef");
+	EXPECT_EQ(HexDigitValue('\0'), -1);
 }
 
 TEST(LodexTextCase, AsciiCaseOnly)

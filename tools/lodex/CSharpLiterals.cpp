@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "CSharpLiterals.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <cstdint>
 
 namespace
@@ -46,23 +48,6 @@ namespace
 			Out += static_cast<char>(0x80 | ((CodePoint >> 6) & 0x3F));
 			Out += static_cast<char>(0x80 | (CodePoint & 0x3F));
 		}
-	}
-
-	int HexValue(char Char)
-	{
-		if (Char >= '0' && Char <= '9')
-		{
-			return Char - '0';
-		}
-		if (Char >= 'a' && Char <= 'f')
-		{
-			return Char - 'a' + 10;
-		}
-		if (Char >= 'A' && Char <= 'F')
-		{
-			return Char - 'A' + 10;
-		}
-		return -1;
 	}
 
 	bool IsIdentifierChar(char Char)
@@ -321,9 +306,9 @@ namespace
 						const std::size_t MaxDigits = Escape == 'x' ? 4 : (Escape == 'u' ? 4 : 8);
 						std::uint32_t Code = 0;
 						std::size_t Digits = 0;
-						while (Digits < MaxDigits && HexValue(At()) >= 0)
+						while (Digits < MaxDigits && LodexText::HexDigitValue(At()) >= 0)
 						{
-							Code = Code * 16 + static_cast<std::uint32_t>(HexValue(At()));
+							Code = Code * 16 + static_cast<std::uint32_t>(LodexText::HexDigitValue(At()));
 							Advance();
 							++Digits;
 						}

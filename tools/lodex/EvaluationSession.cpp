@@ -3,6 +3,7 @@
 #include "SceneEvaluation.h"
 
 #include "EvaluatorRunner.h"
+#include "WholeFile.h"
 
 #include "LodexDebugger/Core/Evaluation/LodexDebuggerPanel.h"
 #include "LodexDebugger/Core/Evaluation/LodexReplPanel.h"
@@ -11,8 +12,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace
@@ -368,16 +367,11 @@ std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexSessionOptions& 
 	{
 		return MakeLodexSceneEvaluator(Options.SceneFile, Err);
 	}
-	std::ifstream File(Options.EvaluatorFile, std::ios::binary);
-	if (!File)
+	std::string Text;
+	std::string Error;
+	if (!ReadWholeFile(Options.EvaluatorFile, Text, Error))
 	{
-		Err << "lodex: " << Options.EvaluatorFile << ": cannot open the file\n";
-		return nullptr;
-	}
-	const std::string Text((std::istreambuf_iterator<char>(File)), std::istreambuf_iterator<char>());
-	if (File.bad())
-	{
-		Err << "lodex: " << Options.EvaluatorFile << ": cannot read the file\n";
+		Err << "lodex: " << Error << "\n";
 		return nullptr;
 	}
 	return MakeLodexScriptedEvaluator(Text, Options.EvaluatorFile, Err);

@@ -3,6 +3,7 @@
 #include "LodexCli.h"
 #include "SceneEvaluation.h"
 #include "SceneSnapshot.h"
+#include "WholeFile.h"
 
 #include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
@@ -11,8 +12,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <system_error>
 
 namespace
@@ -55,20 +54,12 @@ namespace
 		}
 		for (const std::string& Path : Files)
 		{
-			std::ifstream File(Path, std::ios::binary);
-			if (!File)
+			std::string Text;
+			if (!ReadWholeFile(Path, Text, OutError))
 			{
-				OutError = Path + ": cannot open the file";
 				return false;
 			}
-			std::ostringstream Buffer;
-			Buffer << File.rdbuf();
-			if (File.bad())
-			{
-				OutError = Path + ": cannot read the file";
-				return false;
-			}
-			OutFiles.push_back({Path, Buffer.str()});
+			OutFiles.push_back({Path, std::move(Text)});
 		}
 		return true;
 	}

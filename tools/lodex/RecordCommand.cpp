@@ -6,32 +6,15 @@
 #include "LodexCli.h"
 #include "SampleSession.h"
 #include "SceneSnapshot.h"
+#include "WholeFile.h"
 
 #include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"
 #include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 namespace
 {
-	bool ReadWholeFile(const std::string& Path, std::string& OutText)
-	{
-		std::ifstream In(Path, std::ios::binary);
-		if (!In)
-		{
-			return false;
-		}
-		std::ostringstream Buffer;
-		Buffer << In.rdbuf();
-		OutText = Buffer.str();
-		return !In.bad();
-	}
-
 	/** Saves the script as Download does: whole, under a unique name beside the target, then renamed over it. */
 	bool SaveScriptFile(const std::string& Path, const std::string& Text, std::string& OutError)
 	{
@@ -55,9 +38,10 @@ namespace
 		int Run(FLodexCliIo& Io) override
 		{
 			std::string Text;
-			if (!ReadWholeFile(InputPath, Text))
+			std::string Error;
+			if (!ReadWholeFile(InputPath, Text, Error))
 			{
-				Io.Err << "lodex: " << InputPath << ": cannot open the file\n";
+				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
 			FSceneSnapshot Scene;
@@ -65,7 +49,6 @@ namespace
 			Options.bForceFps = bForceFps;
 			if (!ScenePath.empty())
 			{
-				std::string Error;
 				if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
 				{
 					Io.Err << "lodex: " << Error << "\n";
@@ -74,7 +57,6 @@ namespace
 				Options.Scene = &Scene;
 			}
 			FInputLogReplay Replay;
-			std::string Error;
 			if (!ReplayInputLog(Text, InputPath, Options, Replay, Error))
 			{
 				Io.Err << "lodex: " << Error << "\n";

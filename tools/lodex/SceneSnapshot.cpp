@@ -2,13 +2,12 @@
 #include "SceneSnapshot.h"
 
 #include "JsonErrors.h"
+#include "WholeFile.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <unordered_map>
 
 namespace
@@ -226,20 +225,12 @@ bool FSceneSnapshot::LoadFile(const std::string& Path, FSceneSnapshot& Out, std:
 		OutError = Path + ": is a folder, not a scene file";
 		return false;
 	}
-	std::ifstream File(Path, std::ios::binary);
-	if (!File)
+	std::string Text;
+	if (!ReadWholeFile(Path, Text, OutError))
 	{
-		OutError = Path + ": cannot open the file";
 		return false;
 	}
-	std::ostringstream Buffer;
-	Buffer << File.rdbuf();
-	if (File.bad())
-	{
-		OutError = Path + ": cannot read the file";
-		return false;
-	}
-	return Parse(Buffer.str(), Path, Out, OutError);
+	return Parse(Text, Path, Out, OutError);
 }
 
 FLodexObject FSceneSnapshot::FindObject(const std::string& IdOrName, std::string& OutError) const

@@ -73,6 +73,16 @@ namespace LodexBlockEvaluatorPrivate
 	}
 #endif
 
+	/** Every text field of the block pointing at the empty text. */
+	void StoreEmptyTexts(FLodexEvaluatorBlock& Block)
+	{
+		StorePointer(Block.contextText, static_cast<const char*>(EmptyText));
+		StorePointer(Block.resultText, static_cast<const char*>(EmptyText));
+		StorePointer(Block.operationText, static_cast<const char*>(EmptyText));
+		StorePointer(Block.nodeTypeText, static_cast<const char*>(EmptyText));
+		StorePointer(Block.stackText, static_cast<const char*>(EmptyText));
+	}
+
 	double MillisecondsSince(std::chrono::steady_clock::time_point Start)
 	{
 		return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - Start).count();
@@ -100,11 +110,7 @@ void FLodexBlockEvaluator::Attach(FLodexEvaluatorBlock& InBlock)
 	Published = 0;
 	Session = FSession();
 	StorePointer(Block->pathText, PathBuffer.data());
-	StorePointer(Block->contextText, static_cast<const char*>(EmptyText));
-	StorePointer(Block->resultText, static_cast<const char*>(EmptyText));
-	StorePointer(Block->operationText, static_cast<const char*>(EmptyText));
-	StorePointer(Block->nodeTypeText, static_cast<const char*>(EmptyText));
-	StorePointer(Block->stackText, static_cast<const char*>(EmptyText));
+	StoreEmptyTexts(*Block);
 	StoreDouble(Block->durationMs, 0.0);
 	StoreRelease(Block->command, 0);
 	StoreRelease(Block->status, 0);
@@ -118,11 +124,7 @@ void FLodexBlockEvaluator::Detach()
 		return;
 	}
 	StorePointer(Block->pathText, static_cast<char*>(nullptr));
-	StorePointer(Block->contextText, static_cast<const char*>(EmptyText));
-	StorePointer(Block->resultText, static_cast<const char*>(EmptyText));
-	StorePointer(Block->operationText, static_cast<const char*>(EmptyText));
-	StorePointer(Block->nodeTypeText, static_cast<const char*>(EmptyText));
-	StorePointer(Block->stackText, static_cast<const char*>(EmptyText));
+	StoreEmptyTexts(*Block);
 	Block = nullptr;
 }
 

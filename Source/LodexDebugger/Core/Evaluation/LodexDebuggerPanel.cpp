@@ -5,14 +5,8 @@
 #include "LodexDebugger/Core/Text/LodexText.h"
 
 FLodexDebuggerPanel::FLodexDebuggerPanel(ILodexEvaluatorHost& InHost)
-	: Host(InHost)
-	, Block(InHost.GetEvaluatorBlock())
+	: FLodexEvaluatorPanel(InHost, LodexDebuggerColors::Neutral)
 {
-}
-
-void FLodexDebuggerPanel::OnPathTextChanged(const std::string& Text)
-{
-	PathText = Text;
 }
 
 FLodexRequest FLodexDebuggerPanel::OnPathTextCommitted(const std::string& Text)
@@ -36,7 +30,7 @@ FLodexRequest FLodexDebuggerPanel::OnPathTextCommitted(const std::string& Text)
 	}
 	EmptyStackItems();
 	EmptyContextItems();
-	return WriteRequest(EEvaluatorCommand::Load, bIsIdle);
+	return SendPath(EEvaluatorCommand::Load, bIsIdle);
 }
 
 FLodexRequest FLodexDebuggerPanel::OnRunClicked()
@@ -44,15 +38,12 @@ FLodexRequest FLodexDebuggerPanel::OnRunClicked()
 	if (!IsLodexGameRunning(Host))
 	{
 		// Unlike the other requests, Run leaves `HasError` (and so the error icon) as it is.
-		SetStateColor(LodexDebuggerColors::Error);
-		MessageText = LodexGameNotRunningMessage;
-		PathDisplay.clear();
-		++TextsRevision;
+		ShowErrorMessage(LodexGameNotRunningMessage);
 		return {ELodexRequestOutcome::GameNotRunning, EEvaluatorCommand::None, 0};
 	}
 	const bool bWasIdle = bIsIdle;
 	bIsIdle = false;
-	return WriteRequest(EEvaluatorCommand::Run, bWasIdle);
+	return SendPath(EEvaluatorCommand::Run, bWasIdle);
 }
 
 FLodexRequest FLodexDebuggerPanel::OnStepIntoClicked()
@@ -76,20 +67,7 @@ FLodexRequest FLodexDebuggerPanel::SendStep(EEvaluatorCommand Command)
 	++TextsRevision;
 	const bool bWasIdle = bIsIdle;
 	bIsIdle = false;
-	return WriteRequest(Command, bWasIdle);
-}
-
-FLodexRequest FLodexDebuggerPanel::WriteRequest(EEvaluatorCommand Command, bool bWasIdle)
-{
-	if (!WriteLodestringToEvaluator(Host, PathText))
-	{
-		// Nothing was sent, so nothing will answer: the buttons stay as they were.
-		bIsIdle = bWasIdle;
-		ShowEvaluatorUnavailable();
-		return {ELodexRequestOutcome::EvaluatorUnavailable, EEvaluatorCommand::None, 0};
-	}
-	LodexBlock::StoreCommand(Block, static_cast<std::int32_t>(Command));
-	return {ELodexRequestOutcome::Sent, Command, 0};
+	return SendPath(Command, bWasIdle);
 }
 
 void FLodexDebuggerPanel::OnResetClicked()
@@ -112,17 +90,19 @@ void FLodexDebuggerPanel::OnResetClicked()
 void FLodexDebuggerPanel::ShowGameNotRunning()
 {
 	bHasError = true;
-	SetStateColor(LodexDebuggerColors::Error);
-	MessageText = LodexGameNotRunningMessage;
-	PathDisplay.clear();
-	++TextsRevision;
+	ShowErrorMessage(LodexGameNotRunningMessage);
 }
 
 void FLodexDebuggerPanel::ShowEvaluatorUnavailable()
 {
 	bHasError = true;
+	ShowErrorMessage(LodexEvaluatorUnavailableMessage);
+}
+
+void FLodexDebuggerPanel::ShowErrorMessage(const char* Message)
+{
 	SetStateColor(LodexDebuggerColors::Error);
-	MessageText = LodexEvaluatorUnavailableMessage;
+	MessageText = Message;
 	PathDisplay.clear();
 	++TextsRevision;
 }
@@ -237,12 +217,6 @@ std::string FLodexDebuggerPanel::ExtractHighlight(const std::string& MarkedUpPat
 		return std::string();
 	}
 	return MarkedUpPath.substr(OpenAt, CloseAt + Close.size() - OpenAt);
-}
-
-void FLodexDebuggerPanel::SetStateColor(const FLodexColor& Color)
-{
-	StateColor = Color;
-	++StateColorChanges;
 }
 
 void FLodexDebuggerPanel::EmptyStackItems()

@@ -1,8 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexBlockAccess.h"
-#include "LodexEvaluatorBridge.h"
+#include "LodexEvaluatorPanel.h"
 
 #include <cstdint>
 #include <string>
@@ -57,13 +56,10 @@ namespace LodexDebuggerColors
  * The view reads the texts and lists from here; the revision counters tell it what to redraw, so that a
  * list view is refreshed once for each change of its items.
  */
-class FLodexDebuggerPanel
+class FLodexDebuggerPanel final : public FLodexEvaluatorPanel
 {
 public:
 	explicit FLodexDebuggerPanel(ILodexEvaluatorHost& InHost);
-
-	/** The path box's text changed: `PathText` follows it. */
-	void OnPathTextChanged(const std::string& Text);
 
 	/**
 	 * A commit of the path box (any kind): an empty text resets the panel; otherwise, while the game runs
@@ -87,29 +83,6 @@ public:
 	 */
 	void OnResetClicked();
 
-	/** The widget's tick: polls the evaluator when the panel or a descendant has user focus; returns whether it did. */
-	bool Tick(bool bHasFocus)
-	{
-		if (!bHasFocus)
-		{
-			return false;
-		}
-		PollEvaluator();
-		return true;
-	}
-
-	/** Reads `status` once and acts on it; returns the value read. Idle costs one load and one store. */
-	std::int32_t PollEvaluator()
-	{
-		const std::int32_t Status = LodexBlock::LoadStatus(Block);
-		if (Status == static_cast<std::int32_t>(EEvaluatorStatus::Idle))
-		{
-			bIsIdle = true;
-			return Status;
-		}
-		return ActOnStatus(Status);
-	}
-
 	/**
 	 * The first highlighted segment of a marked-up path: from the first "<VELT.Highlight>" (found ignoring
 	 * case) up to and including the first "</>" of the text. Empty when the open tag is missing, or when
@@ -117,11 +90,6 @@ public:
 	 */
 	static std::string ExtractHighlight(const std::string& MarkedUpPath);
 
-	const std::string& GetPathText() const { return PathText; }
-	FLodexColor GetStateColor() const { return StateColor; }
-	/** How many times `StateColor` was set since construction. */
-	int GetStateColorChanges() const { return StateColorChanges; }
-	bool HasError() const { return bHasError; }
 	bool IsIdle() const { return bIsIdle; }
 	/** Run, Step Into, Step Over and Reset are enabled only while the panel is idle. */
 	bool AreButtonsEnabled() const { return bIsIdle; }
@@ -147,27 +115,16 @@ public:
 	std::uint64_t GetPathBoxClears() const { return PathBoxClears; }
 
 private:
-	/** The poll's table for every status but Idle. */
-	std::int32_t ActOnStatus(std::int32_t Status);
+	std::int32_t ActOnStatus(std::int32_t Status) override;
+	void ShowEvaluatorUnavailable() override;
 	FLodexRequest SendStep(EEvaluatorCommand Command);
-	/** Writes the path and the code; on a null path buffer, the unavailable display instead. */
-	FLodexRequest WriteRequest(EEvaluatorCommand Command, bool bWasIdle);
 	void ShowGameNotRunning();
-	void ShowEvaluatorUnavailable();
-	void SetStateColor(const FLodexColor& Color);
+	/** The error colour and the message, with an empty path display; `HasError` is left as it is. */
+	void ShowErrorMessage(const char* Message);
 	void EmptyStackItems();
 	void EmptyContextItems();
 	void FillItems(std::vector<std::string>& Items, const char* Text);
 	static std::string FormatDuration(double DurationMs);
-
-	ILodexEvaluatorHost& Host;
-	/** The host's block, which outlives every panel. */
-	FLodexEvaluatorBlock& Block;
-	std::string PathText;
-	FLodexColor StateColor = LodexDebuggerColors::Neutral;
-	int StateColorChanges = 0;
-	bool bHasError = false;
-	bool bIsIdle = true;
 
 	std::string PathDisplay;
 	std::string MessageText;

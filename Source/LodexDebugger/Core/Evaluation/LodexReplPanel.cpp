@@ -5,14 +5,8 @@
 #include "LodexDebugger/Core/Text/LodexText.h"
 
 FLodexReplPanel::FLodexReplPanel(ILodexEvaluatorHost& InHost)
-	: Host(InHost)
-	, Block(InHost.GetEvaluatorBlock())
+	: FLodexEvaluatorPanel(InHost, LodexReplColors::Initial)
 {
-}
-
-void FLodexReplPanel::OnPathTextChanged(const std::string& Text)
-{
-	PathText = Text;
 }
 
 FLodexRequest FLodexReplPanel::OnPathTextCommitted(const std::string& Text)
@@ -40,21 +34,19 @@ FLodexRequest FLodexReplPanel::CommitPath(bool bMarkBusy)
 		SetStateColor(LodexReplColors::Error);
 		return {ELodexRequestOutcome::GameNotRunning, EEvaluatorCommand::None, 0};
 	}
-	const bool bWasReady = bIsReady;
+	const bool bWasReady = bIsIdle;
 	if (bMarkBusy)
 	{
-		bIsReady = false;
+		bIsIdle = false;
 	}
-	if (!WriteLodestringToEvaluator(Host, PathText))
-	{
-		bIsReady = bWasReady;
-		bHasError = true;
-		SetStateColor(LodexReplColors::Error);
-		SetCountText(LodexEvaluatorUnavailableCount);
-		return {ELodexRequestOutcome::EvaluatorUnavailable, EEvaluatorCommand::None, 0};
-	}
-	LodexBlock::StoreCommand(Block, static_cast<std::int32_t>(EEvaluatorCommand::Run));
-	return {ELodexRequestOutcome::Sent, EEvaluatorCommand::Run, 0};
+	return SendPath(EEvaluatorCommand::Run, bWasReady);
+}
+
+void FLodexReplPanel::ShowEvaluatorUnavailable()
+{
+	bHasError = true;
+	SetStateColor(LodexReplColors::Error);
+	SetCountText(LodexEvaluatorUnavailableCount);
 }
 
 void FLodexReplPanel::Clear()
@@ -73,7 +65,7 @@ std::int32_t FLodexReplPanel::ActOnStatus(std::int32_t Status)
 			ContextItems.clear();
 			StackItems.clear();
 			LodexBlock::StoreCommand(Block, 0);
-			bIsReady = false;
+			bIsIdle = false;
 			break;
 		case static_cast<std::int32_t>(EEvaluatorStatus::Evaluated):
 		{
@@ -133,12 +125,6 @@ std::int32_t FLodexReplPanel::ActOnStatus(std::int32_t Status)
 			break;
 	}
 	return Status;
-}
-
-void FLodexReplPanel::SetStateColor(const FLodexColor& Color)
-{
-	StateColor = Color;
-	++StateColorChanges;
 }
 
 void FLodexReplPanel::SetCountText(std::string Text)

@@ -1,8 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexBlockAccess.h"
-#include "LodexEvaluatorBridge.h"
+#include "LodexEvaluatorPanel.h"
 
 #include <cstdint>
 #include <string>
@@ -40,13 +39,10 @@ namespace LodexReplColors
  * takes its colour once, at construction (opaque black), and keeps it. Each change of `StateColor` is
  * counted, as each one made a new colour in the panel this reproduces.
  */
-class FLodexReplPanel
+class FLodexReplPanel final : public FLodexEvaluatorPanel
 {
 public:
 	explicit FLodexReplPanel(ILodexEvaluatorHost& InHost);
-
-	/** The path box's text changed: `PathText` follows it. */
-	void OnPathTextChanged(const std::string& Text);
 
 	/**
 	 * The path box's text was committed (Enter, focus leaving the box, any kind): an empty text clears the
@@ -61,37 +57,9 @@ public:
 	/** No error, the neutral colour, an empty count. */
 	void Clear();
 
-	/** The widget's tick: polls the evaluator when the panel or a descendant has user focus; returns whether it did. */
-	bool Tick(bool bHasFocus)
-	{
-		if (!bHasFocus)
-		{
-			return false;
-		}
-		PollEvaluator();
-		return true;
-	}
-
-	/** Reads `status` once and acts on it; returns the value read. Idle costs one load and one store. */
-	std::int32_t PollEvaluator()
-	{
-		const std::int32_t Status = LodexBlock::LoadStatus(Block);
-		if (Status == static_cast<std::int32_t>(EEvaluatorStatus::Idle))
-		{
-			bIsReady = true;
-			return Status;
-		}
-		return ActOnStatus(Status);
-	}
-
-	const std::string& GetPathText() const { return PathText; }
-	FLodexColor GetStateColor() const { return StateColor; }
-	/** How many times `StateColor` was set since construction. */
-	int GetStateColorChanges() const { return StateColorChanges; }
 	/** The count box's border colour: `StateColor` as it was at construction, kept for the panel's life. */
 	static constexpr FLodexColor GetBorderColor() { return LodexReplColors::Initial; }
-	bool IsReady() const { return bIsReady; }
-	bool HasError() const { return bHasError; }
+	bool IsReady() const { return bIsIdle; }
 	const std::string& GetCountText() const { return CountText; }
 	/** The result lists; the REPL only empties them. */
 	const std::vector<std::string>& GetContextItems() const { return ContextItems; }
@@ -100,20 +68,11 @@ public:
 	std::uint64_t GetCountRevision() const { return CountRevision; }
 
 private:
-	/** The poll's table for every status but Idle. */
-	std::int32_t ActOnStatus(std::int32_t Status);
-	void SetStateColor(const FLodexColor& Color);
+	std::int32_t ActOnStatus(std::int32_t Status) override;
+	void ShowEvaluatorUnavailable() override;
 	void SetCountText(std::string Text);
 	FLodexRequest CommitPath(bool bMarkBusy);
 
-	ILodexEvaluatorHost& Host;
-	/** The host's block, which outlives every panel. */
-	FLodexEvaluatorBlock& Block;
-	std::string PathText;
-	FLodexColor StateColor = LodexReplColors::Initial;
-	int StateColorChanges = 0;
-	bool bIsReady = true;
-	bool bHasError = false;
 	std::string CountText;
 	std::vector<std::string> ContextItems;
 	std::vector<std::string> StackItems;

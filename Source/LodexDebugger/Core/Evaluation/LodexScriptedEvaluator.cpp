@@ -41,23 +41,6 @@ namespace
 		{"path", FLodexEvaluatorAnswer::NullPath},
 	};
 
-	int CannedHexDigit(char Char)
-	{
-		if (Char >= '0' && Char <= '9')
-		{
-			return Char - '0';
-		}
-		if (Char >= 'a' && Char <= 'f')
-		{
-			return Char - 'a' + 10;
-		}
-		if (Char >= 'A' && Char <= 'F')
-		{
-			return Char - 'A' + 10;
-		}
-		return -1;
-	}
-
 	/** Resolves \\ \r \n \t and \xHH; false with a message on any other escape. */
 	bool UnescapeCannedText(const std::string& Text, std::string& Out, std::string& OutError)
 	{
@@ -92,8 +75,8 @@ namespace
 					break;
 				case 'x':
 				{
-					const int High = Index + 1 < Text.size() ? CannedHexDigit(Text[Index + 1]) : -1;
-					const int Low = Index + 2 < Text.size() ? CannedHexDigit(Text[Index + 2]) : -1;
+					const int High = Index + 1 < Text.size() ? LodexText::HexDigitValue(Text[Index + 1]) : -1;
+					const int Low = Index + 2 < Text.size() ? LodexText::HexDigitValue(Text[Index + 2]) : -1;
 					if (High < 0 || Low < 0)
 					{
 						OutError = "'\\x' needs two hexadecimal digits";

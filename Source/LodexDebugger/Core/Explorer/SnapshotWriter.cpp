@@ -9,59 +9,6 @@
 
 namespace SnapshotWriterPrivate
 {
-	/** The length of the well-formed UTF-8 sequence at Text[Index], or 0 when there is none. */
-	std::size_t WellFormedUtf8Length(const std::string& Text, std::size_t Index)
-	{
-		const unsigned char Lead = static_cast<unsigned char>(Text[Index]);
-		if (Lead < 0x80)
-		{
-			return 1;
-		}
-		std::size_t Length = 0;
-		std::uint32_t CodePoint = 0;
-		std::uint32_t Minimum = 0;
-		if ((Lead & 0xE0) == 0xC0)
-		{
-			Length = 2;
-			CodePoint = Lead & 0x1Fu;
-			Minimum = 0x80;
-		}
-		else if ((Lead & 0xF0) == 0xE0)
-		{
-			Length = 3;
-			CodePoint = Lead & 0x0Fu;
-			Minimum = 0x800;
-		}
-		else if ((Lead & 0xF8) == 0xF0)
-		{
-			Length = 4;
-			CodePoint = Lead & 0x07u;
-			Minimum = 0x10000;
-		}
-		else
-		{
-			return 0;
-		}
-		if (Index + Length > Text.size())
-		{
-			return 0;
-		}
-		for (std::size_t Offset = 1; Offset < Length; ++Offset)
-		{
-			const unsigned char Next = static_cast<unsigned char>(Text[Index + Offset]);
-			if ((Next & 0xC0) != 0x80)
-			{
-				return 0;
-			}
-			CodePoint = (CodePoint << 6) | (Next & 0x3Fu);
-		}
-		if (CodePoint < Minimum || CodePoint > 0x10FFFF || (CodePoint >= 0xD800 && CodePoint <= 0xDFFF))
-		{
-			return 0;
-		}
-		return Length;
-	}
-
 	const char* KindOf(const ILodexObjectGraph& Graph, FLodexObject Object)
 	{
 		if (Graph.IsOfClass(Object, ELodexClass::Actor))
@@ -232,7 +179,8 @@ namespace LodexSnapshot
 				++Index;
 				continue;
 			}
-			const std::size_t Length = SnapshotWriterPrivate::WellFormedUtf8Length(Text, Index);
+			std::uint32_t CodePoint = 0;
+			const std::size_t Length = LodexText::Utf8SequenceLength(Text, Index, CodePoint);
 			if (Length == 0)
 			{
 				Out += "\xEF\xBF\xBD";

@@ -274,42 +274,51 @@ bool FLodexInputRecorder::HandleAnalogInput(const FLodexKeyInput& Input)
 	return false;
 }
 
-bool FLodexInputRecorder::HandleMouseMove(const FLodexPointerInput& Input)
+bool FLodexInputRecorder::StartPointerEvent(
+	const FLodexPointerInput& Input, const char* Type, const float* WheelDelta, FPointerEvent& Out)
 {
-	const FHostState State = ReadHostState();
+	Out.State = ReadHostState();
 	if (Log != nullptr)
 	{
-		LogLine(
-			LodexInputLog::MakePointerLine(State.Frame, "move", Input.ScreenX, Input.ScreenY, Input.Button, nullptr));
+		LogLine(LodexInputLog::MakePointerLine(
+			Out.State.Frame, Type, Input.ScreenX, Input.ScreenY, Input.Button, WheelDelta));
 	}
-	if (!State.bHasViewport || State.bVR)
+	if (!Out.State.bHasViewport || Out.State.bVR)
 	{
 		return false;
 	}
-	std::int32_t X = 0;
-	std::int32_t Y = 0;
-	ToViewport(Input, State.Viewport, X, Y);
+	ToViewport(Input, Out.State.Viewport, Out.X, Out.Y);
+	Out.Code = GetLodexMouseButtonCode(Input.Button);
+	return true;
+}
+
+bool FLodexInputRecorder::HandleMouseMove(const FLodexPointerInput& Input)
+{
+	FPointerEvent Event;
+	if (!StartPointerEvent(Input, "move", nullptr, Event))
+	{
+		return false;
+	}
 	// A pointer outside the play viewport is not moving in the game; during a press the press record itself
 	// carries the gesture to its release.
-	if (IsOutside(X, Y, State.Viewport) || OpenGestures.HasOpenPress())
+	if (IsOutside(Event.X, Event.Y, Event.State.Viewport) || OpenGestures.HasOpenPress())
 	{
 		return false;
 	}
-	const std::int32_t Code = GetLodexMouseButtonCode(Input.Button);
-	if (FLodexEventRecord* Open = OpenGestures.Find(Code))
+	if (FLodexEventRecord* Open = OpenGestures.Find(Event.Code))
 	{
-		Open->EndFrame = State.Frame;
-		Open->EndX = X;
-		Open->EndY = Y;
+		Open->EndFrame = Event.State.Frame;
+		Open->EndX = Event.X;
+		Open->EndY = Event.Y;
 		return false;
 	}
 	// A move with a button as its effecting button is a drag; until stretched, a gesture ends where it began.
-	FLodexEventRecord Record(
-		State.Frame, IsLodexButtonCode(Code) ? ELodexEventKind::Drag : ELodexEventKind::Move, Code, X, Y);
-	Record.EndFrame = State.Frame;
-	Record.EndX = X;
-	Record.EndY = Y;
-	OpenGestures.Set(Code, Record);
+	FLodexEventRecord Record(Event.State.Frame,
+		IsLodexButtonCode(Event.Code) ? ELodexEventKind::Drag : ELodexEventKind::Move, Event.Code, Event.X, Event.Y);
+	Record.EndFrame = Event.State.Frame;
+	Record.EndX = Event.X;
+	Record.EndY = Event.Y;
+	OpenGestures.Set(Event.Code, Record);
 	return false;
 }
 
@@ -340,78 +349,53 @@ void FLodexInputRecorder::CloseOpenMoves()
 
 bool FLodexInputRecorder::HandleMouseButtonDown(const FLodexPointerInput& Input)
 {
-	const FHostState State = ReadHostState();
-	if (Log != nullptr)
-	{
-		LogLine(LodexInputLog::MakePointerLine(
-			State.Frame, "mouseDown", Input.ScreenX, Input.ScreenY, Input.Button, nullptr));
-	}
-	if (!State.bHasViewport || State.bVR)
+	FPointerEvent Event;
+	if (!StartPointerEvent(Input, "mouseDown", nullptr, Event))
 	{
 		return false;
 	}
 	CloseOpenMoves();
-	std::int32_t X = 0;
-	std::int32_t Y = 0;
-	ToViewport(Input, State.Viewport, X, Y);
-	const std::int32_t Code = GetLodexMouseButtonCode(Input.Button);
 	// A press of the same button whose release never came is replaced.
-	OpenGestures.Set(Code, FLodexEventRecord(State.Frame, ELodexEventKind::ButtonDown, Code, X, Y));
+	OpenGestures.Set(
+		Event.Code, FLodexEventRecord(Event.State.Frame, ELodexEventKind::ButtonDown, Event.Code, Event.X, Event.Y));
 	return false;
 }
 
 bool FLodexInputRecorder::HandleMouseButtonUp(const FLodexPointerInput& Input)
 {
-	const FHostState State = ReadHostState();
-	if (Log != nullptr)
-	{
-		LogLine(LodexInputLog::MakePointerLine(
-			State.Frame, "mouseUp", Input.ScreenX, Input.ScreenY, Input.Button, nullptr));
-	}
-	if (!State.bHasViewport || State.bVR)
+	FPointerEvent Event;
+	if (!StartPointerEvent(Input, "mouseUp", nullptr, Event))
 	{
 		return false;
 	}
 	CloseOpenMoves();
-	std::int32_t X = 0;
-	std::int32_t Y = 0;
-	ToViewport(Input, State.Viewport, X, Y);
-	const std::int32_t Code = GetLodexMouseButtonCode(Input.Button);
-	FLodexEventRecord* Open = OpenGestures.Find(Code);
+	FLodexEventRecord* Open = OpenGestures.Find(Event.Code);
 	if (Open == nullptr || Open->Kind != ELodexEventKind::ButtonDown)
 	{
 		return false;
 	}
-	Open->EndFrame = State.Frame;
-	Open->EndX = X;
-	Open->EndY = Y;
+	Open->EndFrame = Event.State.Frame;
+	Open->EndX = Event.X;
+	Open->EndY = Event.Y;
 	const std::uint64_t Sequence = Records.Add(*Open);
-	if (IsLodexButtonCode(Code))
+	if (IsLodexButtonCode(Event.Code))
 	{
-		LastClicks[static_cast<std::size_t>(Code)] = Sequence;
+		LastClicks[static_cast<std::size_t>(Event.Code)] = Sequence;
 	}
-	OpenGestures.Remove(Code);
+	OpenGestures.Remove(Event.Code);
 	return false;
 }
 
 bool FLodexInputRecorder::HandleMouseButtonDoubleClick(const FLodexPointerInput& Input)
 {
-	const FHostState State = ReadHostState();
-	if (Log != nullptr)
-	{
-		LogLine(LodexInputLog::MakePointerLine(
-			State.Frame, "doubleClick", Input.ScreenX, Input.ScreenY, Input.Button, nullptr));
-	}
-	if (!State.bHasViewport || State.bVR)
+	FPointerEvent Event;
+	if (!StartPointerEvent(Input, "doubleClick", nullptr, Event))
 	{
 		return false;
 	}
-	std::int32_t X = 0;
-	std::int32_t Y = 0;
-	ToViewport(Input, State.Viewport, X, Y);
-	const std::int32_t Code = GetLodexMouseButtonCode(Input.Button);
-	FLodexEventRecord DoubleClick(State.Frame, ELodexEventKind::DoubleClick, Code, X, Y);
-	DoubleClick.EndFrame = State.Frame + LodexDoubleClickFrames;
+	const std::int32_t Code = Event.Code;
+	FLodexEventRecord DoubleClick(Event.State.Frame, ELodexEventKind::DoubleClick, Code, Event.X, Event.Y);
+	DoubleClick.EndFrame = Event.State.Frame + LodexDoubleClickFrames;
 	if (IsLodexButtonCode(Code))
 	{
 		std::optional<std::uint64_t>& LastClick = LastClicks[static_cast<std::size_t>(Code)];
@@ -430,21 +414,13 @@ bool FLodexInputRecorder::HandleMouseButtonDoubleClick(const FLodexPointerInput&
 
 bool FLodexInputRecorder::HandleMouseWheel(const FLodexPointerInput& Input)
 {
-	const FHostState State = ReadHostState();
-	if (Log != nullptr)
-	{
-		LogLine(LodexInputLog::MakePointerLine(
-			State.Frame, "wheel", Input.ScreenX, Input.ScreenY, Input.Button, &Input.WheelDelta));
-	}
-	if (!State.bHasViewport || State.bVR)
+	FPointerEvent Event;
+	if (!StartPointerEvent(Input, "wheel", &Input.WheelDelta, Event))
 	{
 		return false;
 	}
 	CloseOpenMoves();
-	std::int32_t X = 0;
-	std::int32_t Y = 0;
-	ToViewport(Input, State.Viewport, X, Y);
-	if (IsOutside(X, Y, State.Viewport))
+	if (IsOutside(Event.X, Event.Y, Event.State.Viewport))
 	{
 		// The wheel turned over another part of the editor, not over the game.
 		return false;
@@ -459,8 +435,8 @@ bool FLodexInputRecorder::HandleMouseWheel(const FLodexPointerInput& Input)
 			return false;
 		}
 	}
-	FLodexEventRecord Wheel(State.Frame, ELodexEventKind::Wheel, LodexMouseButton::WheelCode, Delta, 1);
-	Wheel.EndFrame = State.Frame;
+	FLodexEventRecord Wheel(Event.State.Frame, ELodexEventKind::Wheel, LodexMouseButton::WheelCode, Delta, 1);
+	Wheel.EndFrame = Event.State.Frame;
 	Records.Add(Wheel);
 	return false;
 }

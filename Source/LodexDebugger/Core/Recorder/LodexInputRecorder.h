@@ -101,7 +101,25 @@ private:
 		bool bFlushing = false;
 	};
 
+	/** A pointer event as its handler works with it. */
+	struct FPointerEvent
+	{
+		FHostState State;
+		/** The pointer's viewport position. */
+		std::int32_t X = 0;
+		std::int32_t Y = 0;
+		/** The effecting button's code. */
+		std::int32_t Code = 0;
+	};
+
 	FHostState ReadHostState();
+	/**
+	 * The start every pointer handler shares: reads the host and logs the event as Type (with the wheel's delta
+	 * when given). False when the recorder leaves the event alone (no play viewport, or VR mode); otherwise Out
+	 * holds its position and button.
+	 */
+	bool StartPointerEvent(
+		const FLodexPointerInput& Input, const char* Type, const float* WheelDelta, FPointerEvent& Out);
 	void LogLine(const std::string& Line);
 	void ReadPoses(std::uint32_t Frame);
 

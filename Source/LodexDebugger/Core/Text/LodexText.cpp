@@ -207,62 +207,58 @@ namespace LodexText
 		return static_cast<std::int32_t>(Value);
 	}
 
-	namespace
+	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index, std::uint32_t& OutCodePoint)
 	{
-		/** The length of the well-formed UTF-8 sequence at Text[Index], or 0 when it is not one. */
-		std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index, std::uint32_t& OutCodePoint)
+		const unsigned char Lead = static_cast<unsigned char>(Text[Index]);
+		std::size_t Length = 0;
+		std::uint32_t CodePoint = 0;
+		std::uint32_t Minimum = 0;
+		if (Lead < 0x80)
 		{
-			const unsigned char Lead = static_cast<unsigned char>(Text[Index]);
-			std::size_t Length = 0;
-			std::uint32_t CodePoint = 0;
-			std::uint32_t Minimum = 0;
-			if (Lead < 0x80)
-			{
-				OutCodePoint = Lead;
-				return 1;
-			}
-			if ((Lead & 0xE0) == 0xC0)
-			{
-				Length = 2;
-				CodePoint = Lead & 0x1F;
-				Minimum = 0x80;
-			}
-			else if ((Lead & 0xF0) == 0xE0)
-			{
-				Length = 3;
-				CodePoint = Lead & 0x0F;
-				Minimum = 0x800;
-			}
-			else if ((Lead & 0xF8) == 0xF0)
-			{
-				Length = 4;
-				CodePoint = Lead & 0x07;
-				Minimum = 0x10000;
-			}
-			else
-			{
-				return 0;
-			}
-			if (Index + Length > Text.size())
-			{
-				return 0;
-			}
-			for (std::size_t Offset = 1; Offset < Length; ++Offset)
-			{
-				const unsigned char Next = static_cast<unsigned char>(Text[Index + Offset]);
-				if ((Next & 0xC0) != 0x80)
-				{
-					return 0;
-				}
-				CodePoint = (CodePoint << 6) | (Next & 0x3F);
-			}
-			if (CodePoint < Minimum || CodePoint > 0x10FFFF || (CodePoint >= 0xD800 && CodePoint <= 0xDFFF))
-			{
-				return 0;
-			}
-			OutCodePoint = CodePoint;
-			return Length;
+			OutCodePoint = Lead;
+			return 1;
 		}
+		if ((Lead & 0xE0) == 0xC0)
+		{
+			Length = 2;
+			CodePoint = Lead & 0x1F;
+			Minimum = 0x80;
+		}
+		else if ((Lead & 0xF0) == 0xE0)
+		{
+			Length = 3;
+			CodePoint = Lead & 0x0F;
+			Minimum = 0x800;
+		}
+		else if ((Lead & 0xF8) == 0xF0)
+		{
+			Length = 4;
+			CodePoint = Lead & 0x07;
+			Minimum = 0x10000;
+		}
+		else
+		{
+			return 0;
+		}
+		if (Index + Length > Text.size())
+		{
+			return 0;
+		}
+		for (std::size_t Offset = 1; Offset < Length; ++Offset)
+		{
+			const unsigned char Next = static_cast<unsigned char>(Text[Index + Offset]);
+			if ((Next & 0xC0) != 0x80)
+			{
+				return 0;
+			}
+			CodePoint = (CodePoint << 6) | (Next & 0x3F);
+		}
+		if (CodePoint < Minimum || CodePoint > 0x10FFFF || (CodePoint >= 0xD800 && CodePoint <= 0xDFFF))
+		{
+			return 0;
+		}
+		OutCodePoint = CodePoint;
+		return Length;
 	}
 
 	std::string ToAnsi(const std::string& Utf8)
@@ -330,6 +326,23 @@ namespace LodexText
 		{
 			return (Char >= 'a' && Char <= 'z') ? static_cast<char>(Char - 32) : Char;
 		}
+	}
+
+	int HexDigitValue(char Char)
+	{
+		if (Char >= '0' && Char <= '9')
+		{
+			return Char - '0';
+		}
+		if (Char >= 'a' && Char <= 'f')
+		{
+			return Char - 'a' + 10;
+		}
+		if (Char >= 'A' && Char <= 'F')
+		{
+			return Char - 'A' + 10;
+		}
+		return -1;
 	}
 
 	bool EqualsIgnoreCase(const std::string& A, const std::string& B)

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -43,6 +44,13 @@ namespace LodexText
 	std::int32_t ParseLeadingInt(const std::string& Text);
 
 	/**
+	 * The length of the well-formed UTF-8 sequence at Text[Index] (Index inside the text), with its code point in
+	 * OutCodePoint; 0, and OutCodePoint untouched, when the bytes there are not one: a stray continuation byte, a
+	 * sequence cut short, an overlong form, a surrogate or a value beyond U+10FFFF.
+	 */
+	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index, std::uint32_t& OutCodePoint);
+
+	/**
 	 * UTF-8 text converted to 8-bit text as the engine's TCHAR-to-ANSI conversion does it: the text is
 	 * taken as UTF-16 code units, and every unit above 0x7F becomes '?'. So "Tür" gives "T?r", and a
 	 * character outside the Basic Multilingual Plane (two units) gives "??". A byte that is not part of a
@@ -55,6 +63,9 @@ namespace LodexText
 	 * as the Latin-1 character of that value. A null pointer reads as the empty text.
 	 */
 	std::string FromAnsi(const char* Text);
+
+	/** The value of a hexadecimal digit (0-9, a-f, A-F), or -1 for any other character. */
+	int HexDigitValue(char Char);
 
 	/** Whether two texts are equal ignoring ASCII case (the engine's case-insensitive compare of names). */
 	bool EqualsIgnoreCase(const std::string& A, const std::string& B);
