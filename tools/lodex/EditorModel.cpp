@@ -221,6 +221,7 @@ void FEditorModel::RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export
 
 void FEditorModel::UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
 {
-	ConsoleCommands.erase(std::remove(ConsoleCommands.begin(), ConsoleCommands.end(), std::string(Export.ConsoleCommand)),
+	ConsoleCommands.erase(
+		std::remove(ConsoleCommands.begin(), ConsoleCommands.end(), std::string(Export.ConsoleCommand)),
 		ConsoleCommands.end());
 }
