@@ -17,6 +17,8 @@ FLodexEvaluatorRunner::~FLodexEvaluatorRunner()
 	}
 	Changed.notify_all();
 	Thread.join();
+	// The block belongs to the session and goes before the evaluator does.
+	Evaluator.Detach();
 }
 
 void FLodexEvaluatorRunner::SetHeld(bool bInHeld)

@@ -13,7 +13,7 @@
 /**
  * Runs an evaluator on a thread of its own, as the editor's hosted evaluator runs beside the game
  * thread: the evaluator is attached to the block, then Serve is called in a loop until the runner is
- * destroyed. The panels stay on the caller's thread and meet the evaluator only through the block.
+ * destroyed, which detaches it. The panels stay on the caller's thread and meet the evaluator only through the block.
  */
 class FLodexEvaluatorRunner
 {

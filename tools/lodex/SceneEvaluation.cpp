@@ -40,6 +40,8 @@ namespace
 		}
 
 		std::size_t GetPathCapacity() const override { return Evaluator.GetPathCapacity(); }
+
+		void Detach() override { Evaluator.Detach(); }
 		//~ End ILodexEvaluator Interface
 
 	private:

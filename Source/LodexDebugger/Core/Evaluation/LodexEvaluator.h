@@ -39,6 +39,12 @@ public:
 
 	/** The size of the path buffer, its terminating NUL included. */
 	virtual std::size_t GetPathCapacity() const = 0;
+
+	/**
+	 * Lets go of the block Attach was given, once Serve is no longer called and before the block goes away:
+	 * an evaluator that writes to the block after its last Serve (when it is destroyed, say) writes no more.
+	 */
+	virtual void Detach() {}
 };
 
 /** The answer to one request, as an evaluator publishes it. */
