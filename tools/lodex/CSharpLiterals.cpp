@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #include "CSharpLiterals.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace
@@ -605,5 +606,9 @@ std::vector<FCSharpApiString> FindApiStringArguments(const std::string& Source)
 			}
 		}
 	}
+	// A call is met before the calls inside its arguments, whose literals may come first.
+	std::stable_sort(Found.begin(), Found.end(),
+		[](const FCSharpApiString& Left, const FCSharpApiString& Right)
+		{ return Left.Line != Right.Line ? Left.Line < Right.Line : Left.Column < Right.Column; });
 	return Found;
 }

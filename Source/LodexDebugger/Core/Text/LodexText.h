@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -41,6 +42,15 @@ namespace LodexText
 	 * of a 32-bit integer is clamped to it.
 	 */
 	std::int32_t ParseLeadingInt(const std::string& Text);
+
+	/**
+	 * The number of bytes of the well-formed UTF-8 sequence at Text[Index], or 0 when none starts there (an
+	 * overlong form, a surrogate, a code point past U+10FFFF, a cut or stray byte).
+	 */
+	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index);
+
+	/** Whether the whole text is well-formed UTF-8. */
+	bool IsUtf8(const std::string& Text);
 
 	/**
 	 * UTF-8 text converted to 8-bit text as the engine's TCHAR-to-ANSI conversion does it: the text is
