@@ -63,6 +63,7 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 	const std::vector<std::string> Lines = LodexFuzz::SplitLines(Input);
 	const bool bUtf8 = IsUtf8(Input);
 	std::size_t Lodestrings = 0;
+	std::size_t NotUtf8 = 0;
 	std::vector<bool> bLiteralLines(Lines.size() + 1, false);
 	for (std::size_t Index = 0; Index < Literals.size(); ++Index)
 	{
@@ -88,7 +89,9 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 			return Where + " of a UTF-8 file is decoded to text that is not UTF-8";
 		}
 		bLiteralLines[Literal.Line] = true;
-		Lodestrings += !Literal.Value.empty() && Literal.Value[0] == '/' ? 1 : 0;
+		const bool bLodestring = !Literal.Value.empty() && Literal.Value[0] == '/';
+		Lodestrings += bLodestring ? 1 : 0;
+		NotUtf8 += bLodestring && !IsUtf8(Literal.Value) ? 1 : 0;
 	}
 
 	FLodexLintCounts Counts;
@@ -110,6 +113,7 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 		return "lint reports " + std::to_string(Counts.Problems) + " problems in " +
 			std::to_string(ReportLines.size()) + " lines: " + Shown(Report);
 	}
+	std::size_t NotUtf8Reports = 0;
 	for (const std::string& Line : ReportLines)
 	{
 		const std::string Failure = LodexFuzz::CheckFileError(Line, "Test.cs", Input, true);
@@ -118,14 +122,26 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 			return "lint's report: " + Failure;
 		}
 		std::size_t LineNumber = 0;
-		for (std::size_t At = 8; At < Line.size() && Line[At] >= '0' && Line[At] <= '9'; ++At)
+		std::size_t At = 8;
+		for (; At < Line.size() && Line[At] >= '0' && Line[At] <= '9'; ++At)
 		{
 			LineNumber = LineNumber * 10 + static_cast<std::size_t>(Line[At] - '0');
+		}
+		// A Lodestring begins with "/": what follows "Test.cs:LINE: " tells the reports apart.
+		const std::string NotUtf8Report = ": the Lodestring is not UTF-8 text; save the file as UTF-8";
+		if (Line.compare(At, std::string::npos, NotUtf8Report) == 0)
+		{
+			++NotUtf8Reports;
 		}
 		if (LineNumber == 0 || LineNumber > Lines.size() || !bLiteralLines[LineNumber])
 		{
 			return "lint reports line " + std::to_string(LineNumber) + ", where no literal begins: " + Shown(Line);
 		}
+	}
+	if (NotUtf8Reports != NotUtf8)
+	{
+		return "lint reports " + std::to_string(NotUtf8Reports) + " Lodestrings as not UTF-8 text, of " +
+			std::to_string(NotUtf8) + ": " + Shown(Report);
 	}
 	return std::string();
 }
