@@ -163,13 +163,22 @@ namespace LodexFuzz
 			{
 				return "the error gives a line without a column: " + Shown(Error);
 			}
-			const std::vector<std::string> Lines = SplitLines(Input);
-			if (Line < 1 || Line > Lines.size())
+			// The line's bytes, found without copying the input's lines.
+			std::size_t LineStart = 0;
+			std::size_t LineCount = 1;
+			for (std::size_t Break = Input.find('\n'); Break != std::string::npos; Break = Input.find('\n', Break + 1))
+			{
+				LineStart = LineCount < Line ? Break + 1 : LineStart;
+				++LineCount;
+			}
+			if (Line < 1 || Line > LineCount)
 			{
 				return "the error's line " + std::to_string(Line) + " is not one of the input's " +
-					std::to_string(Lines.size()) + ": " + Shown(Error);
+					std::to_string(LineCount) + ": " + Shown(Error);
 			}
-			const std::size_t Characters = CountCharacters(Lines[Line - 1]);
+			const std::size_t LineEnd = Input.find('\n', LineStart);
+			const std::size_t Characters = CountCharacters(
+				Input.substr(LineStart, LineEnd == std::string::npos ? std::string::npos : LineEnd - LineStart));
 			if (bHasColumn && (Column < 1 || Column > Characters + 1))
 			{
 				return "the error's column " + std::to_string(Column) + " is outside line " + std::to_string(Line) +

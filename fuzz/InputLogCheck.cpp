@@ -3,30 +3,39 @@
 // scene and, with "Use FPS" forced, on the embedded sample level. A log is refused with one line naming a line of
 // it, or gives a script whose stored lines are whole lines.
 #include "FuzzProperties.h"
+#include "FuzzSample.h"
 #include "InputLogReplay.h"
-#include "SampleData.h"
-#include "SceneSnapshot.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <string>
+#include <vector>
 
 namespace
 {
-	const FSceneSnapshot& GetFuzzSampleScene()
+	/** Whether Text is the lines joined with "\r\n", compared in place. */
+	bool IsJoinedWithLineSeparator(const std::string& Text, const std::vector<std::string>& Lines)
 	{
-		static const FSceneSnapshot Scene = []
+		const std::string Separator = LodexText::LineSeparator;
+		std::size_t At = 0;
+		for (std::size_t Index = 0; Index < Lines.size(); ++Index)
 		{
-			FSceneSnapshot Parsed;
-			std::string Error;
-			if (!FSceneSnapshot::Parse(GetSampleLevelJson(), "the sample level", Parsed, Error))
+			if (Index > 0)
 			{
-				std::abort(); // the embedded sample is read by `lodex demo` and its tests
+				if (Text.compare(At, Separator.size(), Separator) != 0)
+				{
+					return false;
+				}
+				At += Separator.size();
 			}
-			return Parsed;
-		}();
-		return Scene;
+			if (Text.compare(At, Lines[Index].size(), Lines[Index]) != 0)
+			{
+				return false;
+			}
+			At += Lines[Index].size();
+		}
+		return At == Text.size();
 	}
 
 	std::string CheckReplay(const std::string& Input, const FInputLogReplayOptions& Options)
@@ -46,12 +55,12 @@ namespace
 					" holds a line break: " + Shown(Replay.Lines[Index]);
 			}
 		}
-		if (Replay.Lines.size() < 2 || Replay.Script != LodexText::Join(Replay.Lines, LodexText::LineSeparator))
+		if (Replay.Lines.size() < 2 || !IsJoinedWithLineSeparator(Replay.Script, Replay.Lines))
 		{
 			return "the script is not its " + std::to_string(Replay.Lines.size()) +
 				" lines joined with \"\\r\\n\": " + Shown(Replay.Script);
 		}
-		const std::size_t Lines = LodexFuzz::SplitLines(Input).size();
+		const std::size_t Lines = static_cast<std::size_t>(std::count(Input.begin(), Input.end(), '\n')) + 1;
 		const std::size_t ReadLines = Input.empty() || Input.back() != '\n' ? Lines : Lines - 1;
 		if (Replay.LineCount != ReadLines || Replay.EventCount >= Replay.LineCount ||
 			Replay.FirstFrame > Replay.LastFrame)
@@ -73,7 +82,7 @@ std::string CheckInputLogInput(const std::string& Input)
 	}
 	FInputLogReplayOptions OnTheSample;
 	OnTheSample.bForceFps = true;
-	OnTheSample.Scene = &GetFuzzSampleScene();
+	OnTheSample.Scene = &LodexFuzz::GetSampleScene();
 	const std::string OnScene = CheckReplay(Input, OnTheSample);
 	return OnScene.empty() ? std::string() : "on the sample level, with --fps: " + OnScene;
 }

@@ -1,10 +1,14 @@
 // Copyright Lodex contributors.
 // Fuzz target scene_snapshot: a scene snapshot read as `lodex path` reads one, then every object's Lodestring in
-// every mode, checked against a plain walk that remembers every object it met.
+// every mode, checked against a plain walk that remembers every object it met; then the object explorer over the
+// file's reflection, as `lodex explore` drives it: each object selected, each method and property picked and printed.
 #include "FuzzProperties.h"
+#include "SceneReflection.h"
 #include "SceneSnapshot.h"
 
+#include "LodexDebugger/Core/Explorer/ExplorerPanel.h"
 #include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
 
 #include <string>
 #include <unordered_set>
@@ -96,6 +100,112 @@ namespace
 	}
 }
 
+namespace
+{
+	/** The editor's log and clipboard: keeps the first text that is not one line. */
+	class FOneLineOutput final : public ILodexOutput
+	{
+	public:
+		//~ Begin ILodexOutput Interface
+		void Log(ELodexLogVerbosity, const std::string& Message) override { Check("log line", Message); }
+		void CopyToClipboard(const std::string& Text) override { Check("clipboard text", Text); }
+		//~ End ILodexOutput Interface
+
+		std::string Failure;
+		std::size_t Texts = 0;
+
+	private:
+		void Check(const char* What, const std::string& Text)
+		{
+			++Texts;
+			const std::string NotOneLine = LodexFuzz::CheckOneLine(Text);
+			if (Failure.empty() && !NotOneLine.empty())
+			{
+				Failure = std::string("the explorer's ") + What + ": " + NotOneLine;
+			}
+		}
+	};
+
+	/** The editor's selection: one object. */
+	class FOneSelected final : public ILodexActorSelection
+	{
+	public:
+		explicit FOneSelected(FLodexObject InObject)
+			: Object(InObject)
+		{
+		}
+		std::size_t Num() const override { return 1; }
+		FLodexObject GetSelectedObject(std::size_t) const override { return Object; }
+
+	private:
+		FLodexObject Object;
+	};
+
+	/** Every row of a list picked in turn and printed in each mode of the explorer's commands. */
+	std::string PickAndPrintEach(FLodexExplorerPanel& Panel, ELodexExplorerList List, FOneLineOutput& Output)
+	{
+		const std::vector<std::string> Names = Panel.GetNames(List);
+		if (Panel.GetFilteredItems(List).size() != Names.size())
+		{
+			return "the explorer's unfiltered list shows " + std::to_string(Panel.GetFilteredItems(List).size()) +
+				" of its " + std::to_string(Names.size()) + " rows";
+		}
+		for (std::size_t Row = 0; Row < Names.size(); ++Row)
+		{
+			const std::string Shown = List == ELodexExplorerList::Methods ? Panel.GetMethodRow(Row).Signature
+																		  : Panel.GetPropertyRow(Row).Type;
+			Panel.HandleListSelectionChanged(List, &Names[Row]);
+			Panel.OpenListContextMenu(List);
+			const std::size_t Before = Output.Texts;
+			for (const FLodexCommandInfo& Command : GetDetailToolCommandSet().Commands)
+			{
+				Panel.PrintReference(Command.Mode);
+			}
+			if (Output.Texts == Before)
+			{
+				return "picking row " + std::to_string(Row) + " '" + LodexFuzz::Shown(Names[Row]) + "' (" +
+					LodexFuzz::Shown(Shown) + ") prints nothing";
+			}
+			if (!Output.Failure.empty())
+			{
+				return Output.Failure;
+			}
+		}
+		return std::string();
+	}
+
+	/** Each object selected in the editor, its lists filled, each row picked and printed, and the object itself. */
+	std::string CheckExplorer(const FSceneSnapshot& Scene)
+	{
+		const FSceneReflection Reflection(Scene);
+		FOneLineOutput Output;
+		FLodexExplorerPanel Panel(Scene, Reflection, Output);
+		for (const FSceneObject& Object : Scene.GetObjects())
+		{
+			const FOneSelected Selected(FSceneSnapshot::Handle(Object));
+			Panel.HandleSelectionChanged(&Selected);
+			for (const FLodexCommandInfo& Command : GetDetailToolCommandSet().Commands)
+			{
+				Panel.PrintReference(Command.Mode);
+			}
+			std::string Failure = Output.Failure;
+			if (Failure.empty())
+			{
+				Failure = PickAndPrintEach(Panel, ELodexExplorerList::Methods, Output);
+			}
+			if (Failure.empty())
+			{
+				Failure = PickAndPrintEach(Panel, ELodexExplorerList::Properties, Output);
+			}
+			if (!Failure.empty())
+			{
+				return "exploring '" + LodexFuzz::Shown(Object.Id) + "': " + Failure;
+			}
+		}
+		return std::string();
+	}
+}
+
 std::string CheckSceneSnapshotInput(const std::string& Input)
 {
 	using LodexFuzz::Shown;
@@ -128,5 +238,5 @@ std::string CheckSceneSnapshotInput(const std::string& Input)
 			}
 		}
 	}
-	return std::string();
+	return CheckExplorer(Scene);
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
 
 namespace
 {
@@ -24,7 +25,7 @@ namespace
 	{
 		struct FRow
 		{
-			const char* Text;
+			std::string Text;
 			int Line;
 			const char* Message;
 		};
@@ -46,6 +47,20 @@ namespace
 			{"walk /a\n", 1,
 				"unknown keyword 'walk'; known: run, load, into, over, step, any, status, result, context, stack, "
 				"operation, node-type, duration, null"},
+			// A message quotes the line as written, control characters and bytes that are not UTF-8 as \xHH.
+			{std::string("wa\0lk /a\n", 9), 1,
+				"unknown keyword 'wa\\x00lk'; known: run, load, into, over, step, any, status, result, context, "
+				"stack, operation, node-type, duration, null"},
+			{"run /a\nstatus 3\\n\n", 2, "'status' needs a whole number, not '3\\n'"},
+			{"run /a\nstatus 3\\x00\n", 2, "'status' needs a whole number, not '3\\x00'"},
+			{"run /a\nstatus \v3\n", 2, "'status' needs a whole number, not '\\x0B3'"},
+			{"run /a\nduration T\xC3\xBCr\xFF\x01\n", 2,
+				"'duration' needs a number of milliseconds, not 'T\xC3\xBCr\\xFF\\x01'"},
+			{"run /a\nnull\tcontext\n", 2,
+				"unknown keyword 'null\\x09context'; known: run, load, into, over, step, any, status, result, "
+				"context, stack, operation, node-type, duration, null"},
+			{"run /a\ncontext \\\x01\n", 2, "unknown escape '\\\\x01'; known: \\\\ \\r \\n \\t \\xHH"},
+			{"run /a\ncontext \\\xC3\xBC\n", 2, "unknown escape '\\\xC3\xBC'; known: \\\\ \\r \\n \\t \\xHH"},
 		};
 		for (const FRow& Row : Rows)
 		{

@@ -51,6 +51,8 @@ namespace
 			// Arguments that are not one literal alone are left out; calls inside them are found.
 			{R"(api.Find("//Door" + suffix); api.Find($"//{name}"); api.Find(Paths.Door);)", ""},
 			{R"(api.Click(api.Find("//Door"));)", "1:20 Find [//Door]\n"},
+			{R"(api.Click(api.Find("//Door"), "//Lamp");)",
+				"1:20 Find [//Door]\n1:31 Click [//Lamp]\n"}, // in source order
 			{R"(Log($"found {api.Find("//Door")} at {x:N2}"); api.Find("//Lamp");)",
 				"1:23 Find [//Door]\n1:56 Find [//Lamp]\n"},
 			{R"(Log($@"a ""quoted"" {api.Find(@"//Door")}"); myapi.Find("//No"); api.Find;)", "1:31 Find [//Door]\n"},
@@ -120,6 +122,23 @@ namespace
 			Dir.File("tests") + "/a/First.cs:1: //Ghost matches no object\n" + Dir.File("tests") +
 				"/b/Second.cs:1: //Nobody matches no object\nChecked 2 Lodestrings in 2 files: 2 do not match exactly "
 				"one object\n");
+	}
+
+	TEST_F(LodexLint, EachProblemIsOneLineOfText)
+	{
+		// Control characters are shown as C# escapes; a literal whose bytes are not UTF-8 cannot name an object.
+		const std::string Odd = Dir.Write("Odd.cs",
+			"api.Click(@\"//Door\nwith a line break\");\n"
+			"api.Click(\"//Door\\t\\0\\u0001\\r\");\n"
+			"api.Click(\"//T\xFCr\");\n"
+			"api.Click(\"/*[@name = 'House']/*[@name = 'Door']\");\n");
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Odd});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Out,
+			Odd + ":1: //Door\\nwith a line break matches no object\n" + Odd +
+				":3: //Door\\t\\0\\u0001\\r matches no object\n" + Odd +
+				":4: the Lodestring is not UTF-8 text; save the file as UTF-8\n"
+				"Checked 4 Lodestrings in 1 file: 3 do not match exactly one object\n");
 	}
 
 	TEST_F(LodexLint, AnUnreadableFileStopsWithOneLineAndNoReport)

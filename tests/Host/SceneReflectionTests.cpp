@@ -78,6 +78,29 @@ namespace
 				"x.json: objects[0] (id 'a'): field 'class': no class has the name 'Actr'"},
 			{SceneWithClasses(R"([{"name": "Actor"}])", "2"),
 				"x.json: objects[0] (id 'a'): field 'class' must be the name of a class (a string), found number"},
+			// Names and type texts are one line: they end up in log lines, snippets and these messages.
+			{SceneWithClasses(R"([{"name": "Actor"}, {"name": "A\nB"}])"),
+				"x.json: classes[1]: field 'name' must be one line of text: it holds the control character U+000A"},
+			{SceneWithClasses("[" + Actor + R"("super": "Object\r"}])"),
+				"x.json: classes[0] (name 'Actor'): field 'super' must be one line of text: it holds the control "
+				"character U+000D"},
+			{SceneWithClasses("[" + Actor + R"("functions": [{"name": "Open\t"}]}])"),
+				"x.json: classes[0] (name 'Actor'): functions[0]: field 'name' must be one line of text: it holds the "
+				"control character U+0009"},
+			{SceneWithClasses("[" + Actor +
+				 R"("functions": [{"name": "Open", "properties": [{"name": "\u0000", "type": "float"}]}]}])"),
+				"x.json: classes[0] (name 'Actor'): functions[0] (name 'Open'): properties[0]: field 'name' must be "
+				"one line of text: it holds the control character U+0000"},
+			{SceneWithClasses("[" + Actor +
+				 R"("functions": [{"name": "Open", "properties": [{"name": "S", "type": "float", "flags": ["out\n"]}]}]}])"),
+				"x.json: classes[0] (name 'Actor'): functions[0] (name 'Open'): properties[0] (name 'S'): field "
+				"'flags'[0] must be one line of text: it holds the control character U+000A"},
+			{SceneWithClasses("[" + Actor + R"("properties": [{"name": "Tags", "type": "TArray\u001f"}]}])"),
+				"x.json: classes[0] (name 'Actor'): properties[0] (name 'Tags'): field 'type' must be one line of "
+				"text: it holds the control character U+001F"},
+			{SceneWithClasses(R"([{"name": "Actor"}])", "\"Actor\\n\""),
+				"x.json: objects[0] (id 'a'): field 'class' must be one line of text: it holds the control character "
+				"U+000A"},
 		};
 		for (const auto& Row : Rows)
 		{

@@ -172,6 +172,38 @@ TEST(LodexTextHex, DigitsOfEitherCaseAndNothingAroundThem)
 	EXPECT_EQ(HexDigitValue('\0'), -1);
 }
 
+TEST(LodexTextUtf8, WellFormedSequencesOnly)
+{
+	struct FRow
+	{
+		std::string Text;
+		std::size_t FirstLength;
+		bool bUtf8;
+	};
+	const FRow Rows[] = {
+		{"", 0, true},
+		{std::string("\0x", 2), 1, true},
+		{"T\xC3\xBCr", 1, true},
+		{"\xC3\xBCr", 2, true},
+		{"\xE7\x94\xA8", 3, true},
+		{"\xF0\x9F\x98\x80", 4, true},
+		{"\xF4\x8F\xBF\xBF", 4, true}, // U+10FFFF
+		{"\xC3", 0, false}, // cut
+		{"\x80", 0, false}, // stray continuation
+		{"\xC0\x80", 0, false}, // overlong NUL
+		{"\xE0\x80\xAF", 0, false}, // overlong '/'
+		{"\xED\xA0\x80", 0, false}, // surrogate
+		{"\xF4\x90\x80\x80", 0, false}, // past U+10FFFF
+		{"\xFF", 0, false},
+		{"ok\xFF", 1, false},
+	};
+	for (const FRow& Row : Rows)
+	{
+		EXPECT_EQ(Utf8SequenceLength(Row.Text, 0), Row.FirstLength) << Row.Text;
+		EXPECT_EQ(IsUtf8(Row.Text), Row.bUtf8) << Row.Text;
+	}
+}
+
 TEST(LodexTextCase, AsciiCaseOnly)
 {
 	EXPECT_TRUE(EqualsIgnoreCase("VOID", "void"));

@@ -3,6 +3,7 @@
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace
@@ -590,5 +591,9 @@ std::vector<FCSharpApiString> FindApiStringArguments(const std::string& Source)
 			}
 		}
 	}
+	// A call is met before the calls inside its arguments, whose literals may come first.
+	std::stable_sort(Found.begin(), Found.end(),
+		[](const FCSharpApiString& Left, const FCSharpApiString& Right)
+		{ return Left.Line != Right.Line ? Left.Line < Right.Line : Left.Column < Right.Column; });
 	return Found;
 }

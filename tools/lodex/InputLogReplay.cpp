@@ -501,18 +501,23 @@ bool ReplayInputLog(const std::string& Text, const std::string& SourceName, cons
 			continue;
 		}
 		const std::string Where = SourceName + ":" + std::to_string(LineNumber);
+		// Most lines parse: the parse that finds where and why a line does not runs only for the others.
+		FJson Object = LineText.find('\0') == std::string::npos ? FJson::parse(LineText, nullptr, false)
+																: FJson(FJson::value_t::discarded);
 		FJsonTextError TextError;
-		if (FindJsonTextError<FJson>(LineText, TextError))
+		if (Object.is_discarded() && FindJsonTextError<FJson>(LineText, TextError))
 		{
 			// The line is one line of text: its column is the column in the file.
 			const std::string Position = DescribeJsonPosition(LineText, TextError.ByteOffset);
 			OutError = Where + ":" + Position.substr(Position.find(':') + 1) + ": " + TextError.Reason;
 			return false;
 		}
-		FJson Object;
 		try
 		{
-			Object = FJson::parse(LineText);
+			if (Object.is_discarded())
+			{
+				Object = FJson::parse(LineText);
+			}
 		}
 		catch (const FJson::exception& Error)
 		{

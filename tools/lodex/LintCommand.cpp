@@ -1,4 +1,6 @@
 // Copyright Lodex contributors.
+#include "LintCommand.h"
+
 #include "CSharpLiterals.h"
 #include "LodexCli.h"
 #include "SceneEvaluation.h"
@@ -7,12 +9,66 @@
 
 #include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+
+namespace
+{
+	/** A Lodestring as the report shows it: control characters as C# escapes, so that each report is one line. */
+	std::string ShowLintedLodestring(const std::string& Lodestring)
+	{
+		static const char Hex[] = "0123456789ABCDEF";
+		std::string Shown;
+		for (const char Char : Lodestring)
+		{
+			const unsigned char Byte = static_cast<unsigned char>(Char);
+			if (Byte >= 0x20)
+			{
+				Shown += Char;
+			}
+			else if (Char == '\0' || Char == '\t' || Char == '\n' || Char == '\r')
+			{
+				Shown += Char == '\0' ? "\\0" : (Char == '\t' ? "\\t" : (Char == '\n' ? "\\n" : "\\r"));
+			}
+			else
+			{
+				Shown += std::string("\\u00") + Hex[Byte >> 4] + Hex[Byte & 0xF];
+			}
+		}
+		return Shown;
+	}
+}
+
+void LintCSharpSource(const FLodexSceneIndex& Index, const std::string& FileName, const std::string& Source,
+	FLodexLintCounts& Counts, std::string& Report)
+{
+	for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
+	{
+		if (Literal.Value.empty() || Literal.Value[0] != '/')
+		{
+			continue; // not a Lodestring: a method name, a value
+		}
+		++Counts.Checked;
+		const std::string Where = FileName + ":" + std::to_string(Literal.Line) + ": ";
+		if (!LodexText::IsUtf8(Literal.Value))
+		{
+			++Counts.Problems;
+			Report += Where + "the Lodestring is not UTF-8 text; save the file as UTF-8\n";
+			continue;
+		}
+		const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Literal.Value);
+		if (!IsUniqueLodestringMatch(Evaluation))
+		{
+			++Counts.Problems;
+			Report += Where + DescribeLodestringCheck(ShowLintedLodestring(Literal.Value), Evaluation) + "\n";
+		}
+	}
+}
 
 namespace
 {
@@ -94,27 +150,14 @@ namespace
 			}
 
 			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
-			std::size_t Checked = 0;
-			std::size_t Problems = 0;
+			FLodexLintCounts Counts;
 			std::string Report;
 			for (const FTestFile& File : Files)
 			{
-				for (const FCSharpApiString& Literal : FindApiStringArguments(File.Text))
-				{
-					if (Literal.Value.empty() || Literal.Value[0] != '/')
-					{
-						continue; // not a Lodestring: a method name, a value
-					}
-					++Checked;
-					const FLodexEvaluation Evaluation = EvaluateLodestring(*Index, Literal.Value);
-					if (!IsUniqueLodestringMatch(Evaluation))
-					{
-						++Problems;
-						Report += File.Path + ":" + std::to_string(Literal.Line) + ": " +
-							DescribeLodestringCheck(Literal.Value, Evaluation) + "\n";
-					}
-				}
+				LintCSharpSource(*Index, File.Path, File.Text, Counts, Report);
 			}
+			const std::size_t Checked = Counts.Checked;
+			const std::size_t Problems = Counts.Problems;
 			Report += "Checked " + std::to_string(Checked) + (Checked == 1 ? " Lodestring" : " Lodestrings") + " in " +
 				std::to_string(Files.size()) + (Files.size() == 1 ? " file: " : " files: ");
 			if (Problems == 0)

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #include "SceneClasses.h"
 
+#include "JsonErrors.h"
 #include "SceneSnapshot.h"
 
 #include "LodexDebugger/Core/Explorer/LodexReflection.h"
@@ -70,7 +71,16 @@ namespace
 				return Fail(Where, std::string("field '") + Field + "' must be a string, found " + It->type_name());
 			}
 			OutValue = It->get<std::string>();
-			return true;
+			return CheckOneLine(Where, std::string("'") + Field + "'", OutValue);
+		}
+
+		/** Names and type texts end up in log lines and snippets: each is one line of text. */
+		bool CheckOneLine(const std::string& Where, const std::string& Field, const std::string& Value)
+		{
+			const std::string ControlCharacter = FindControlCharacter(Value);
+			return ControlCharacter.empty() ||
+				Fail(Where,
+					"field " + Field + " must be one line of text: it holds the control character " + ControlCharacter);
 		}
 
 		bool ExpectObject(const FJson& Element, const std::string& Where)
@@ -110,6 +120,10 @@ namespace
 					return Fail(FlagWhere, std::string("must be a string, found ") + Flag.type_name());
 				}
 				const std::string Name = Flag.get<std::string>();
+				if (!CheckOneLine(Where, "'flags'[" + std::to_string(FlagIndex) + "]", Name))
+				{
+					return false;
+				}
 				if (Name == "parm")
 				{
 					Out.Flags |= LodexPropertyFlags::Parm;
@@ -261,6 +275,10 @@ bool ParseSceneReflection(const nlohmann::json& Root, const nlohmann::json& Obje
 			}
 			SuperNames[Index] = SuperIt->get<std::string>();
 			bHasSuper[Index] = true;
+			if (!Reader.CheckOneLine(Where, "'super'", SuperNames[Index]))
+			{
+				return false;
+			}
 		}
 		const FJson* Functions = nullptr;
 		const FJson* Properties = nullptr;
@@ -321,6 +339,10 @@ bool ParseSceneReflection(const nlohmann::json& Root, const nlohmann::json& Obje
 				Where, std::string("field 'class' must be the name of a class (a string), found ") + It->type_name());
 		}
 		const std::string Name = It->get<std::string>();
+		if (!Reader.CheckOneLine(Where, "'class'", Name))
+		{
+			return false;
+		}
 		const auto Found = IndexByName.find(Name);
 		if (Found == IndexByName.end())
 		{

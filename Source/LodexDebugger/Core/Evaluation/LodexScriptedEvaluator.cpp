@@ -4,6 +4,7 @@
 #include "LodexEvaluatorBridge.h"
 #include "LodexDebugger/Core/Text/LodexText.h"
 
+#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -40,6 +41,30 @@ namespace
 		{"stack", FLodexEvaluatorAnswer::NullStack},
 		{"path", FLodexEvaluatorAnswer::NullPath},
 	};
+
+	/**
+	 * Text of the file as a message quotes it: control characters and bytes that are not UTF-8 written as \xHH,
+	 * the file's own escape, so that the message stays one line of text.
+	 */
+	std::string ShowCannedText(const std::string& Text)
+	{
+		static const char Hex[] = "0123456789ABCDEF";
+		std::string Shown;
+		for (std::size_t Index = 0; Index < Text.size();)
+		{
+			const unsigned char Byte = static_cast<unsigned char>(Text[Index]);
+			const std::size_t Length = LodexText::Utf8SequenceLength(Text, Index);
+			if (Length == 0 || Byte < 0x20)
+			{
+				Shown += std::string("\\x") + Hex[Byte >> 4] + Hex[Byte & 0xF];
+				++Index;
+				continue;
+			}
+			Shown.append(Text, Index, Length);
+			Index += Length;
+		}
+		return Shown;
+	}
 
 	/** Resolves \\ \r \n \t and \xHH; false with a message on any other escape. */
 	bool UnescapeCannedText(const std::string& Text, std::string& Out, std::string& OutError)
@@ -87,8 +112,12 @@ namespace
 					break;
 				}
 				default:
-					OutError = std::string("unknown escape '\\") + Escape + "'; known: \\\\ \\r \\n \\t \\xHH";
+				{
+					const std::size_t Length = LodexText::Utf8SequenceLength(Text, Index);
+					OutError = "unknown escape '\\" + ShowCannedText(Text.substr(Index, Length > 0 ? Length : 1)) +
+						"'; known: \\\\ \\r \\n \\t \\xHH";
 					return false;
+				}
 			}
 		}
 		return true;
@@ -96,14 +125,14 @@ namespace
 
 	bool ParseCannedInt(const std::string& Text, std::int32_t& Out)
 	{
-		if (Text.empty() || Text[0] == ' ' || Text[0] == '\t')
+		if (Text.empty() || std::isspace(static_cast<unsigned char>(Text[0])))
 		{
 			return false;
 		}
 		char* End = nullptr;
 		errno = 0;
 		const long Value = std::strtol(Text.c_str(), &End, 10);
-		if (errno != 0 || End == Text.c_str() || *End != '\0' || Value < INT32_MIN || Value > INT32_MAX)
+		if (errno != 0 || End != Text.c_str() + Text.size() || Value < INT32_MIN || Value > INT32_MAX)
 		{
 			return false;
 		}
@@ -113,13 +142,13 @@ namespace
 
 	bool ParseCannedDouble(const std::string& Text, double& Out)
 	{
-		if (Text.empty() || Text[0] == ' ' || Text[0] == '\t')
+		if (Text.empty() || std::isspace(static_cast<unsigned char>(Text[0])))
 		{
 			return false;
 		}
 		char* End = nullptr;
 		const double Value = std::strtod(Text.c_str(), &End);
-		if (End == Text.c_str() || *End != '\0')
+		if (End != Text.c_str() + Text.size())
 		{
 			return false;
 		}
@@ -200,9 +229,10 @@ bool ParseLodexCannedAnswers(const std::string& Text, FLodexCannedAnswers& Out, 
 		const std::size_t Blank = Line.find(' ');
 		const std::string Keyword = Line.substr(0, Blank);
 		const bool bHasValue = Blank != std::string::npos;
+		const std::string Written = bHasValue ? Line.substr(Blank + 1) : std::string();
 		std::string Value;
 		std::string Error;
-		if (!UnescapeCannedText(bHasValue ? Line.substr(Blank + 1) : std::string(), Value, Error))
+		if (!UnescapeCannedText(Written, Value, Error))
 		{
 			OutError = {LineNumber, Error};
 			return false;
@@ -241,7 +271,7 @@ bool ParseLodexCannedAnswers(const std::string& Text, FLodexCannedAnswers& Out, 
 		}
 		if (!bIsField)
 		{
-			return Fail("unknown keyword '" + Keyword +
+			return Fail("unknown keyword '" + ShowCannedText(Keyword) +
 				"'; known: run, load, into, over, step, any, status, result, context, stack, operation, node-type, "
 				"duration, null");
 		}
@@ -254,7 +284,7 @@ bool ParseLodexCannedAnswers(const std::string& Text, FLodexCannedAnswers& Out, 
 		{
 			if (!ParseCannedInt(Value, Answer.Answer.Status))
 			{
-				return Fail("'status' needs a whole number, not '" + Value + "'");
+				return Fail("'status' needs a whole number, not '" + ShowCannedText(Written) + "'");
 			}
 			Answer.bHasStatus = true;
 		}
@@ -283,7 +313,7 @@ bool ParseLodexCannedAnswers(const std::string& Text, FLodexCannedAnswers& Out, 
 		{
 			if (!ParseCannedDouble(Value, Answer.Answer.DurationMs))
 			{
-				return Fail("'duration' needs a number of milliseconds, not '" + Value + "'");
+				return Fail("'duration' needs a number of milliseconds, not '" + ShowCannedText(Written) + "'");
 			}
 		}
 		else
@@ -299,7 +329,8 @@ bool ParseLodexCannedAnswers(const std::string& Text, FLodexCannedAnswers& Out, 
 			}
 			if (!bKnown)
 			{
-				return Fail("'null' takes context, result, operation, node-type, stack or path, not '" + Value + "'");
+				return Fail("'null' takes context, result, operation, node-type, stack or path, not '" +
+					ShowCannedText(Written) + "'");
 			}
 		}
 	}

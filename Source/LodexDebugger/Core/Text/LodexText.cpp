@@ -261,6 +261,26 @@ namespace LodexText
 		return Length;
 	}
 
+	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index)
+	{
+		std::uint32_t CodePoint = 0;
+		return Index < Text.size() ? Utf8SequenceLength(Text, Index, CodePoint) : 0;
+	}
+
+	bool IsUtf8(const std::string& Text)
+	{
+		for (std::size_t Index = 0; Index < Text.size();)
+		{
+			const std::size_t Length = Utf8SequenceLength(Text, Index);
+			if (Length == 0)
+			{
+				return false;
+			}
+			Index += Length;
+		}
+		return true;
+	}
+
 	std::string ToAnsi(const std::string& Utf8)
 	{
 		std::string Result;

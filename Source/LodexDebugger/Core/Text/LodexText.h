@@ -51,6 +51,15 @@ namespace LodexText
 	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index, std::uint32_t& OutCodePoint);
 
 	/**
+	 * The number of bytes of the well-formed UTF-8 sequence at Text[Index], or 0 when none starts there (an
+	 * overlong form, a surrogate, a code point past U+10FFFF, a cut or stray byte).
+	 */
+	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index);
+
+	/** Whether the whole text is well-formed UTF-8. */
+	bool IsUtf8(const std::string& Text);
+
+	/**
 	 * UTF-8 text converted to 8-bit text as the engine's TCHAR-to-ANSI conversion does it: the text is
 	 * taken as UTF-16 code units, and every unit above 0x7F becomes '?'. So "Tür" gives "T?r", and a
 	 * character outside the Basic Multilingual Plane (two units) gives "??". A byte that is not part of a

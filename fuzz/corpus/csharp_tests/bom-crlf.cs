@@ -1,0 +1,2 @@
+﻿api.Find("//Tür"); api.Find("/*[@tag = '用户']");
+api.Find("/*[]");

@@ -1,0 +1,4 @@
+api.Find("unterminated
+api.Find(@"x
+api.Find<
+$"{

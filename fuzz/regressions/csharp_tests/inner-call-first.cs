@@ -1,0 +1,1 @@
+api.Click(api.Find("//Door"), "//Lamp_2");

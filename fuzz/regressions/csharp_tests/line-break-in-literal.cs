@@ -1,0 +1,3 @@
+api.Find(@"//Door
+with a line break");
+api.Find("/a\tb\0");

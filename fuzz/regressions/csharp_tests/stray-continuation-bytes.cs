@@ -1,0 +1,1 @@
+—ÿÿ x = api.CallMethod<int>(@"//Bob's Sign", "Count");
