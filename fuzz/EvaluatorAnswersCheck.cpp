@@ -109,9 +109,10 @@ namespace
 			{&Block.nodeTypeText, FLodexEvaluatorAnswer::NullNodeType},
 			{&Block.stackText, FLodexEvaluatorAnswer::NullStack},
 		};
+		// Status 0 takes the request and publishes nothing: the texts still hold an earlier answer's.
 		for (const auto& Text : Texts)
 		{
-			if (LodexBlock::LoadPointer(*Text.Field) == nullptr && (MayBeNull & Text.Flag) == 0)
+			if (Status != 0 && LodexBlock::LoadPointer(*Text.Field) == nullptr && (MayBeNull & Text.Flag) == 0)
 			{
 				return What + " is answered with a null text that no matching answer asks for";
 			}
