@@ -541,6 +541,10 @@ std::vector<FCSharpApiString> FindApiStringArguments(const std::string& Source)
 					break;
 				}
 			}
+			if (Angles != 0)
+			{
+				continue; // a "<" never closed is a comparison, not type arguments: no call
+			}
 			++At;
 		}
 		if (At >= Count || !IsPunctuation(Tokens[At], "("))

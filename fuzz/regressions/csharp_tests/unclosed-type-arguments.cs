@@ -1,0 +1,3 @@
+api.Find<a
+api.Find<b
+x<d;(@"rU");
