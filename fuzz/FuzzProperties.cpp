@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "FuzzProperties.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <algorithm>
 
 namespace LodexFuzz
@@ -74,22 +76,7 @@ namespace LodexFuzz
 
 	std::string Shown(const std::string& Text)
 	{
-		static const char Hex[] = "0123456789ABCDEF";
-		std::string Out;
-		for (std::size_t Index = 0; Index < Text.size() && Out.size() < 300;)
-		{
-			const unsigned char Byte = static_cast<unsigned char>(Text[Index]);
-			const std::size_t Length = Utf8SequenceLength(Text, Index);
-			if (Length == 0 || Byte < 0x20)
-			{
-				Out += std::string("\\x") + Hex[Byte >> 4] + Hex[Byte & 0xF];
-				++Index;
-				continue;
-			}
-			Out.append(Text, Index, Length);
-			Index += Length;
-		}
-		return Out;
+		return LodexText::EscapeControlsAndIllFormed(Text, 300);
 	}
 
 	std::vector<std::string> SplitLines(const std::string& Text)

@@ -48,22 +48,7 @@ namespace
 	 */
 	std::string ShowCannedText(const std::string& Text)
 	{
-		static const char Hex[] = "0123456789ABCDEF";
-		std::string Shown;
-		for (std::size_t Index = 0; Index < Text.size();)
-		{
-			const unsigned char Byte = static_cast<unsigned char>(Text[Index]);
-			const std::size_t Length = LodexText::Utf8SequenceLength(Text, Index);
-			if (Length == 0 || Byte < 0x20)
-			{
-				Shown += std::string("\\x") + Hex[Byte >> 4] + Hex[Byte & 0xF];
-				++Index;
-				continue;
-			}
-			Shown.append(Text, Index, Length);
-			Index += Length;
-		}
-		return Shown;
+		return LodexText::EscapeControlsAndIllFormed(Text);
 	}
 
 	/** Resolves \\ \r \n \t and \xHH; false with a message on any other escape. */

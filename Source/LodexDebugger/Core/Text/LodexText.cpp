@@ -281,6 +281,26 @@ namespace LodexText
 		return true;
 	}
 
+	std::string EscapeControlsAndIllFormed(const std::string& Text, std::size_t MaxBytes)
+	{
+		static const char Hex[] = "0123456789ABCDEF";
+		std::string Out;
+		for (std::size_t Index = 0; Index < Text.size() && Out.size() < MaxBytes;)
+		{
+			const unsigned char Byte = static_cast<unsigned char>(Text[Index]);
+			const std::size_t Length = Utf8SequenceLength(Text, Index);
+			if (Length == 0 || Byte < 0x20)
+			{
+				Out += std::string("\\x") + Hex[Byte >> 4] + Hex[Byte & 0xF];
+				++Index;
+				continue;
+			}
+			Out.append(Text, Index, Length);
+			Index += Length;
+		}
+		return Out;
+	}
+
 	std::string ToAnsi(const std::string& Utf8)
 	{
 		std::string Result;

@@ -60,6 +60,12 @@ namespace LodexText
 	bool IsUtf8(const std::string& Text);
 
 	/**
+	 * Text as a one-line message quotes it: every control character and every byte that begins no well-formed
+	 * UTF-8 sequence written as \xHH; writing stops once MaxBytes are written.
+	 */
+	std::string EscapeControlsAndIllFormed(const std::string& Text, std::size_t MaxBytes = std::string::npos);
+
+	/**
 	 * UTF-8 text converted to 8-bit text as the engine's TCHAR-to-ANSI conversion does it: the text is
 	 * taken as UTF-16 code units, and every unit above 0x7F becomes '?'. So "Tür" gives "T?r", and a
 	 * character outside the Basic Multilingual Plane (two units) gives "??". A byte that is not part of a
