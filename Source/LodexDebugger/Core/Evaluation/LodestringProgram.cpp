@@ -14,7 +14,9 @@ namespace LodestringProgramPrivate
 		ELodexAttribute Attribute = ELodexAttribute::Name;
 		std::size_t From = 0;
 		std::size_t To = 0;
-		std::string Value;
+		/** Comparison: where the quoted value's bytes lie in the text. */
+		std::size_t ValueBegin = 0;
+		std::size_t ValueLength = 0;
 		FLodexSpan Span;
 		bool bStandard = false;
 
@@ -153,13 +155,13 @@ namespace LodestringProgramPrivate
 			{
 				++End;
 			}
-			const std::string Name = T.substr(Pos + 1, End - Pos - 1);
-			if (Name == "name")
+			const std::size_t Length = End - Pos - 1;
+			if (Length == 4 && T.compare(Pos + 1, Length, "name") == 0)
 			{
 				OutAttribute = ELodexAttribute::Name;
 				return End;
 			}
-			if (Name == "tag")
+			if (Length == 3 && T.compare(Pos + 1, Length, "tag") == 0)
 			{
 				OutAttribute = ELodexAttribute::Tag;
 				return End;
@@ -188,10 +190,25 @@ namespace LodestringProgramPrivate
 		}
 
 		void CollectSteps(std::size_t Begin, std::vector<FLodexStepOp>& OutOps);
-		void CollectNodeSteps(const FLodexStepOp& Head, std::size_t After, std::vector<FLodexStepOp>& OutOps);
+		/** The node steps whose test is Head's with the name at NameBegin, ending at After or at a "]" after it. */
+		void CollectNodeSteps(
+			const FLodexStepOp& Head, std::size_t NameBegin, std::size_t After, std::vector<FLodexStepOp>& OutOps);
 		const std::vector<std::shared_ptr<const FLodexPredicate>>& CollectPredicates(std::size_t Open);
 
-		FLodexPredicate MakePredicate(const FRawPredicate& Raw, std::size_t Close) const;
+		/** The predicate's edges ordered by where they begin, then by where they end. */
+		static std::vector<const FRawEdge*> SortEdges(const FRawPredicate& Raw);
+		/** The predicate that ends at the "]" at Close: the edges of Sorted on a path from its start to Close. */
+		FLodexPredicate MakePredicate(
+			const FRawPredicate& Raw, const std::vector<const FRawEdge*>& Sorted, std::size_t Close);
+		/** MakePredicate's working lists, kept from one predicate to the next so that they are allocated once. */
+		struct FPredicateScratch
+		{
+			std::vector<std::uint8_t> Forward;
+			std::vector<std::uint8_t> Backward;
+			std::vector<std::size_t> Nodes;
+			std::vector<const FRawEdge*> Kept;
+		};
+		FPredicateScratch Scratch;
 
 		const std::string& T;
 		std::size_t N;
@@ -323,7 +340,7 @@ namespace LodestringProgramPrivate
 				return false;
 			}
 			const std::size_t Close = Raw.Closes.front();
-			Op.Predicate = std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Close));
+			Op.Predicate = std::make_shared<const FLodexPredicate>(MakePredicate(Raw, SortEdges(Raw), Close));
 			StandardPredicates[After] = std::move(Raw);
 			Op.To = static_cast<std::uint32_t>(Close + 1);
 		}
@@ -383,7 +400,8 @@ namespace LodestringProgramPrivate
 				return Fail(
 					OutError, "The quoted value is not closed: it ends at a ' followed by ], or or and", Quote, N);
 			}
-			Comparison.Value = T.substr(Quote + 1, Close - Quote - 1);
+			Comparison.ValueBegin = Quote + 1;
+			Comparison.ValueLength = Close - Quote - 1;
 			Comparison.Span = Span(Pos, Close + 1);
 			Comparison.To = SkipBlanks(Close + 1);
 			Raw.Edges.push_back(Comparison);
@@ -405,7 +423,22 @@ namespace LodestringProgramPrivate
 		}
 	}
 
-	FLodexPredicate FCompiler::MakePredicate(const FRawPredicate& Raw, std::size_t Close) const
+	std::vector<const FRawEdge*> FCompiler::SortEdges(const FRawPredicate& Raw)
+	{
+		std::vector<const FRawEdge*> Sorted;
+		Sorted.reserve(Raw.Edges.size());
+		for (const FRawEdge& Edge : Raw.Edges)
+		{
+			Sorted.push_back(&Edge);
+		}
+		std::sort(Sorted.begin(), Sorted.end(),
+			[](const FRawEdge* A, const FRawEdge* B)
+			{ return A->From != B->From ? A->From < B->From : A->To < B->To; });
+		return Sorted;
+	}
+
+	FLodexPredicate FCompiler::MakePredicate(
+		const FRawPredicate& Raw, const std::vector<const FRawEdge*>& Sorted, std::size_t Close)
 	{
 		FLodexPredicate Predicate;
 		Predicate.Span = Span(Raw.Open, Close + 1);
@@ -415,44 +448,30 @@ namespace LodestringProgramPrivate
 			return Predicate;
 		}
 
-		// Keep the edges on a path from the start to this "]": reachable forward and backward.
-		std::vector<const FRawEdge*> Edges;
-		for (const FRawEdge& Edge : Raw.Edges)
+		// Keep the edges on a path from the start to this "]": reachable forward and backward, marked by text
+		// position. Every edge leads forward, so one pass in text order (and one against it) reaches every position
+		// that can be reached.
+		std::vector<std::uint8_t>& Forward = Scratch.Forward;
+		std::vector<std::uint8_t>& Backward = Scratch.Backward;
+		Forward.assign(N + 1, 0);
+		Backward.assign(N + 1, 0);
+		Forward[Raw.Start] = 1;
+		for (const FRawEdge* Edge : Sorted)
 		{
-			Edges.push_back(&Edge);
+			Forward[Edge->To] |= Forward[Edge->From];
 		}
-		std::sort(Edges.begin(), Edges.end(),
-			[](const FRawEdge* A, const FRawEdge* B)
-			{ return A->From != B->From ? A->From < B->From : A->To < B->To; });
-		std::vector<std::size_t> Forward{Raw.Start};
-		Forward.reserve(Edges.size() + 1);
-		for (const FRawEdge* Edge : Edges)
+		Backward[Close] = 1;
+		for (auto It = Sorted.rbegin(); It != Sorted.rend(); ++It)
 		{
-			if (std::find(Forward.begin(), Forward.end(), Edge->From) != Forward.end() &&
-				std::find(Forward.begin(), Forward.end(), Edge->To) == Forward.end())
-			{
-				Forward.push_back(Edge->To);
-			}
+			Backward[(*It)->From] |= Backward[(*It)->To];
 		}
-		std::vector<std::size_t> Backward{Close};
-		Backward.reserve(Edges.size() + 1);
-		for (auto It = Edges.rbegin(); It != Edges.rend(); ++It)
+		std::vector<std::size_t>& Nodes = Scratch.Nodes;
+		std::vector<const FRawEdge*>& Kept = Scratch.Kept;
+		Nodes.clear();
+		Kept.clear();
+		for (const FRawEdge* Edge : Sorted)
 		{
-			if (std::find(Backward.begin(), Backward.end(), (*It)->To) != Backward.end() &&
-				std::find(Backward.begin(), Backward.end(), (*It)->From) == Backward.end())
-			{
-				Backward.push_back((*It)->From);
-			}
-		}
-		std::vector<std::size_t> Nodes;
-		std::vector<const FRawEdge*> Kept;
-		Nodes.reserve(Edges.size() * 2 + 2);
-		Kept.reserve(Edges.size());
-		for (const FRawEdge* Edge : Edges)
-		{
-			const bool bOnPath = std::find(Forward.begin(), Forward.end(), Edge->From) != Forward.end() &&
-				std::find(Backward.begin(), Backward.end(), Edge->To) != Backward.end();
-			if (bOnPath)
+			if (Forward[Edge->From] != 0 && Backward[Edge->To] != 0)
 			{
 				Kept.push_back(Edge);
 				Nodes.push_back(Edge->From);
@@ -471,18 +490,21 @@ namespace LodestringProgramPrivate
 		Predicate.NodeCount = static_cast<std::uint32_t>(Nodes.size());
 		Predicate.StartNode = NodeOf(Raw.Start);
 		Predicate.AcceptNode = NodeOf(Close);
+		Predicate.Edges.reserve(Kept.size());
 		for (const FRawEdge* Edge : Kept)
 		{
-			FLodexPredicateEdge Out;
+			FLodexPredicateEdge& Out = Predicate.Edges.emplace_back();
 			Out.Kind = Edge->Kind;
 			Out.Attribute = Edge->Attribute;
 			Out.From = NodeOf(Edge->From);
 			Out.To = NodeOf(Edge->To);
-			Out.Value = Edge->Value;
+			if (Edge->Kind == ELodexPredicateEdgeKind::Comparison)
+			{
+				Out.Value.assign(T, Edge->ValueBegin, Edge->ValueLength);
+			}
 			Out.Span = Edge->Span;
 			Out.bStandard = Edge->bStandard;
 			Predicate.bHasAnd = Predicate.bHasAnd || Edge->Kind == ELodexPredicateEdgeKind::And;
-			Predicate.Edges.push_back(std::move(Out));
 		}
 		return Predicate;
 	}
@@ -558,9 +580,10 @@ namespace LodestringProgramPrivate
 				Comparison.Attribute = Attribute;
 				Comparison.From = Pos;
 				Comparison.To = After;
-				Comparison.Value = T.substr(Quote + 1, Close - Quote - 1);
+				Comparison.ValueBegin = Quote + 1;
+				Comparison.ValueLength = Close - Quote - 1;
 				Comparison.Span = Span(Pos, Close + 1);
-				Raw.Edges.push_back(std::move(Comparison));
+				Raw.Edges.push_back(Comparison);
 				if (At(After) != ']')
 				{
 					Join.From = After;
@@ -612,21 +635,26 @@ namespace LodestringProgramPrivate
 
 		std::vector<std::shared_ptr<const FLodexPredicate>>& Out = PredicatesByOpen[Open];
 		std::sort(Raw.Closes.begin(), Raw.Closes.end());
+		const std::vector<const FRawEdge*> Sorted = SortEdges(Raw);
+		Out.reserve(Raw.Closes.size());
 		for (const std::size_t Close : Raw.Closes)
 		{
-			Out.push_back(std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Close)));
+			Out.push_back(std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Sorted, Close)));
 		}
 		return Out;
 	}
 
-	void FCompiler::CollectNodeSteps(const FLodexStepOp& Head, std::size_t After, std::vector<FLodexStepOp>& OutOps)
+	void FCompiler::CollectNodeSteps(
+		const FLodexStepOp& Head, std::size_t NameBegin, std::size_t After, std::vector<FLodexStepOp>& OutOps)
 	{
+		// Head has no name: the name is set on each step made, so that no copy of it is made for nothing.
+		const std::size_t NameLength = Head.bAnyName ? 0 : After - NameBegin;
 		if (EndsWell(After))
 		{
-			FLodexStepOp Op = Head;
+			FLodexStepOp& Op = OutOps.emplace_back(Head);
+			Op.Name.assign(T, NameBegin, NameLength);
 			Op.To = static_cast<std::uint32_t>(After);
 			Op.TestSpan = Op.Span = Span(Head.From, After);
-			OutOps.push_back(std::move(Op));
 		}
 		else if (T[After] == '[')
 		{
@@ -635,12 +663,12 @@ namespace LodestringProgramPrivate
 				const std::size_t End = Predicate->Span.End;
 				if (EndsWell(End))
 				{
-					FLodexStepOp Op = Head;
+					FLodexStepOp& Op = OutOps.emplace_back(Head);
+					Op.Name.assign(T, NameBegin, NameLength);
 					Op.To = static_cast<std::uint32_t>(End);
 					Op.TestSpan = Span(Head.From, After);
 					Op.Span = Span(Head.From, End);
 					Op.Predicate = Predicate;
-					OutOps.push_back(std::move(Op));
 				}
 			}
 		}
@@ -660,9 +688,9 @@ namespace LodestringProgramPrivate
 
 		if (T[Test] == '*')
 		{
-			FLodexStepOp Star = Head;
-			Star.bAnyName = true;
-			CollectNodeSteps(Star, Test + 1, OutOps);
+			Head.bAnyName = true;
+			CollectNodeSteps(Head, Test, Test + 1, OutOps);
+			Head.bAnyName = false;
 		}
 		// A bare name may run to any later "/" or "[", or to the end.
 		for (auto It = std::upper_bound(NameEnds.begin(), NameEnds.end(), Test); It != NameEnds.end(); ++It)
@@ -679,9 +707,7 @@ namespace LodestringProgramPrivate
 			{
 				continue; // the star finds every object the name "*" would
 			}
-			FLodexStepOp Named = Head;
-			Named.Name = T.substr(Test, *It - Test);
-			CollectNodeSteps(Named, *It, OutOps);
+			CollectNodeSteps(Head, Test, *It, OutOps);
 		}
 		if (StartsWith(Test, "fn:component("))
 		{
@@ -725,8 +751,9 @@ namespace LodestringProgramPrivate
 		std::vector<std::uint8_t> bViable(N, 0);
 		bViable.push_back(1); // the end of the text
 		Viable = &bViable;
-		std::map<std::size_t, std::vector<FLodexStepOp>> StepsFrom;
-		std::size_t Total = 0;
+		// The steps of every boundary in one list, boundaries from the last to the first: (boundary, first step).
+		std::vector<FLodexStepOp> Collected;
+		std::vector<std::pair<std::size_t, std::size_t>> Groups;
 		for (std::size_t Begin = N; Begin-- > 0;)
 		{
 			if (T[Begin] != '/')
@@ -734,15 +761,15 @@ namespace LodestringProgramPrivate
 				continue;
 			}
 			// Only steps that end where the rest of the text reads are collected.
-			std::vector<FLodexStepOp>& Kept = StepsFrom[Begin];
-			CollectSteps(Begin, Kept);
+			const std::size_t First = Collected.size();
+			CollectSteps(Begin, Collected);
 			if (bOverBudget)
 			{
 				return false;
 			}
-			bViable[Begin] = Kept.empty() ? 0 : 1;
-			Total += Kept.size();
-			if (Total > LodestringLimits::MaxAlternativeSteps)
+			Groups.emplace_back(Begin, First);
+			bViable[Begin] = Collected.size() == First ? 0 : 1;
+			if (Collected.size() > LodestringLimits::MaxAlternativeSteps)
 			{
 				return false;
 			}
@@ -751,17 +778,18 @@ namespace LodestringProgramPrivate
 		std::vector<std::uint8_t> bReached(N, 0);
 		bReached.push_back(0);
 		bReached[0] = 1;
-		OutOps.reserve(Total);
-		for (auto& Entry : StepsFrom)
+		OutOps.reserve(Collected.size());
+		for (std::size_t Group = Groups.size(); Group-- > 0;)
 		{
-			if (bReached[Entry.first] == 0)
+			if (bReached[Groups[Group].first] == 0)
 			{
 				continue;
 			}
-			for (FLodexStepOp& Op : Entry.second)
+			const std::size_t End = Group + 1 < Groups.size() ? Groups[Group + 1].second : Collected.size();
+			for (std::size_t Item = Groups[Group].second; Item < End; ++Item)
 			{
-				bReached[Op.To] = 1;
-				OutOps.push_back(std::move(Op));
+				bReached[Collected[Item].To] = 1;
+				OutOps.push_back(std::move(Collected[Item]));
 			}
 		}
 		return true;
@@ -826,7 +854,7 @@ bool CompileLodestring(const std::string& Text, FLodestringProgram& Out, FLodexP
 	{
 		Order[Index] = Index;
 	}
-	std::stable_sort(Order.begin(), Order.end(),
+	std::sort(Order.begin(), Order.end(),
 		[&All](std::uint32_t Left, std::uint32_t Right)
 		{
 			const FLodexStepOp& A = All[Left];
@@ -839,7 +867,7 @@ bool CompileLodestring(const std::string& Text, FLodestringProgram& Out, FLodexP
 			{
 				return A.StandardStep != 0;
 			}
-			return A.To < B.To;
+			return A.To != B.To ? A.To < B.To : Left < Right; // steps alike stay in the order they were found
 		});
 	Out.Ops.reserve(All.size());
 	for (const std::uint32_t Index : Order)
