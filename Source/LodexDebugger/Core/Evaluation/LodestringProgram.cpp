@@ -189,23 +189,29 @@ namespace LodestringProgramPrivate
 			return Fail(OutError, "Expected / or the end of the path after the step", Pos, NextOf(Pos, "/"));
 		}
 
-		void CollectSteps(std::size_t Begin, std::vector<FLodexStepOp>& OutOps);
+		/** The steps from the boundary at Begin that end where the rest of the text reads; counted with no list. */
+		void CollectSteps(std::size_t Begin, std::vector<FLodexStepOp>* OutOps);
 		/** The node steps whose test is Head's with the name at NameBegin, ending at After or at a "]" after it. */
 		void CollectNodeSteps(
-			const FLodexStepOp& Head, std::size_t NameBegin, std::size_t After, std::vector<FLodexStepOp>& OutOps);
+			const FLodexStepOp& Head, std::size_t NameBegin, std::size_t After, std::vector<FLodexStepOp>* OutOps);
 		const std::vector<std::shared_ptr<const FLodexPredicate>>& CollectPredicates(std::size_t Open);
 
-		/** The predicate's edges ordered by where they begin, then by where they end. */
-		static std::vector<const FRawEdge*> SortEdges(const FRawPredicate& Raw);
-		/** The predicate that ends at the "]" at Close: the edges of Sorted on a path from its start to Close. */
-		FLodexPredicate MakePredicate(
-			const FRawPredicate& Raw, const std::vector<const FRawEdge*>& Sorted, std::size_t Close);
+		/** A predicate's edges ordered by where they begin, then where they end; what its start reaches. */
+		struct FPredicateGraph
+		{
+			std::vector<const FRawEdge*> Sorted;
+			/** By text position: whether a path from the start reaches it. */
+			std::vector<std::uint8_t> Forward;
+		};
+		FPredicateGraph MakeGraph(const FRawPredicate& Raw) const;
+		/** The predicate that ends at the "]" at Close: the edges of the graph on a path from its start to Close. */
+		FLodexPredicate MakePredicate(const FRawPredicate& Raw, const FPredicateGraph& Graph, std::size_t Close);
 		/** MakePredicate's working lists, kept from one predicate to the next so that they are allocated once. */
 		struct FPredicateScratch
 		{
-			std::vector<std::uint8_t> Forward;
 			std::vector<std::uint8_t> Backward;
-			std::vector<std::size_t> Nodes;
+			/** By text position: 1 for a node of the predicate, then its number. */
+			std::vector<std::uint32_t> Nodes;
 			std::vector<const FRawEdge*> Kept;
 		};
 		FPredicateScratch Scratch;
@@ -218,9 +224,16 @@ namespace LodestringProgramPrivate
 		/** The standard reading's predicates, by the position of their "[". */
 		std::map<std::size_t, FRawPredicate> StandardPredicates;
 		std::map<std::size_t, std::vector<std::shared_ptr<const FLodexPredicate>>> PredicatesByOpen;
-		/** Candidates looked at while collecting other readings; past the limit they are given up. */
+		/**
+		 * Candidates looked at while counting other readings; past the limit they are given up. Making the steps
+		 * afterwards walks the same candidates again and spends nothing.
+		 */
 		bool Spend()
 		{
+			if (!bCounting)
+			{
+				return true;
+			}
 			if (++Budget > 2000000)
 			{
 				bOverBudget = true;
@@ -230,6 +243,22 @@ namespace LodestringProgramPrivate
 		std::size_t Budget = 0;
 		bool bOverBudget = false;
 		const std::vector<std::uint8_t>* Viable = nullptr;
+
+		/**
+		 * With no list, counts a step (the steps of every reading are counted before any is made, so that a text
+		 * past the limits costs no copies); otherwise adds a copy of Head to the list and returns it.
+		 */
+		FLodexStepOp* AddStep(const FLodexStepOp& Head, std::vector<FLodexStepOp>* OutOps)
+		{
+			if (OutOps == nullptr)
+			{
+				++Counted;
+				return nullptr;
+			}
+			return &OutOps->emplace_back(Head);
+		}
+		bool bCounting = false;
+		std::size_t Counted = 0;
 	};
 
 	bool FCompiler::ParseStandard(std::vector<FLodexStepOp>& OutOps, FLodexPathError& OutError)
@@ -340,7 +369,7 @@ namespace LodestringProgramPrivate
 				return false;
 			}
 			const std::size_t Close = Raw.Closes.front();
-			Op.Predicate = std::make_shared<const FLodexPredicate>(MakePredicate(Raw, SortEdges(Raw), Close));
+			Op.Predicate = std::make_shared<const FLodexPredicate>(MakePredicate(Raw, MakeGraph(Raw), Close));
 			StandardPredicates[After] = std::move(Raw);
 			Op.To = static_cast<std::uint32_t>(Close + 1);
 		}
@@ -423,22 +452,28 @@ namespace LodestringProgramPrivate
 		}
 	}
 
-	std::vector<const FRawEdge*> FCompiler::SortEdges(const FRawPredicate& Raw)
+	FCompiler::FPredicateGraph FCompiler::MakeGraph(const FRawPredicate& Raw) const
 	{
-		std::vector<const FRawEdge*> Sorted;
-		Sorted.reserve(Raw.Edges.size());
+		FPredicateGraph Graph;
+		Graph.Sorted.reserve(Raw.Edges.size());
 		for (const FRawEdge& Edge : Raw.Edges)
 		{
-			Sorted.push_back(&Edge);
+			Graph.Sorted.push_back(&Edge);
 		}
-		std::sort(Sorted.begin(), Sorted.end(),
+		std::sort(Graph.Sorted.begin(), Graph.Sorted.end(),
 			[](const FRawEdge* A, const FRawEdge* B)
 			{ return A->From != B->From ? A->From < B->From : A->To < B->To; });
-		return Sorted;
+		// Every edge leads forward, so one pass in text order reaches every position that can be reached.
+		Graph.Forward.assign(N + 1, 0);
+		Graph.Forward[Raw.Start] = 1;
+		for (const FRawEdge* Edge : Graph.Sorted)
+		{
+			Graph.Forward[Edge->To] |= Graph.Forward[Edge->From];
+		}
+		return Graph;
 	}
 
-	FLodexPredicate FCompiler::MakePredicate(
-		const FRawPredicate& Raw, const std::vector<const FRawEdge*>& Sorted, std::size_t Close)
+	FLodexPredicate FCompiler::MakePredicate(const FRawPredicate& Raw, const FPredicateGraph& Graph, std::size_t Close)
 	{
 		FLodexPredicate Predicate;
 		Predicate.Span = Span(Raw.Open, Close + 1);
@@ -448,56 +483,51 @@ namespace LodestringProgramPrivate
 			return Predicate;
 		}
 
-		// Keep the edges on a path from the start to this "]": reachable forward and backward, marked by text
-		// position. Every edge leads forward, so one pass in text order (and one against it) reaches every position
-		// that can be reached.
-		std::vector<std::uint8_t>& Forward = Scratch.Forward;
+		// Keep the edges on a path from the start to this "]": reached from the start, and reaching the "]" (one
+		// pass against text order).
 		std::vector<std::uint8_t>& Backward = Scratch.Backward;
-		Forward.assign(N + 1, 0);
 		Backward.assign(N + 1, 0);
-		Forward[Raw.Start] = 1;
-		for (const FRawEdge* Edge : Sorted)
-		{
-			Forward[Edge->To] |= Forward[Edge->From];
-		}
 		Backward[Close] = 1;
-		for (auto It = Sorted.rbegin(); It != Sorted.rend(); ++It)
+		for (auto It = Graph.Sorted.rbegin(); It != Graph.Sorted.rend(); ++It)
 		{
 			Backward[(*It)->From] |= Backward[(*It)->To];
 		}
-		std::vector<std::size_t>& Nodes = Scratch.Nodes;
+		std::vector<std::uint32_t>& Nodes = Scratch.Nodes;
 		std::vector<const FRawEdge*>& Kept = Scratch.Kept;
-		Nodes.clear();
+		Nodes.assign(N + 1, 0);
 		Kept.clear();
-		for (const FRawEdge* Edge : Sorted)
+		for (const FRawEdge* Edge : Graph.Sorted)
 		{
-			if (Forward[Edge->From] != 0 && Backward[Edge->To] != 0)
+			if (Graph.Forward[Edge->From] != 0 && Backward[Edge->To] != 0)
 			{
 				Kept.push_back(Edge);
-				Nodes.push_back(Edge->From);
-				Nodes.push_back(Edge->To);
+				Nodes[Edge->From] = 1;
+				Nodes[Edge->To] = 1;
 			}
 		}
-		Nodes.push_back(Raw.Start);
-		Nodes.push_back(Close);
-		std::sort(Nodes.begin(), Nodes.end());
-		Nodes.erase(std::unique(Nodes.begin(), Nodes.end()), Nodes.end());
-		auto NodeOf = [&](std::size_t Pos)
+		Nodes[Raw.Start] = 1;
+		Nodes[Close] = 1;
+		// The graph's nodes are numbered in text order.
+		std::uint32_t NodeCount = 0;
+		for (std::uint32_t& Node : Nodes)
 		{
-			return static_cast<std::uint32_t>(std::lower_bound(Nodes.begin(), Nodes.end(), Pos) - Nodes.begin());
-		};
+			if (Node != 0)
+			{
+				Node = NodeCount++;
+			}
+		}
 
-		Predicate.NodeCount = static_cast<std::uint32_t>(Nodes.size());
-		Predicate.StartNode = NodeOf(Raw.Start);
-		Predicate.AcceptNode = NodeOf(Close);
+		Predicate.NodeCount = NodeCount;
+		Predicate.StartNode = Nodes[Raw.Start];
+		Predicate.AcceptNode = Nodes[Close];
 		Predicate.Edges.reserve(Kept.size());
 		for (const FRawEdge* Edge : Kept)
 		{
 			FLodexPredicateEdge& Out = Predicate.Edges.emplace_back();
 			Out.Kind = Edge->Kind;
 			Out.Attribute = Edge->Attribute;
-			Out.From = NodeOf(Edge->From);
-			Out.To = NodeOf(Edge->To);
+			Out.From = Nodes[Edge->From];
+			Out.To = Nodes[Edge->To];
 			if (Edge->Kind == ELodexPredicateEdgeKind::Comparison)
 			{
 				Out.Value.assign(T, Edge->ValueBegin, Edge->ValueLength);
@@ -635,46 +665,48 @@ namespace LodestringProgramPrivate
 
 		std::vector<std::shared_ptr<const FLodexPredicate>>& Out = PredicatesByOpen[Open];
 		std::sort(Raw.Closes.begin(), Raw.Closes.end());
-		const std::vector<const FRawEdge*> Sorted = SortEdges(Raw);
+		const FPredicateGraph Graph = MakeGraph(Raw);
 		Out.reserve(Raw.Closes.size());
 		for (const std::size_t Close : Raw.Closes)
 		{
-			Out.push_back(std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Sorted, Close)));
+			Out.push_back(std::make_shared<const FLodexPredicate>(MakePredicate(Raw, Graph, Close)));
 		}
 		return Out;
 	}
 
 	void FCompiler::CollectNodeSteps(
-		const FLodexStepOp& Head, std::size_t NameBegin, std::size_t After, std::vector<FLodexStepOp>& OutOps)
+		const FLodexStepOp& Head, std::size_t NameBegin, std::size_t After, std::vector<FLodexStepOp>* OutOps)
 	{
 		// Head has no name: the name is set on each step made, so that no copy of it is made for nothing.
 		const std::size_t NameLength = Head.bAnyName ? 0 : After - NameBegin;
 		if (EndsWell(After))
 		{
-			FLodexStepOp& Op = OutOps.emplace_back(Head);
-			Op.Name.assign(T, NameBegin, NameLength);
-			Op.To = static_cast<std::uint32_t>(After);
-			Op.TestSpan = Op.Span = Span(Head.From, After);
+			if (FLodexStepOp* const Op = AddStep(Head, OutOps))
+			{
+				Op->Name.assign(T, NameBegin, NameLength);
+				Op->To = static_cast<std::uint32_t>(After);
+				Op->TestSpan = Op->Span = Span(Head.From, After);
+			}
 		}
 		else if (T[After] == '[')
 		{
 			for (const std::shared_ptr<const FLodexPredicate>& Predicate : CollectPredicates(After))
 			{
 				const std::size_t End = Predicate->Span.End;
-				if (EndsWell(End))
+				FLodexStepOp* const Op = EndsWell(End) ? AddStep(Head, OutOps) : nullptr;
+				if (Op != nullptr)
 				{
-					FLodexStepOp& Op = OutOps.emplace_back(Head);
-					Op.Name.assign(T, NameBegin, NameLength);
-					Op.To = static_cast<std::uint32_t>(End);
-					Op.TestSpan = Span(Head.From, After);
-					Op.Span = Span(Head.From, End);
-					Op.Predicate = Predicate;
+					Op->Name.assign(T, NameBegin, NameLength);
+					Op->To = static_cast<std::uint32_t>(End);
+					Op->TestSpan = Span(Head.From, After);
+					Op->Span = Span(Head.From, End);
+					Op->Predicate = Predicate;
 				}
 			}
 		}
 	}
 
-	void FCompiler::CollectSteps(std::size_t Begin, std::vector<FLodexStepOp>& OutOps)
+	void FCompiler::CollectSteps(std::size_t Begin, std::vector<FLodexStepOp>* OutOps)
 	{
 		FLodexStepOp Head;
 		const bool bDescendant = At(Begin + 1) == '/';
@@ -718,26 +750,25 @@ namespace LodestringProgramPrivate
 					 ++It)
 				{
 					const std::size_t Paren = SkipBlanks(*It + 1);
-					if (At(Paren) == ')' && EndsWell(Paren + 1))
+					FLodexStepOp* const Op = At(Paren) == ')' && EndsWell(Paren + 1) ? AddStep(Head, OutOps) : nullptr;
+					if (Op != nullptr)
 					{
-						FLodexStepOp Op = Head;
-						Op.Kind = ELodexStepKind::Component;
-						Op.Name = T.substr(Quote + 1, *It - Quote - 1);
-						Op.To = static_cast<std::uint32_t>(Paren + 1);
-						Op.Span = Op.TestSpan = Span(Begin, Paren + 1);
-						OutOps.push_back(std::move(Op));
+						Op->Kind = ELodexStepKind::Component;
+						Op->Name.assign(T, Quote + 1, *It - Quote - 1);
+						Op->To = static_cast<std::uint32_t>(Paren + 1);
+						Op->Span = Op->TestSpan = Span(Begin, Paren + 1);
 					}
 				}
 			}
 		}
-		if (T[Test] == '@' && Test + 1 < N && T.find('/', Test) == std::string::npos)
+		FLodexStepOp* const Property =
+			T[Test] == '@' && Test + 1 < N && T.find('/', Test) == std::string::npos ? AddStep(Head, OutOps) : nullptr;
+		if (Property != nullptr)
 		{
-			FLodexStepOp Op = Head;
-			Op.Kind = ELodexStepKind::Property;
-			Op.Name = T.substr(Test + 1);
-			Op.To = static_cast<std::uint32_t>(N);
-			Op.Span = Op.TestSpan = Span(Begin, N);
-			OutOps.push_back(std::move(Op));
+			Property->Kind = ELodexStepKind::Property;
+			Property->Name.assign(T, Test + 1, std::string::npos);
+			Property->To = static_cast<std::uint32_t>(N);
+			Property->Span = Property->TestSpan = Span(Begin, N);
 		}
 	}
 
@@ -751,45 +782,46 @@ namespace LodestringProgramPrivate
 		std::vector<std::uint8_t> bViable(N, 0);
 		bViable.push_back(1); // the end of the text
 		Viable = &bViable;
-		// The steps of every boundary in one list, boundaries from the last to the first: (boundary, first step).
-		std::vector<FLodexStepOp> Collected;
-		std::vector<std::pair<std::size_t, std::size_t>> Groups;
+		// Counted first: a text whose readings pass the limits is given up before any step is made.
+		bCounting = true;
+		std::size_t Total = 0;
 		for (std::size_t Begin = N; Begin-- > 0;)
 		{
 			if (T[Begin] != '/')
 			{
 				continue;
 			}
-			// Only steps that end where the rest of the text reads are collected.
-			const std::size_t First = Collected.size();
-			CollectSteps(Begin, Collected);
+			Counted = 0;
+			CollectSteps(Begin, nullptr);
 			if (bOverBudget)
 			{
 				return false;
 			}
-			Groups.emplace_back(Begin, First);
-			bViable[Begin] = Collected.size() == First ? 0 : 1;
-			if (Collected.size() > LodestringLimits::MaxAlternativeSteps)
+			bViable[Begin] = Counted == 0 ? 0 : 1;
+			Total += Counted;
+			if (Total > LodestringLimits::MaxAlternativeSteps)
 			{
 				return false;
 			}
 		}
-		// Forwards from the start: keep the steps a reading can reach.
+		bCounting = false;
+		// Forwards from the start: make the steps a reading can reach (the same candidates as counted, since a
+		// boundary's viability depends only on the boundaries after it).
 		std::vector<std::uint8_t> bReached(N, 0);
 		bReached.push_back(0);
 		bReached[0] = 1;
-		OutOps.reserve(Collected.size());
-		for (std::size_t Group = Groups.size(); Group-- > 0;)
+		OutOps.reserve(Total);
+		for (std::size_t Begin = 0; Begin < N; ++Begin)
 		{
-			if (bReached[Groups[Group].first] == 0)
+			if (T[Begin] != '/' || bReached[Begin] == 0)
 			{
 				continue;
 			}
-			const std::size_t End = Group + 1 < Groups.size() ? Groups[Group + 1].second : Collected.size();
-			for (std::size_t Item = Groups[Group].second; Item < End; ++Item)
+			const std::size_t First = OutOps.size();
+			CollectSteps(Begin, &OutOps);
+			for (std::size_t Item = First; Item < OutOps.size(); ++Item)
 			{
-				bReached[Collected[Item].To] = 1;
-				OutOps.push_back(std::move(Collected[Item]));
+				bReached[OutOps[Item].To] = 1;
 			}
 		}
 		return true;
