@@ -275,3 +275,61 @@ namespace
 	}
 	BENCHMARK(BM_CompileFourSteps)->Unit(benchmark::kMicrosecond);
 }
+
+namespace
+{
+	/**
+	 * Long texts that read in many ways: "/a" repeated (every name may run on over the later "/", so the readings
+	 * grow with the square of the steps, past the limit from about 90 steps), and a predicate whose values hold
+	 * quotes and "or", so that it closes in many places.
+	 */
+	std::string RepeatedSteps(int Steps)
+	{
+		std::string Path;
+		for (int Step = 0; Step < Steps; ++Step)
+		{
+			Path += "/a";
+		}
+		return Path;
+	}
+
+	std::string QuotedPredicate(int Comparisons)
+	{
+		std::string Path = "/*[@name = 'x";
+		for (int Comparison = 0; Comparison < Comparisons; ++Comparison)
+		{
+			Path += "' or @name = 'x";
+		}
+		return Path + "']/a";
+	}
+
+	void BM_CompileRepeatedSteps(benchmark::State& State)
+	{
+		const std::string Path = RepeatedSteps(static_cast<int>(State.range(0)));
+		std::size_t Ops = 0;
+		for (auto _ : State)
+		{
+			FLodestringProgram Program;
+			FLodexPathError Error;
+			benchmark::DoNotOptimize(CompileLodestring(Path, Program, Error));
+			Ops = Program.GetOps().size();
+		}
+		State.counters["steps read"] = static_cast<double>(Ops);
+	}
+	BENCHMARK(BM_CompileRepeatedSteps)->Arg(20)->Arg(80)->Arg(160)->Unit(benchmark::kMicrosecond);
+
+	void BM_CompileQuotedPredicate(benchmark::State& State)
+	{
+		const std::string Path = QuotedPredicate(static_cast<int>(State.range(0)));
+		std::size_t Ops = 0;
+		for (auto _ : State)
+		{
+			FLodestringProgram Program;
+			FLodexPathError Error;
+			benchmark::DoNotOptimize(CompileLodestring(Path, Program, Error));
+			Ops = Program.GetOps().size();
+		}
+		State.counters["steps read"] = static_cast<double>(Ops);
+	}
+	BENCHMARK(BM_CompileQuotedPredicate)->Arg(8)->Arg(32)->Unit(benchmark::kMicrosecond);
+}
