@@ -849,16 +849,25 @@ bool CompileLodestring(const std::string& Text, FLodestringProgram& Out, FLodexP
 	// dropped the others.
 	if (bStandard)
 	{
+		// The readings found are ordered by where each step begins.
+		const std::size_t Found = All.size();
 		for (FLodexStepOp& StandardOp : Standard)
 		{
-			auto Same = std::find_if(All.begin(), All.end(),
-				[&](const FLodexStepOp& Op)
-				{
-					return Op.From == StandardOp.From && Op.To == StandardOp.To && Op.Axis == StandardOp.Axis &&
-						Op.Kind == StandardOp.Kind && Op.bAnyName == StandardOp.bAnyName &&
-						Op.Name == StandardOp.Name && (Op.Predicate != nullptr) == (StandardOp.Predicate != nullptr);
-				});
-			if (Same != All.end())
+			const auto FoundEnd = All.begin() + static_cast<std::ptrdiff_t>(Found);
+			auto Same = std::lower_bound(All.begin(), FoundEnd, StandardOp.From,
+				[](const FLodexStepOp& Op, std::uint32_t From) { return Op.From < From; });
+			while (Same != FoundEnd && Same->From == StandardOp.From &&
+				!(Same->To == StandardOp.To && Same->Axis == StandardOp.Axis && Same->Kind == StandardOp.Kind &&
+					Same->bAnyName == StandardOp.bAnyName && Same->Name == StandardOp.Name &&
+					(Same->Predicate != nullptr) == (StandardOp.Predicate != nullptr)))
+			{
+				++Same;
+			}
+			if (Same != FoundEnd && Same->From != StandardOp.From)
+			{
+				Same = FoundEnd; // none of the steps from there is the standard one
+			}
+			if (Same != FoundEnd)
 			{
 				Same->StandardStep = StandardOp.StandardStep;
 			}
@@ -880,31 +889,20 @@ bool CompileLodestring(const std::string& Text, FLodestringProgram& Out, FLodexP
 		OutError = StandardError;
 		return false;
 	}
-	// Ordered by where each step begins, the standard reading's first: sorted as indices, then moved once.
-	std::vector<std::uint32_t> Order(All.size());
-	for (std::uint32_t Index = 0; Index < Order.size(); ++Index)
+	// Ordered by where each step begins, the standard reading's first, then by where each ends; steps alike stay in
+	// the order they were found. Sorted as keys, then moved once.
+	std::vector<std::pair<std::uint64_t, std::uint64_t>> Order(All.size());
+	for (std::size_t Index = 0; Index < All.size(); ++Index)
 	{
-		Order[Index] = Index;
+		const FLodexStepOp& Op = All[Index];
+		Order[Index] = {(static_cast<std::uint64_t>(Op.From) << 1) | (Op.StandardStep != 0 ? 0u : 1u),
+			(static_cast<std::uint64_t>(Op.To) << 32) | Index};
 	}
-	std::sort(Order.begin(), Order.end(),
-		[&All](std::uint32_t Left, std::uint32_t Right)
-		{
-			const FLodexStepOp& A = All[Left];
-			const FLodexStepOp& B = All[Right];
-			if (A.From != B.From)
-			{
-				return A.From < B.From;
-			}
-			if ((A.StandardStep == 0) != (B.StandardStep == 0))
-			{
-				return A.StandardStep != 0;
-			}
-			return A.To != B.To ? A.To < B.To : Left < Right; // steps alike stay in the order they were found
-		});
+	std::sort(Order.begin(), Order.end());
 	Out.Ops.reserve(All.size());
-	for (const std::uint32_t Index : Order)
+	for (const auto& Key : Order)
 	{
-		Out.Ops.push_back(std::move(All[Index]));
+		Out.Ops.push_back(std::move(All[static_cast<std::uint32_t>(Key.second)]));
 	}
 	return true;
 }
