@@ -64,12 +64,14 @@ namespace
 		EXPECT_EQ(std::string(Other), "ab");
 	}
 
-	TEST(EvaluatorBridge, BlockTextsReadAsLatin1AndNullAsEmpty)
+	TEST(EvaluatorBridge, BlockTextsReadAsTheEngineReadsEightBitTextAndNullAsEmpty)
 	{
 		const char* Field = nullptr;
 		EXPECT_EQ(ReadEvaluatorText(Field), "");
+		Field = "T?r";
+		EXPECT_EQ(ReadEvaluatorText(Field), "T?r");
 		Field = "T\xFCr";
-		EXPECT_EQ(ReadEvaluatorText(Field), "T\xC3\xBCr");
+		EXPECT_EQ(ReadEvaluatorText(Field), "T\xEF\xBF\xBCr");
 	}
 
 	TEST(EvaluatorSide, TakesARequestOnlyFromAnIdleBlockAndPublishesTheStatusLast)

@@ -199,9 +199,14 @@ namespace
 			"  Duration:12.0 (ms)\n"
 			"  StateColor (1, 1, 1, 1)\n"))
 			<< Run.Out;
-		// Finished with an empty message: the icon off, the lists as they were.
+		// The press on Step Into takes the focus from the path box, which commits (Load again: the block is idle);
+		// then the click steps. Finished with an empty message: the icon off, the lists as they were.
 		EXPECT_TRUE(Contains(Run.Out,
 			"> into\n"
+			"  the path box loses focus and commits its text\n"
+			"  request: Load (4)\n"
+			"  evaluator took: Load (4)\n"
+			"  poll: Stepped (8)\n"
 			"  request: StepInto (5)\n"
 			"  evaluator took: StepInto (5)\n"
 			"  poll: Finished (5)\n"
@@ -234,9 +239,14 @@ namespace
 	{
 		const FLodexRun Run = Debug("type /none\nrun\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_TRUE(Contains(Run.Out, "> type /none\n  Lode String: /none\n")) << "typing sends nothing";
+		// Run's press commits the path box (a Load this evaluator has no answer for), then Run evaluates.
+		EXPECT_TRUE(Contains(Run.Out,
+			"> run\n  the path box loses focus and commits its text\n  request: Load (4)\n  evaluator took: Load "
+			"(4)\n  poll: Failed (9)\n  request: Run (1)\n  evaluator took: Run (1)\n  poll: Evaluated (3)\n"))
+			<< Run.Out;
 		EXPECT_TRUE(Contains(Run.Out, "message: 0 objects found\n")) << Run.Out;
 		EXPECT_TRUE(Contains(Run.Out, "  Stack\n  Context(0)\n  Duration:0.5 (ms)\n")) << Run.Out;
-		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 1) << "typing sends nothing";
 	}
 
 	TEST_F(EvaluationCli, DebuggerEmptyEnterResetsWithoutARequest)
@@ -259,19 +269,84 @@ namespace
 		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 1);
 	}
 
-	TEST_F(EvaluationCli, DebuggerResultWaitsWhileUnfocusedAndACommitMeanwhileSendsNothing)
+	TEST_F(EvaluationCli, ReplEnterIsOneRequestShownAtOnceAndLeavingTheBoxCommitsAgain)
 	{
-		const FLodexRun Run = Debug(":blur\n/p\ninto\n/p\n:focus\n");
+		const FLodexRun Run = Repl("/one\n:blur\n:focus\n/two\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		// The commit does not disable the buttons: Step Into is sent, and lost when the focused panel consumes
-		// the Load's answer (consuming clears the command).
-		EXPECT_TRUE(Contains(Run.Out, "> into\n  request: StepInto (5)\n  Lode String: /p\n")) << Run.Out;
-		EXPECT_TRUE(Contains(Run.Out, "> /p\n  no request: a result waits in the block (Stepped (8))\n")) << Run.Out;
+		EXPECT_EQ(Run.Out,
+			// Enter: one request; the box keeps the focus, so the next tick's poll shows the count.
+			"> /one\n"
+			"  request: Run (1)\n"
+			"  evaluator took: Run (1)\n"
+			"  poll: Evaluated (3)\n"
+			"  Lode String: /one\n"
+			"  count: 1\n"
+			"  StateColor (0, 0, 0, 0), HasError false, IsReady true\n"
+			// The focus goes to the game's viewport: the box commits its text again; the answer waits.
+			"> :blur\n"
+			"  the path box loses focus and commits its text\n"
+			"  request: Run (1)\n"
+			"  evaluator took: Run (1)\n"
+			"  Lode String: /one\n"
+			"  count: 1\n"
+			"  StateColor (0, 0, 0, 0), HasError false, IsReady true\n"
+			// A click on the panel: it polls again and shows the waiting answer, sending nothing.
+			"> :focus\n"
+			"  poll: Evaluated (3)\n"
+			"  Lode String: /one\n"
+			"  count: 1\n"
+			"  StateColor (0, 0, 0, 0), HasError false, IsReady true\n"
+			"> /two\n"
+			"  request: Run (1)\n"
+			"  evaluator took: Run (1)\n"
+			"  poll: Evaluated (3)\n"
+			"  Lode String: /two\n"
+			"  count: 2\n"
+			"  StateColor (235, 164, 52, 0), HasError false, IsReady true\n");
+	}
+
+	TEST_F(EvaluationCli, ReplAnswerThatArrivesWhileTheFocusIsElsewhereIsShownOnReturn)
+	{
+		// The evaluator is slow: the answer to Enter arrives after the user clicked into the game.
+		const FLodexRun Run = Repl(":hold\n/two\n:blur\n:release\n:focus\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_TRUE(Contains(Run.Out,
+			"> :blur\n  the path box loses focus and commits its text\n  request: Run (1)\n  Lode String: /two\n  "
+			"count: \n"))
+			<< Run.Out;
+		// The two writes of Run were one request to the evaluator; its answer waits until the panel has focus.
+		EXPECT_TRUE(Contains(Run.Out, "> :release\n  evaluator took: Run (1)\n  Lode String: /two\n  count: \n"))
+			<< Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "> :focus\n  poll: Evaluated (3)\n  Lode String: /two\n  count: 2\n")) << Run.Out;
+		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 1) << Run.Out;
+	}
+
+	TEST_F(EvaluationCli, DebuggerResultWaitsWhileTheFocusIsElsewhere)
+	{
+		const FLodexRun Run = Debug("/p\n:blur\n:focus\ninto\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		// Enter loads and the answer shows at once; leaving the box loads again (the block is idle), and that
+		// answer waits for the focus to come back.
+		EXPECT_EQ(CountOf(Run.Out, "  poll: Stepped (8)\n"), 2) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out,
+			"> :blur\n  the path box loses focus and commits its text\n  request: Load (4)\n  evaluator took: Load "
+			"(4)\n  Lode String: /p\n"))
+			<< Run.Out;
 		EXPECT_TRUE(Contains(Run.Out,
 			"> :focus\n  poll: Stepped (8)\n  Lode String: /p\n  Path Evaluation: "
 			"<VELT.Highlight>/p</>\n"))
 			<< Run.Out;
-		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 1);
+		// The focus is on the panel now, not in the box: Step Into is one request.
+		EXPECT_TRUE(Contains(Run.Out, "> into\n  request: StepInto (5)\n  evaluator took: StepInto (5)\n")) << Run.Out;
+		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 3) << Run.Out;
+	}
+
+	TEST_F(EvaluationCli, DebuggerCommitWhileAnAnswerIsPendingSendsNothing)
+	{
+		// An evaluator that accepts and never finishes: the status stays 1, so Enter sends nothing.
+		const FLodexRun Run = Debug("type /stuck\nrun\n:focus\n/p\n");
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_TRUE(Contains(Run.Out, "> /p\n  no request: a result waits in the block (Accepted (1))\n")) << Run.Out;
 	}
 
 	TEST_F(EvaluationCli, DebuggerStepIntoTwiceWhileHeld)

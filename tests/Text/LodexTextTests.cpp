@@ -151,9 +151,62 @@ TEST(LodexTextAnsi, UnitsAboveAsciiBecomeQuestionMarks)
 	EXPECT_EQ(ToAnsi("a\xC3"), "a?");
 	EXPECT_EQ(ToAnsi("\xED\xA0\x80"), "???");
 
+}
+
+TEST(LodexTextAnsi, EightBitTextReadsAsTheEngineWidensItsSignedCharacters)
+{
 	EXPECT_EQ(FromAnsi(nullptr), "");
+	EXPECT_EQ(FromAnsi(""), "");
 	EXPECT_EQ(FromAnsi("T?r"), "T?r");
-	EXPECT_EQ(FromAnsi("\xE9"), "\xC3\xA9");
+	// 0xFC is not 'ü' (U+00FC) but U+FFFC: the engine casts a signed char to its 16-bit character.
+	EXPECT_EQ(FromAnsi("T\xFCr"), "T\xEF\xBF\xBCr");
+
+	// Every byte above ASCII, alone and between ASCII text, against the engine's own widening of an 8-bit
+	// character (a signed char cast to a 16-bit unit), through the wide text the editor shows.
+	for (int Byte = 0x80; Byte <= 0xFF; ++Byte)
+	{
+		SCOPED_TRACE(Byte);
+		const char Ansi[] = {'a', static_cast<char>(Byte), 'z', '\0'};
+		const char16_t EngineUnit = static_cast<char16_t>(static_cast<signed char>(Byte));
+		const std::string Utf8 = FromAnsi(Ansi);
+		EXPECT_TRUE(IsUtf8(Utf8));
+		EXPECT_EQ(Utf8ToUtf16(Utf8), (std::u16string{u'a', EngineUnit, u'z'}));
+		EXPECT_EQ(Utf8.size(), 5u);
+	}
+	// A long run (the ASCII fast path and the bytes above it interleaved) keeps its order.
+	std::string Long;
+	std::u16string LongUnits;
+	for (int Byte = 1; Byte <= 0xFF; ++Byte)
+	{
+		Long.push_back(static_cast<char>(Byte));
+		LongUnits.push_back(static_cast<char16_t>(static_cast<signed char>(Byte)));
+	}
+	EXPECT_EQ(Utf8ToUtf16(FromAnsi(Long.c_str())), LongUnits);
+}
+
+TEST(LodexTextUtf16, EditorWideTextKeepsEveryCharacterAndMarksBadBytes)
+{
+	const struct
+	{
+		const char* Utf8;
+		std::u16string Units;
+	} Cases[] = {
+		{"", u""},
+		{"//Door", u"//Door"},
+		{"T\xC3\xBCr", u"T\u00FCr"},
+		{"\xE7\x94\xA8\xE6\x88\xB7", u"\u7528\u6237"},
+		{"a\xF0\x9F\x98\x80z", u"a\xD83D\xDE00z"},
+		{"\xEF\xBF\xBE\xEF\xBF\xBF", u"\xFFFE\xFFFF"},
+		// Each byte that begins no well-formed sequence is one '?'; the text after it is read on.
+		{"a\xFFz", u"a?z"},
+		{"a\xC3", u"a?"},
+		{"\xED\xA0\x80", u"???"},
+		{"\xC0\xAFx", u"??x"},
+	};
+	for (const auto& Case : Cases)
+	{
+		EXPECT_EQ(Utf8ToUtf16(Case.Utf8), Case.Units) << Case.Utf8;
+	}
 }
 
 TEST(LodexTextHex, DigitsOfEitherCaseAndNothingAroundThem)

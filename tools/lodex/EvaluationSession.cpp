@@ -12,6 +12,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <functional>
 #include <sstream>
 
 namespace
@@ -67,20 +68,44 @@ namespace
 		}
 	}
 
+	/**
+	 * Where the user's keyboard focus is, as the editor moves it. The path boxes keep their focus when Enter
+	 * commits them, and commit again whenever the focus leaves them (a click on a button, on the game's
+	 * viewport, on another tab): the editor's text boxes do so, and every commit is a request.
+	 */
+	enum class ESessionFocus
+	{
+		/** The path box: the panel has a focused descendant and polls. */
+		PathBox,
+		/** The panel itself or one of its buttons: it polls. */
+		Panel,
+		/** Elsewhere in the editor: the panel does not poll and results wait in the block. */
+		Outside,
+	};
+
+	/**
+	 * Moves the focus to a place; when it leaves the path box, the box commits first and the evaluator answers
+	 * before the session goes on (a click's press and release are separate events, the ticks between them poll).
+	 */
+	using FSessionFocusMover = std::function<void(ESessionFocus To)>;
+
 	/** One of the two panels as a session drives it. */
 	class ISessionPanel
 	{
 	public:
 		virtual ~ISessionPanel() = default;
-		/** Acts on one line that is not a session directive. */
-		virtual void HandleLine(const std::string& Line, std::ostream& Out) = 0;
+		/** Acts on one line that is not a session directive, moving the focus as the user's clicks would. */
+		virtual void HandleLine(const std::string& Line, std::ostream& Out, const FSessionFocusMover& MoveFocus) = 0;
+		/** The path box loses focus: the commit of the text it holds. */
+		virtual void CommitPathBox(std::ostream& Out) = 0;
 		virtual std::int32_t Poll() = 0;
 		virtual void PrintState(std::ostream& Out) const = 0;
 		virtual const char* GetHelp() const = 0;
 	};
 
-	const char* const SessionDirectivesHelp = "  :focus    the panel has focus again and polls (it has at the start)\n"
-											  "  :blur     the panel loses focus: no polls, results wait in the block\n"
+	const char* const SessionDirectivesHelp = "  :focus    a click on the panel: it has focus again and polls (it has at the start)\n"
+											  "  :blur     the focus leaves the panel (the path box commits first if it has it):\n"
+											  "            no polls, results wait in the block\n"
 											  "  :hold     the evaluator takes no request until :release\n"
 											  "  :release  the evaluator takes requests again\n"
 											  "  :help     this text\n";
@@ -93,10 +118,16 @@ namespace
 		{
 		}
 
-		void HandleLine(const std::string& Line, std::ostream& Out) override
+		void HandleLine(const std::string& Line, std::ostream& Out, const FSessionFocusMover& MoveFocus) override
 		{
+			MoveFocus(ESessionFocus::PathBox);
 			Panel.OnPathTextChanged(Line);
 			PrintSessionRequest(Panel.OnPathTextCommitted(Line), "cleared", Out);
+		}
+
+		void CommitPathBox(std::ostream& Out) override
+		{
+			PrintSessionRequest(Panel.OnPathTextCommitted(Panel.GetPathText()), "cleared", Out);
 		}
 
 		std::int32_t Poll() override { return Panel.PollEvaluator(); }
@@ -111,7 +142,8 @@ namespace
 
 		const char* GetHelp() const override
 		{
-			return "Each line is a Lodestring committed in the REPL's path box (an empty line clears it).\n";
+			return "Each line is a Lodestring typed in the REPL's path box and committed with Enter (an empty line\n"
+				   "clears it); the box keeps the focus, so the panel shows the answer at once.\n";
 		}
 
 	private:
@@ -126,7 +158,7 @@ namespace
 		{
 		}
 
-		void HandleLine(const std::string& Line, std::ostream& Out) override
+		void HandleLine(const std::string& Line, std::ostream& Out, const FSessionFocusMover& MoveFocus) override
 		{
 			struct FButton
 			{
@@ -151,6 +183,13 @@ namespace
 					Out << "  \"" << Button.Label << "\" is disabled: the panel waits for the evaluator\n";
 					return;
 				}
+				// The press gives the button the focus; the click comes with the release.
+				MoveFocus(ESessionFocus::Panel);
+				if (!Panel.AreButtonsEnabled())
+				{
+					Out << "  \"" << Button.Label << "\" is disabled now: the panel waits for the evaluator\n";
+					return;
+				}
 				if (Button.Click == nullptr)
 				{
 					Panel.OnResetClicked();
@@ -160,6 +199,7 @@ namespace
 				PrintSessionRequest((Panel.*Button.Click)(), "reset", Out);
 				return;
 			}
+			MoveFocus(ESessionFocus::PathBox);
 			if (Line == "type" || Line.rfind("type ", 0) == 0)
 			{
 				Panel.OnPathTextChanged(Line.size() > 5 ? Line.substr(5) : std::string());
@@ -168,6 +208,11 @@ namespace
 			const std::string Path = Line.rfind("load ", 0) == 0 ? Line.substr(5) : (Line == "load" ? "" : Line);
 			Panel.OnPathTextChanged(Path);
 			PrintSessionRequest(Panel.OnPathTextCommitted(Path), "reset", Out);
+		}
+
+		void CommitPathBox(std::ostream& Out) override
+		{
+			PrintSessionRequest(Panel.OnPathTextCommitted(Panel.GetPathText()), "reset", Out);
 		}
 
 		std::int32_t Poll() override { return Panel.PollEvaluator(); }
@@ -206,7 +251,9 @@ namespace
 				   "  run, into, over, reset   press Run, Step Into, Step Over, Reset\n"
 				   "  type TEXT                the path box now holds TEXT (no commit)\n"
 				   "  load TEXT                TEXT committed in the path box (Enter)\n"
-				   "  any other line           committed in the path box (an empty line resets)\n";
+				   "  any other line           committed in the path box (an empty line resets)\n"
+				   "Enter leaves the focus in the path box; pressing a button moves it to the button, and the\n"
+				   "box commits its text first (a Load, when no result waits in the block).\n";
 		}
 
 	private:
@@ -218,7 +265,7 @@ namespace
 		ISessionPanel& Panel, ILodexEvaluator& Evaluator, FLodexHeadlessEvaluatorHost& Host, FLodexSessionIo& Io)
 	{
 		FLodexEvaluatorRunner Runner(Evaluator, Host.GetEvaluatorBlock());
-		bool bFocused = true;
+		ESessionFocus Focus = ESessionFocus::Panel;
 		bool bRefusedLine = false;
 		int LineNumber = 0;
 
@@ -241,7 +288,7 @@ namespace
 					return;
 				}
 				PrintTaken();
-				if (!bFocused)
+				if (Focus == ESessionFocus::Outside)
 				{
 					return;
 				}
@@ -261,6 +308,27 @@ namespace
 				}
 			}
 		};
+
+		// Returns whether the path box committed on the way.
+		const auto MoveFocusTo = [&](ESessionFocus To)
+		{
+			const ESessionFocus From = Focus;
+			Focus = To;
+			if (From == ESessionFocus::PathBox && To != ESessionFocus::PathBox)
+			{
+				Io.Out << "  the path box loses focus and commits its text\n";
+				Panel.CommitPathBox(Io.Out);
+				Settle();
+				return true;
+			}
+			if (From == ESessionFocus::Outside && To != ESessionFocus::Outside)
+			{
+				// The panel polls on the ticks between the click that focuses it and what the user does next.
+				Settle();
+			}
+			return false;
+		};
+		const FSessionFocusMover MoveFocus = [&MoveFocusTo](ESessionFocus To) { MoveFocusTo(To); };
 
 		if (!Io.bEcho)
 		{
@@ -283,12 +351,14 @@ namespace
 			{
 				if (Line == ":focus")
 				{
-					bFocused = true;
+					if (Focus == ESessionFocus::Outside)
+					{
+						MoveFocusTo(ESessionFocus::Panel);
+					}
 				}
 				else if (Line == ":blur")
 				{
-					bFocused = false;
-					bPrintState = false;
+					bPrintState = MoveFocusTo(ESessionFocus::Outside);
 				}
 				else if (Line == ":hold")
 				{
@@ -319,7 +389,7 @@ namespace
 			}
 			else
 			{
-				Panel.HandleLine(Line, Io.Out);
+				Panel.HandleLine(Line, Io.Out, MoveFocus);
 			}
 			if (bPrintState)
 			{

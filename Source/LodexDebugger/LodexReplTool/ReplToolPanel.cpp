@@ -37,7 +37,9 @@ void ReplToolPanel::Construct(const FArguments& InArgs)
 			+ SHorizontalBox::Slot()
 			.FillWidth(LodexReplLayout::PathBoxFillWidth)
 			[
-				SNew(SEditableTextBox)
+				SAssignNew(PathBox, SEditableTextBox)
+				// Enter leaves the focus in the box: one commit, and the focused panel polls for the answer.
+				.ClearKeyboardFocusOnCommit(false)
 				.OnTextChanged(this, &ReplToolPanel::HandlePathTextChanged)
 				.OnTextCommitted(this, &ReplToolPanel::HandlePathTextCommitted)
 			]

@@ -9,6 +9,7 @@
 #include "LodexEvaluatorHost.h"
 
 class ExampleTabToolBase;
+class SEditableTextBox;
 class STextBlock;
 
 /** The Lodex REPL tab's content: counts the objects a typed Lodestring finds in the running game. */
@@ -26,7 +27,14 @@ public:
 
 	//~ Begin SWidget Interface
 	virtual void Tick(const FGeometry& AllottedGeometry, const double InCurrentTime, const float InDeltaTime) override;
+	/** A click anywhere in the panel gives it the focus, so that it polls and shows an answer that waited. */
+	virtual bool SupportsKeyboardFocus() const override { return true; }
 	//~ End SWidget Interface
+
+	/** The path box (for the editor's automation tests, which type into it). */
+	TSharedPtr<SEditableTextBox> GetPathBox() const { return PathBox; }
+	/** The panel's state and the requests it made. */
+	const FLodexReplPanel& GetModel() const { return Model; }
 
 	/** A commit of the current path, marking the panel busy first; no control is bound to it. */
 	FReply Run();
@@ -40,6 +48,7 @@ protected:
 	TWeakPtr<ExampleTabToolBase> Tool;
 	FLodexEngineEvaluatorHost Host;
 	FLodexReplPanel Model;
+	TSharedPtr<SEditableTextBox> PathBox;
 	TSharedPtr<STextBlock> CountText;
 	uint64 ShownCountRevision = 0;
 };

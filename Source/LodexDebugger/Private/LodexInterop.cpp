@@ -11,6 +11,8 @@
 #include "UObject/Class.h"
 #include "UObject/UnrealType.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 namespace LodexInterop
 {
 	std::string ToUtf8(const FString& Text)
@@ -21,8 +23,16 @@ namespace LodexInterop
 
 	FString FromUtf8(const std::string& Text)
 	{
-		const FUTF8ToTCHAR Converted(Text.data(), static_cast<int32>(Text.size()));
-		return FString(Converted.Length(), Converted.Get());
+		// The core's reader, not FUTF8ToTCHAR: that one turns U+FFFE and U+FFFF into '?', and the evaluator's
+		// 8-bit bytes 0xFE and 0xFF read as exactly those characters (LodexText::FromAnsi).
+		const std::u16string Units = LodexText::Utf8ToUtf16(Text);
+		FString Result;
+		Result.Reserve(static_cast<int32>(Units.size()));
+		for (const char16_t Unit : Units)
+		{
+			Result.AppendChar(static_cast<TCHAR>(Unit));
+		}
+		return Result;
 	}
 
 	FString FromUtf8(const char* Text)

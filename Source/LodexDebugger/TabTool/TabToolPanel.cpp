@@ -70,6 +70,8 @@ void TabToolPanel::Construct(const FArguments& InArgs)
 			.FillWidth(ValueFillWidth)
 			[
 				SAssignNew(PathBox, SEditableTextBox)
+				// Enter leaves the focus in the box: one commit, and the focused panel polls for the answer.
+				.ClearKeyboardFocusOnCommit(false)
 				.OnTextChanged(this, &TabToolPanel::HandlePathTextChanged)
 				.OnTextCommitted(this, &TabToolPanel::HandlePathTextCommitted)
 			]

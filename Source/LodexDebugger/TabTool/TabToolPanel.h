@@ -32,7 +32,14 @@ public:
 
 	//~ Begin SWidget Interface
 	virtual void Tick(const FGeometry& AllottedGeometry, const double InCurrentTime, const float InDeltaTime) override;
+	/** A click anywhere in the panel gives it the focus, so that it polls and shows an answer that waited. */
+	virtual bool SupportsKeyboardFocus() const override { return true; }
 	//~ End SWidget Interface
+
+	/** The path box (for the editor's automation tests, which type into it). */
+	TSharedPtr<SEditableTextBox> GetPathBox() const { return PathBox; }
+	/** The panel's state and the requests it made. */
+	const FLodexDebuggerPanel& GetModel() const { return Model; }
 
 	/** The first highlighted segment of a marked-up path; no control calls it. */
 	static FString ExtractHighlight(const FString& MarkedUpPath);

@@ -23,5 +23,6 @@ FLodexRequest FLodexEvaluatorPanel::SendPath(EEvaluatorCommand Command, bool bWa
 		return {ELodexRequestOutcome::EvaluatorUnavailable, EEvaluatorCommand::None, 0};
 	}
 	LodexBlock::StoreCommand(Block, static_cast<std::int32_t>(Command));
+	++RequestsSent;
 	return {ELodexRequestOutcome::Sent, Command, 0};
 }

@@ -48,6 +48,8 @@ public:
 	/** How many times `StateColor` was set since construction. */
 	int GetStateColorChanges() const { return StateColorChanges; }
 	bool HasError() const { return bHasError; }
+	/** How many requests the panel wrote to `command` since construction: one per Enter, per button, per focus loss. */
+	int GetRequestsSent() const { return RequestsSent; }
 
 protected:
 	FLodexEvaluatorPanel(ILodexEvaluatorHost& InHost, const FLodexColor& InStateColor);
@@ -72,6 +74,7 @@ protected:
 	std::string PathText;
 	FLodexColor StateColor;
 	int StateColorChanges = 0;
+	int RequestsSent = 0;
 	bool bHasError = false;
 	/** No request is waiting for the evaluator: the REPL is ready, the debugger's buttons are enabled. */
 	bool bIsIdle = true;

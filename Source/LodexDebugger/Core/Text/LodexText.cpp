@@ -330,6 +330,36 @@ namespace LodexText
 		return Result;
 	}
 
+	std::u16string Utf8ToUtf16(const std::string& Utf8)
+	{
+		std::u16string Result;
+		Result.reserve(Utf8.size());
+		std::size_t Index = 0;
+		while (Index < Utf8.size())
+		{
+			std::uint32_t CodePoint = 0;
+			const std::size_t Length = Utf8SequenceLength(Utf8, Index, CodePoint);
+			if (Length == 0)
+			{
+				Result.push_back(u'?');
+				++Index;
+				continue;
+			}
+			if (CodePoint >= 0x10000)
+			{
+				const std::uint32_t Offset = CodePoint - 0x10000;
+				Result.push_back(static_cast<char16_t>(0xD800 | (Offset >> 10)));
+				Result.push_back(static_cast<char16_t>(0xDC00 | (Offset & 0x3FF)));
+			}
+			else
+			{
+				Result.push_back(static_cast<char16_t>(CodePoint));
+			}
+			Index += Length;
+		}
+		return Result;
+	}
+
 	std::string FromAnsi(const char* Text)
 	{
 		std::string Result;
@@ -342,7 +372,7 @@ namespace LodexText
 		const char* const End = Text + Length;
 		while (Text != End)
 		{
-			// Runs of ASCII are copied whole; each byte above becomes two.
+			// Runs of ASCII are copied whole; each byte above becomes three.
 			const char* Run = Text;
 			while (Run != End && static_cast<unsigned char>(*Run) < 0x80)
 			{
@@ -352,9 +382,12 @@ namespace LodexText
 			Text = Run;
 			if (Text != End)
 			{
-				const unsigned char Byte = static_cast<unsigned char>(*Text++);
-				Result.push_back(static_cast<char>(0xC0 | (Byte >> 6)));
-				Result.push_back(static_cast<char>(0x80 | (Byte & 0x3F)));
+				// The engine widens a signed 8-bit character: byte B becomes the 16-bit unit 0xFF00 + B
+				// (0xFC gives U+FFFC, not U+00FC), three bytes in UTF-8.
+				const std::uint32_t Unit = 0xFF00u | static_cast<unsigned char>(*Text++);
+				Result.push_back(static_cast<char>(0xE0 | (Unit >> 12)));
+				Result.push_back(static_cast<char>(0x80 | ((Unit >> 6) & 0x3F)));
+				Result.push_back(static_cast<char>(0x80 | (Unit & 0x3F)));
 			}
 		}
 		return Result;

@@ -74,10 +74,20 @@ namespace LodexText
 	std::string ToAnsi(const std::string& Utf8);
 
 	/**
-	 * 8-bit text from a foreign buffer turned into UTF-8: bytes up to 0x7F as they are, each byte above
-	 * as the Latin-1 character of that value. A null pointer reads as the empty text.
+	 * 8-bit text from a foreign buffer turned into UTF-8 as the engine's FString constructor from 8-bit
+	 * text reads it: bytes up to 0x7F as they are; the engine's 8-bit character is signed and is widened
+	 * with its sign, so each byte B above 0x7F becomes the character U+FF00 + B (0xFC gives U+FFFC, not
+	 * 'ü'). A null pointer reads as the empty text.
 	 */
 	std::string FromAnsi(const char* Text);
+
+	/**
+	 * UTF-8 text as UTF-16 code units, the editor's wide characters: a character outside the Basic
+	 * Multilingual Plane as a surrogate pair, every character of the plane as it is (U+FFFE and U+FFFF
+	 * included, which the engine's own UTF-8 reader would turn into '?'), and each byte that begins no
+	 * well-formed sequence as one '?', as the engine's reader gives it.
+	 */
+	std::u16string Utf8ToUtf16(const std::string& Utf8);
 
 	/** The value of a hexadecimal digit (0-9, a-f, A-F), or -1 for any other character. */
 	int HexDigitValue(char Char);
