@@ -150,7 +150,6 @@ TEST(LodexTextAnsi, UnitsAboveAsciiBecomeQuestionMarks)
 	EXPECT_EQ(ToAnsi("a\xFFz"), "a?z");
 	EXPECT_EQ(ToAnsi("a\xC3"), "a?");
 	EXPECT_EQ(ToAnsi("\xED\xA0\x80"), "???");
-
 }
 
 TEST(LodexTextAnsi, EightBitTextReadsAsTheEngineWidensItsSignedCharacters)

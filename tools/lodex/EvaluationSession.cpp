@@ -103,12 +103,13 @@ namespace
 		virtual const char* GetHelp() const = 0;
 	};
 
-	const char* const SessionDirectivesHelp = "  :focus    a click on the panel: it has focus again and polls (it has at the start)\n"
-											  "  :blur     the focus leaves the panel (the path box commits first if it has it):\n"
-											  "            no polls, results wait in the block\n"
-											  "  :hold     the evaluator takes no request until :release\n"
-											  "  :release  the evaluator takes requests again\n"
-											  "  :help     this text\n";
+	const char* const SessionDirectivesHelp =
+		"  :focus    a click on the panel: it has focus again and polls (it has at the start)\n"
+		"  :blur     the focus leaves the panel (the path box commits first if it has it):\n"
+		"            no polls, results wait in the block\n"
+		"  :hold     the evaluator takes no request until :release\n"
+		"  :release  the evaluator takes requests again\n"
+		"  :help     this text\n";
 
 	class FSessionReplPanel final : public ISessionPanel
 	{
@@ -328,7 +329,10 @@ namespace
 			}
 			return false;
 		};
-		const FSessionFocusMover MoveFocus = [&MoveFocusTo](ESessionFocus To) { MoveFocusTo(To); };
+		const FSessionFocusMover MoveFocus = [&MoveFocusTo](ESessionFocus To)
+		{
+			MoveFocusTo(To);
+		};
 
 		if (!Io.bEcho)
 		{

@@ -64,6 +64,9 @@ protected:
 	TWeakPtr<ExampleTabToolBase> Tool;
 
 private:
+	/** The editor's automation test changes the selection and looks at the explored object. */
+	friend class FLodexExplorerSelectionTest;
+
 	using FItem = TSharedPtr<FString>;
 
 	/** One list as the list view sees it: a shared string per listed name, and the items shown. */

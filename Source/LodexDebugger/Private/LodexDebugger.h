@@ -48,6 +48,8 @@ protected:
 
 private:
 	friend class FLodexShellHost;
+	/** The editor's automation test of start-up and shut-down looks at what the module registered. */
+	friend class FLodexModuleLifecycleTest;
 
 	/** The listener created for the shell's list entry, or null. */
 	TSharedPtr<IModuleListenerInterface> FindModuleListener(ELodexListener Listener) const;

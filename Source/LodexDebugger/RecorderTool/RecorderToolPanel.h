@@ -47,6 +47,9 @@ protected:
 	TWeakPtr<ExampleTabToolBase> Tool;
 
 private:
+	/** The editor's automation test presses Record and looks at the input processor. */
+	friend class FLodexRecorderProcessorTest;
+
 	TSharedRef<SWidget> MakeIconButton(
 		TAttribute<const FSlateBrush*> Brush, TAttribute<FText> ToolTip, FOnClicked OnClicked) const;
 

@@ -86,7 +86,8 @@ bool IsLodexGameRunning(const ILodexEvaluatorHost& Host);
  */
 bool WriteLodestringToEvaluator(ILodexEvaluatorHost& Host, const std::string& PathText);
 
-/** A text field of the block as UTF-8, read as the engine reads 8-bit text (`LodexText::FromAnsi`); null reads as "". */
+/** A text field of the block as UTF-8, read as the engine reads 8-bit text (`LodexText::FromAnsi`); null reads as "".
+ */
 std::string ReadEvaluatorText(const char* const& Field);
 
 /** What became of a request a panel was asked to make. */
