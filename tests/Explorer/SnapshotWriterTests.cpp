@@ -147,21 +147,21 @@ namespace
 
 	TEST(SnapshotExport, StartAddsTheEntryThenTheCommandAndStopRemovesTheCommand)
 	{
-		class FHost final : public ILodexSnapshotExportHost
+		class FHost final : public ILodexPullDownCommandHost
 		{
 		public:
-			void AddPullDownEntry(const FLodexSnapshotExportInfo& Export) override
+			void AddPullDownEntry(const FLodexPullDownCommandInfo& Command) override
 			{
-				Calls.push_back(std::string("entry ") + Export.MenuLabel + " " +
-					GetLodexExtensionPositionName(Export.MenuPosition) + " " + Export.MenuHook);
+				Calls.push_back(std::string("entry ") + Command.MenuLabel + " " +
+					GetLodexExtensionPositionName(Command.MenuPosition) + " " + Command.MenuHook);
 			}
-			void RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override
+			void RegisterConsoleCommand(const FLodexPullDownCommandInfo& Command) override
 			{
-				Calls.push_back(std::string("register ") + Export.ConsoleCommand);
+				Calls.push_back(std::string("register ") + Command.ConsoleCommand);
 			}
-			void UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override
+			void UnregisterConsoleCommand(const FLodexPullDownCommandInfo& Command) override
 			{
-				Calls.push_back(std::string("unregister ") + Export.ConsoleCommand);
+				Calls.push_back(std::string("unregister ") + Command.ConsoleCommand);
 			}
 			std::vector<std::string> Calls;
 		};

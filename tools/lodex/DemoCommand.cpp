@@ -12,6 +12,7 @@
 #include "TextTable.h"
 #include "TextTree.h"
 
+#include "LodexDebugger/Core/Evaluation/LodexBestCopy.h"
 #include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Evaluation/LodestringProgram.h"
 #include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
@@ -186,9 +187,17 @@ namespace
 	void AddConsoleCommands(const FEditorModel& Editor, FTextTreeNode& Root)
 	{
 		FTextTreeNode& Commands = Root.Add("Console commands");
-		for (const std::string& Command : Editor.GetConsoleCommands())
+		for (const std::string& Name : Editor.GetConsoleCommands())
 		{
-			Commands.Add(Command + " [FILE] (" + GetLodexSnapshotExport().ConsoleHelp + ")");
+			for (const FLodexPullDownCommandInfo* Command :
+				{&GetLodexSnapshotExport().Command, &GetLodexBestCopyCommand()})
+			{
+				if (Name == Command->ConsoleCommand)
+				{
+					const bool bTakesFile = Command->Command == ELodexPullDownCommand::ExportSnapshot;
+					Commands.Add(Name + (bTakesFile ? " [FILE]" : "") + " (" + Command->ConsoleHelp + ")");
+				}
+			}
 		}
 	}
 

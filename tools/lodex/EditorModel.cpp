@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "EditorModel.h"
 
+#include "LodexDebugger/Core/Evaluation/LodexBestCopy.h"
+
 #include <algorithm>
 
 FEditorModelTabTool::FEditorModelTabTool(FEditorModel& InEditor, const FLodexTabInfo& InTab)
@@ -90,6 +92,7 @@ void FEditorModel::StartListener(const FLodexListenerInfo& Listener)
 			if (Listener.Listener == ELodexListener::DetailsTool)
 			{
 				LodexSnapshot::StartExport(*this);
+				StartLodexPullDownCommand(*this, GetLodexBestCopyCommand());
 			}
 		}
 		else
@@ -111,6 +114,7 @@ void FEditorModel::StopListener(const FLodexListenerInfo& Listener)
 		{
 			if (Listener.Listener == ELodexListener::DetailsTool)
 			{
+				StopLodexPullDownCommand(*this, GetLodexBestCopyCommand());
 				LodexSnapshot::StopExport(*this);
 			}
 			StopLodexTabTool(*TabTool);
@@ -204,24 +208,24 @@ std::vector<FLodexMenuItem> FEditorModel::OpenPullDown() const
 	return BuildLodexPullDownModel(MenuExtender, TabSpawners);
 }
 
-void FEditorModel::AddPullDownEntry(const FLodexSnapshotExportInfo& Export)
+void FEditorModel::AddPullDownEntry(const FLodexPullDownCommandInfo& Command)
 {
 	// Added through the module's AddMenuExtension, which adds only when its extender exists.
 	if (bHasMenuExtender)
 	{
 		MenuExtender.AddMenuEntry(
-			Export.MenuHook, Export.MenuPosition, Export.MenuLabel, Export.MenuToolTip, Export.ConsoleCommand);
+			Command.MenuHook, Command.MenuPosition, Command.MenuLabel, Command.MenuToolTip, Command.ConsoleCommand);
 	}
 }
 
-void FEditorModel::RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
+void FEditorModel::RegisterConsoleCommand(const FLodexPullDownCommandInfo& Command)
 {
-	ConsoleCommands.push_back(Export.ConsoleCommand);
+	ConsoleCommands.push_back(Command.ConsoleCommand);
 }
 
-void FEditorModel::UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
+void FEditorModel::UnregisterConsoleCommand(const FLodexPullDownCommandInfo& Command)
 {
 	ConsoleCommands.erase(
-		std::remove(ConsoleCommands.begin(), ConsoleCommands.end(), std::string(Export.ConsoleCommand)),
+		std::remove(ConsoleCommands.begin(), ConsoleCommands.end(), std::string(Command.ConsoleCommand)),
 		ConsoleCommands.end());
 }

@@ -43,7 +43,7 @@ private:
 class FEditorModel final
 	: public ILodexShellHost
 	, public IMenuToolHost
-	, public ILodexSnapshotExportHost
+	, public ILodexPullDownCommandHost
 {
 public:
 	explicit FEditorModel(bool bInCommandlet = false);
@@ -81,11 +81,11 @@ public:
 	void UnregisterCommandSet(const FLodexCommandSetInfo& Set) override;
 	//~ End IMenuToolHost Interface
 
-	//~ Begin ILodexSnapshotExportHost Interface
-	void AddPullDownEntry(const FLodexSnapshotExportInfo& Export) override;
-	void RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override;
-	void UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override;
-	//~ End ILodexSnapshotExportHost Interface
+	//~ Begin ILodexPullDownCommandHost Interface
+	void AddPullDownEntry(const FLodexPullDownCommandInfo& Command) override;
+	void RegisterConsoleCommand(const FLodexPullDownCommandInfo& Command) override;
+	void UnregisterConsoleCommand(const FLodexPullDownCommandInfo& Command) override;
+	//~ End ILodexPullDownCommandHost Interface
 
 	/** The pull-downs added to the main menu bar (at most one: the module's). */
 	const std::vector<const FLodexPullDownInfo*>& GetMenuBarPullDowns() const { return MenuBarPullDowns; }

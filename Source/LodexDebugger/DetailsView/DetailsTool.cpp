@@ -7,7 +7,10 @@
 #include "Framework/MultiBox/MultiBoxBuilder.h"
 #include "HAL/IConsoleManager.h"
 #include "LodexDebugger.h"
+#include "LodexDebugger/Core/Evaluation/LodexBestCopy.h"
+#include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
 #include "LodexInterop.h"
+#include "LodexWorldEvaluation.h"
 #include "SnapshotExporter.h"
 #include "Textures/SlateIcon.h"
 #include "Widgets/Docking/SDockTab.h"
@@ -17,10 +20,12 @@ void DetailsTool::OnStartupModule()
 	ExampleTabToolBase::OnStartupModule();
 	AddMenuEntryFromTabTable(ELodexListener::DetailsTool);
 	LodexSnapshot::StartExport(*this);
+	StartLodexPullDownCommand(*this, GetLodexBestCopyCommand());
 }
 
 void DetailsTool::OnShutdownModule()
 {
+	StopLodexPullDownCommand(*this, GetLodexBestCopyCommand());
 	LodexSnapshot::StopExport(*this);
 	// The panels register the "DetailToolA" commands; they live until the module goes.
 	if (FDetailToolCommands::IsRegistered())
@@ -40,31 +45,58 @@ TSharedRef<SDockTab> DetailsTool::SpawnTab(const FSpawnTabArgs& TabSpawnArgs)
 	return SNew(SDockTab).TabRole(ETabRole::NomadTab)[SNew(DetailsToolPanel).Tool(SharedThis(this))];
 }
 
-void DetailsTool::AddPullDownEntry(const FLodexSnapshotExportInfo& Export)
+void DetailsTool::AddPullDownEntry(const FLodexPullDownCommandInfo& Command)
 {
 	FLodexDebugger::Get().AddMenuExtension(
-		FMenuExtensionDelegate::CreateSP(this, &DetailsTool::MakeExportMenuEntry, &Export),
-		LodexInterop::ToName(Export.MenuHook), nullptr, LodexInterop::ToExtensionHookPosition(Export.MenuPosition));
+		FMenuExtensionDelegate::CreateSP(this, &DetailsTool::MakePullDownEntry, &Command),
+		LodexInterop::ToName(Command.MenuHook), nullptr, LodexInterop::ToExtensionHookPosition(Command.MenuPosition));
 }
 
-void DetailsTool::RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
+void DetailsTool::RegisterConsoleCommand(const FLodexPullDownCommandInfo& Command)
 {
-	ExportCommand = IConsoleManager::Get().RegisterConsoleCommand(*LodexInterop::FromUtf8(Export.ConsoleCommand),
-		*LodexInterop::FromUtf8(Export.ConsoleHelp),
-		FConsoleCommandWithArgsDelegate::CreateStatic(&LodexSnapshotExporter::HandleConsoleCommand), ECVF_Default);
-}
-
-void DetailsTool::UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export)
-{
-	if (ExportCommand != nullptr)
+	IConsoleManager& Console = IConsoleManager::Get();
+	const FString Name = LodexInterop::FromUtf8(Command.ConsoleCommand);
+	const FString Help = LodexInterop::FromUtf8(Command.ConsoleHelp);
+	IConsoleObject* Object = nullptr;
+	switch (Command.Command)
 	{
-		IConsoleManager::Get().UnregisterConsoleObject(ExportCommand, /*bKeepState*/ false);
-		ExportCommand = nullptr;
+		case ELodexPullDownCommand::ExportSnapshot:
+			Object = Console.RegisterConsoleCommand(*Name, *Help,
+				FConsoleCommandWithArgsDelegate::CreateStatic(&LodexSnapshotExporter::HandleConsoleCommand),
+				ECVF_Default);
+			break;
+		case ELodexPullDownCommand::CopyBestLodestring:
+			Object = Console.RegisterConsoleCommand(*Name, *Help,
+				FConsoleCommandDelegate::CreateStatic(&LodexEditor::CopyBestLodestringsOfSelection), ECVF_Default);
+			break;
+	}
+	if (Object != nullptr)
+	{
+		ConsoleObjects.Add(Command.Command, Object);
 	}
 }
 
-void DetailsTool::MakeExportMenuEntry(FMenuBuilder& MenuBuilder, const FLodexSnapshotExportInfo* Export)
+void DetailsTool::UnregisterConsoleCommand(const FLodexPullDownCommandInfo& Command)
 {
-	MenuBuilder.AddMenuEntry(LodexInterop::ToText(Export->MenuLabel), LodexInterop::ToText(Export->MenuToolTip),
-		FSlateIcon(), FUIAction(FExecuteAction::CreateStatic(&LodexSnapshotExporter::ExportWithDialog)));
+	IConsoleObject* Object = nullptr;
+	if (ConsoleObjects.RemoveAndCopyValue(Command.Command, Object) && Object != nullptr)
+	{
+		IConsoleManager::Get().UnregisterConsoleObject(Object, /*bKeepState*/ false);
+	}
+}
+
+void DetailsTool::MakePullDownEntry(FMenuBuilder& MenuBuilder, const FLodexPullDownCommandInfo* Command)
+{
+	FExecuteAction Action;
+	switch (Command->Command)
+	{
+		case ELodexPullDownCommand::ExportSnapshot:
+			Action = FExecuteAction::CreateStatic(&LodexSnapshotExporter::ExportWithDialog);
+			break;
+		case ELodexPullDownCommand::CopyBestLodestring:
+			Action = FExecuteAction::CreateStatic(&LodexEditor::CopyBestLodestringsOfSelection);
+			break;
+	}
+	MenuBuilder.AddMenuEntry(LodexInterop::ToText(Command->MenuLabel), LodexInterop::ToText(Command->MenuToolTip),
+		FSlateIcon(), FUIAction(Action));
 }

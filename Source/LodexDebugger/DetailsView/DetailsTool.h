@@ -4,18 +4,18 @@
 #include "CoreMinimal.h"
 #include "LodexDebugger/ExampleTabToolBase/ExampleTabToolBase.h"
 
-#include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
 
 class IConsoleObject;
 
 /**
- * The tab tool of the Object Explorer tab ("DetailsTool"), with its entry in the module's pull-down, and the export
- * of the editor's world as a scene snapshot: the pull-down entry after the tool entries and the console command
- * "Lodex.ExportSnapshot".
+ * The tab tool of the Object Explorer tab ("DetailsTool"), with its entry in the module's pull-down, and the module's
+ * own commands, each a pull-down entry after the tool entries and a console command: the export of the editor's world
+ * as a scene snapshot ("Lodex.ExportSnapshot") and the best Lodestring of the selection ("Lodex.CopyBestLodestring").
  */
 class DetailsTool
 	: public ExampleTabToolBase
-	, public ILodexSnapshotExportHost
+	, public ILodexPullDownCommandHost
 {
 public:
 	virtual ~DetailsTool() override = default;
@@ -27,15 +27,15 @@ public:
 	virtual TSharedRef<SDockTab> SpawnTab(const FSpawnTabArgs& TabSpawnArgs) override;
 	//~ End ExampleTabToolBase Interface
 
-	//~ Begin ILodexSnapshotExportHost Interface
-	virtual void AddPullDownEntry(const FLodexSnapshotExportInfo& Export) override;
-	virtual void RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override;
-	virtual void UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export) override;
-	//~ End ILodexSnapshotExportHost Interface
+	//~ Begin ILodexPullDownCommandHost Interface
+	virtual void AddPullDownEntry(const FLodexPullDownCommandInfo& Command) override;
+	virtual void RegisterConsoleCommand(const FLodexPullDownCommandInfo& Command) override;
+	virtual void UnregisterConsoleCommand(const FLodexPullDownCommandInfo& Command) override;
+	//~ End ILodexPullDownCommandHost Interface
 
 private:
-	void MakeExportMenuEntry(FMenuBuilder& MenuBuilder, const FLodexSnapshotExportInfo* Export);
+	void MakePullDownEntry(FMenuBuilder& MenuBuilder, const FLodexPullDownCommandInfo* Command);
 
-	/** The registered console command, until shut-down removes it. */
-	IConsoleObject* ExportCommand = nullptr;
+	/** The registered console commands, until shut-down removes them. */
+	TMap<ELodexPullDownCommand, IConsoleObject*> ConsoleObjects;
 };

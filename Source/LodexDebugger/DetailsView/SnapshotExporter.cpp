@@ -181,7 +181,7 @@ namespace LodexSnapshotExporter
 		TArray<FString> Files;
 		const bool bChosen =
 			DesktopPlatform->SaveFileDialog(FSlateApplication::Get().FindBestParentWindowHandleForDialogs(nullptr),
-				LodexInterop::FromUtf8(GetLodexSnapshotExport().MenuLabel), FPaths::GetPath(DefaultFile),
+				LodexInterop::FromUtf8(GetLodexSnapshotExport().Command.MenuLabel), FPaths::GetPath(DefaultFile),
 				FPaths::GetCleanFilename(DefaultFile), TEXT("Scene snapshot (*.json)|*.json"), EFileDialogFlags::None,
 				Files);
 		if (bChosen && Files.Num() == 1)

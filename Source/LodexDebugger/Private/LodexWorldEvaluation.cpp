@@ -6,6 +6,8 @@
 #include "Engine/Level.h"
 #include "Engine/World.h"
 #include "Framework/Notifications/NotificationManager.h"
+#include "LodexDebugger/Core/Evaluation/LodexBestCopy.h"
+#include "LodexEditorAdapters.h"
 #include "LodexInterop.h"
 #include "Styling/AppStyle.h"
 #include "UObject/UObjectHash.h"
@@ -39,21 +41,15 @@ void FLodexWorldObjects::GetAllObjects(std::vector<FLodexObject>& OutObjects) co
 	}
 }
 
-namespace LodexEditor
+namespace LodexWorldEvaluationPrivate
 {
-	void NotifyLodestringMatches(const std::vector<std::string>& Lodestrings)
+	UWorld* GetEditorWorld()
 	{
-		if (Lodestrings.empty() || GEditor == nullptr)
-		{
-			return;
-		}
-		UWorld* World = GEditor->GetEditorWorldContext().World();
-		if (World == nullptr)
-		{
-			return;
-		}
-		const FLodexUObjectGraph Graph;
-		const FLodexSceneIndex Index(Graph, FLodexWorldObjects(World));
+		return GEditor != nullptr ? GEditor->GetEditorWorldContext().World() : nullptr;
+	}
+
+	void ShowMatchNotice(const FLodexSceneIndex& Index, const std::vector<std::string>& Lodestrings)
+	{
 		const FLodexMatchNotice Notice = MakeLodestringMatchNotice(Index, Lodestrings);
 		if (Notice.Text.empty())
 		{
@@ -67,5 +63,34 @@ namespace LodexEditor
 		Info.bFireAndForget = true;
 		Info.ExpireDuration = bWarning ? 8.0f : 4.0f;
 		FSlateNotificationManager::Get().AddNotification(Info);
+	}
+}
+
+namespace LodexEditor
+{
+	void NotifyLodestringMatches(const std::vector<std::string>& Lodestrings)
+	{
+		UWorld* World = LodexWorldEvaluationPrivate::GetEditorWorld();
+		if (Lodestrings.empty() || World == nullptr)
+		{
+			return;
+		}
+		const FLodexUObjectGraph Graph;
+		const FLodexSceneIndex Index(Graph, FLodexWorldObjects(World));
+		LodexWorldEvaluationPrivate::ShowMatchNotice(Index, Lodestrings);
+	}
+
+	void CopyBestLodestringsOfSelection()
+	{
+		UWorld* World = LodexWorldEvaluationPrivate::GetEditorWorld();
+		const FLodexEditorActorSelection Selection;
+		if (World == nullptr || Selection.Num() == 0)
+		{
+			return;
+		}
+		const FLodexUObjectGraph Graph;
+		const FLodexSceneIndex Index(Graph, FLodexWorldObjects(World));
+		FLodexEditorOutput Output;
+		LodexWorldEvaluationPrivate::ShowMatchNotice(Index, PrintSelectedBestLodestrings(Index, Selection, Output));
 	}
 }

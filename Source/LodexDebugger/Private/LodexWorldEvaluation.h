@@ -33,4 +33,11 @@ namespace LodexEditor
 	 * severity are the core's (`MakeLodestringMatchNotice`); nothing is shown without Lodestrings or a world.
 	 */
 	void NotifyLodestringMatches(const std::vector<std::string>& Lodestrings);
+
+	/**
+	 * "Copy Best Lodestring": logs the best Lodestring of every selected actor with the number of objects it matches,
+	 * copies them, one a line, and shows the same match notification as the path commands. The rules are the core's
+	 * (`PrintSelectedBestLodestrings`); nothing happens without a selection or a world.
+	 */
+	void CopyBestLodestringsOfSelection();
 }

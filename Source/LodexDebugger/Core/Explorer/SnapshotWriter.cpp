@@ -318,16 +318,14 @@ namespace LodexSnapshot
 		return Out;
 	}
 
-	void StartExport(ILodexSnapshotExportHost& Host)
+	void StartExport(ILodexPullDownCommandHost& Host)
 	{
-		const FLodexSnapshotExportInfo& Export = GetLodexSnapshotExport();
-		Host.AddPullDownEntry(Export);
-		Host.RegisterConsoleCommand(Export);
+		StartLodexPullDownCommand(Host, GetLodexSnapshotExport().Command);
 	}
 
-	void StopExport(ILodexSnapshotExportHost& Host)
+	void StopExport(ILodexPullDownCommandHost& Host)
 	{
-		Host.UnregisterConsoleCommand(GetLodexSnapshotExport());
+		StopLodexPullDownCommand(Host, GetLodexSnapshotExport().Command);
 	}
 
 	FExportRequest ParseConsoleArguments(const std::vector<std::string>& Arguments)
@@ -376,13 +374,11 @@ namespace LodexSnapshot
 const FLodexSnapshotExportInfo& GetLodexSnapshotExport()
 {
 	static const FLodexSnapshotExportInfo Export{
-		"Lodex.ExportSnapshot",
-		"Writes the editor world (the play-in-editor world while one runs) with the reflection of its classes as a "
-		"scene snapshot for the lodex tool. Lodex.ExportSnapshot [FILE]; without FILE: Saved/Lodex/<world>.json",
-		"DETAILS_TOOL",
-		ELodexExtensionPosition::After,
-		"Export Scene Snapshot",
-		"Write the level, with the reflection of its classes, as a scene snapshot for the lodex tool",
+		{ELodexPullDownCommand::ExportSnapshot, "Lodex.ExportSnapshot",
+			"Writes the editor world (the play-in-editor world while one runs) with the reflection of its classes as a "
+			"scene snapshot for the lodex tool. Lodex.ExportSnapshot [FILE]; without FILE: Saved/Lodex/<world>.json",
+			"DETAILS_TOOL", ELodexExtensionPosition::After, "Export Scene Snapshot",
+			"Write the level, with the reflection of its classes, as a scene snapshot for the lodex tool"},
 		"Lodex",
 		".json",
 		".tmp",

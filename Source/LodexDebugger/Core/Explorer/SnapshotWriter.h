@@ -35,14 +35,8 @@ namespace LodexSnapshot
 /** The export of the editor's world as a scene snapshot: its console command and its pull-down entry. */
 struct FLodexSnapshotExportInfo
 {
-	/** The console command: "Lodex.ExportSnapshot [FILE]". */
-	const char* ConsoleCommand;
-	const char* ConsoleHelp;
-	/** The pull-down entry, placed relative to a separator hook of the module's pull-down. */
-	const char* MenuHook;
-	ELodexExtensionPosition MenuPosition;
-	const char* MenuLabel;
-	const char* MenuToolTip;
+	/** "Lodex.ExportSnapshot [FILE]", and "Export Scene Snapshot" in the pull-down. */
+	FLodexPullDownCommandInfo Command;
 	/** The folder under the project's "Saved" folder where snapshots go by default. */
 	const char* DefaultFolder;
 	/** The file name suffix of a snapshot, and of the temporary file written first. */
@@ -52,26 +46,13 @@ struct FLodexSnapshotExportInfo
 
 const FLodexSnapshotExportInfo& GetLodexSnapshotExport();
 
-/** The editor calls that install and remove the export. */
-class ILodexSnapshotExportHost
-{
-public:
-	virtual ~ILodexSnapshotExportHost() = default;
-	/** Adds the export's entry to the module's pull-down. */
-	virtual void AddPullDownEntry(const FLodexSnapshotExportInfo& Export) = 0;
-	/** Registers the console command with the console manager. */
-	virtual void RegisterConsoleCommand(const FLodexSnapshotExportInfo& Export) = 0;
-	/** Removes the console command. */
-	virtual void UnregisterConsoleCommand(const FLodexSnapshotExportInfo& Export) = 0;
-};
-
 namespace LodexSnapshot
 {
 	/** Installs the export: the pull-down entry, then the console command. */
-	void StartExport(ILodexSnapshotExportHost& Host);
+	void StartExport(ILodexPullDownCommandHost& Host);
 
 	/** Removes the console command (the pull-down goes with the module's menu extender). */
-	void StopExport(ILodexSnapshotExportHost& Host);
+	void StopExport(ILodexPullDownCommandHost& Host);
 
 	/** What the console command's arguments ask for: the file, or the default when none is given. */
 	struct FExportRequest

@@ -185,3 +185,14 @@ void StopLodexTabTool(ILodexTabTool& Tool)
 {
 	Tool.UnregisterNomadTabSpawner();
 }
+
+void StartLodexPullDownCommand(ILodexPullDownCommandHost& Host, const FLodexPullDownCommandInfo& Command)
+{
+	Host.AddPullDownEntry(Command);
+	Host.RegisterConsoleCommand(Command);
+}
+
+void StopLodexPullDownCommand(ILodexPullDownCommandHost& Host, const FLodexPullDownCommandInfo& Command)
+{
+	Host.UnregisterConsoleCommand(Command);
+}

@@ -251,3 +251,45 @@ void StartLodexTabTool(ILodexTabTool& Tool, const FLodexTabInfo& Tab);
 
 /** The tab tool base's shut-down: unregisters the spawner of its `TabName`. */
 void StopLodexTabTool(ILodexTabTool& Tool);
+
+/** The module's own commands, each a console command with an entry in the module's pull-down. */
+enum class ELodexPullDownCommand
+{
+	/** "Lodex.ExportSnapshot": the editor's world as a scene snapshot. */
+	ExportSnapshot,
+	/** "Lodex.CopyBestLodestring": the best Lodestring of each selected actor, logged and copied. */
+	CopyBestLodestring,
+};
+
+/** A command of the module's own: a console command, and an entry in the module's pull-down that runs it. */
+struct FLodexPullDownCommandInfo
+{
+	ELodexPullDownCommand Command;
+	/** The console command's name and help. */
+	const char* ConsoleCommand;
+	const char* ConsoleHelp;
+	/** The pull-down entry, placed relative to a separator hook of the module's pull-down. */
+	const char* MenuHook;
+	ELodexExtensionPosition MenuPosition;
+	const char* MenuLabel;
+	const char* MenuToolTip;
+};
+
+/** The editor calls that install and remove a command of the module's own. */
+class ILodexPullDownCommandHost
+{
+public:
+	virtual ~ILodexPullDownCommandHost() = default;
+	/** Adds the command's entry to the module's pull-down. */
+	virtual void AddPullDownEntry(const FLodexPullDownCommandInfo& Command) = 0;
+	/** Registers the console command with the console manager. */
+	virtual void RegisterConsoleCommand(const FLodexPullDownCommandInfo& Command) = 0;
+	/** Removes the console command. */
+	virtual void UnregisterConsoleCommand(const FLodexPullDownCommandInfo& Command) = 0;
+};
+
+/** Installs a command: the pull-down entry, then the console command. */
+void StartLodexPullDownCommand(ILodexPullDownCommandHost& Host, const FLodexPullDownCommandInfo& Command);
+
+/** Removes the console command (the pull-down entry goes with the module's menu extender). */
+void StopLodexPullDownCommand(ILodexPullDownCommandHost& Host, const FLodexPullDownCommandInfo& Command);
