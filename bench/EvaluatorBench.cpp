@@ -8,6 +8,7 @@
 // before anything is timed.
 #include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Evaluation/LodestringProgram.h"
+#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
 #include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
 
 #include <benchmark/benchmark.h>
@@ -232,6 +233,31 @@ namespace
 		State.counters["objects"] = static_cast<double>(Scene.Num());
 	}
 	BENCHMARK(BM_IndexBuild)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+	/**
+	 * The best Lodestring of every 1,000th object of the scene (about 1,000 objects), the index built beforehand:
+	 * the time per object, times the scene's size, is what finding every object's best Lodestring costs.
+	 */
+	void BM_BestLocatorSample(benchmark::State& State)
+	{
+		FFixture& Bench = Fixture();
+		const FLodexBestLocatorFinder Finder(*Bench.Index);
+		std::size_t Objects = 0;
+		for (auto _ : State)
+		{
+			Objects = 0;
+			for (std::uint32_t Object = 0; Object < Bench.Index->Num(); Object += 1000)
+			{
+				benchmark::DoNotOptimize(Finder.Find(Object).MatchCount);
+				++Objects;
+			}
+		}
+		State.counters["objects"] = static_cast<double>(Objects);
+		State.counters["per_object"] = benchmark::Counter(
+			static_cast<double>(Objects), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+		State.counters["scene_objects"] = static_cast<double>(Bench.Index->Num());
+	}
+	BENCHMARK(BM_BestLocatorSample)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 	void BM_Native(benchmark::State& State)
 	{

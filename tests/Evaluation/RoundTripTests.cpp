@@ -3,6 +3,7 @@
 #include "TestGraph.h"
 
 #include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
 #include "LodexDebugger/Core/Evaluation/LodestringProgram.h"
 #include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
 #include "LodexDebugger/Core/Paths/Lodestring.h"
@@ -226,6 +227,123 @@ namespace
 		EXPECT_GT(Checked[0], 40000u);
 		EXPECT_GT(Checked[1], 40000u);
 		EXPECT_GT(Checked[2], 10000u);
+	}
+
+	TEST(LodestringRoundTrip, TheBestLocatorFindsItsObjectAloneWheneverTheAbsoluteOneCan)
+	{
+		constexpr unsigned SceneCount = 2000;
+		std::size_t Unique = 0;
+		std::size_t Shorter = 0;
+		std::size_t Twins = 0;
+		for (unsigned Seed = 1; Seed <= SceneCount; ++Seed)
+		{
+			const FGeneratedScene Scene(Seed);
+			const FLodexSceneIndex Index(Scene, Scene);
+			const FLodexBestLocatorFinder Finder(Index);
+			for (std::uint32_t Object = 0; Object < Index.Num(); ++Object)
+			{
+				const FLodexBestLocator Best = Finder.Find(Object);
+				const std::string Absolute = Index.GetAbsoluteLodestring(Object);
+				const FLodexEvaluation Found = EvaluateLodestring(Index, Best.Lodestring);
+				const FLodexEvaluation AbsoluteFound = EvaluateLodestring(Index, Absolute);
+				ASSERT_TRUE(Found.bOk) << "seed " << Seed << ": " << Best.Lodestring;
+				// The count it reports is what the evaluator finds, and the object is among it.
+				EXPECT_EQ(Best.MatchCount, Found.Matches.size()) << "seed " << Seed << ": " << Best.Lodestring;
+				EXPECT_TRUE(std::any_of(Found.Matches.begin(), Found.Matches.end(),
+					[Object](const FLodexMatch& Match) { return Match.Object == Object; }))
+					<< "seed " << Seed << ": " << Best.Lodestring;
+				EXPECT_LE(Best.Lodestring.size(), Absolute.size()) << "seed " << Seed << ": " << Best.Lodestring;
+				// Never worse than the absolute Lodestring: unique whenever that one is.
+				if (AbsoluteFound.Matches.size() == 1)
+				{
+					EXPECT_EQ(Best.MatchCount, 1u) << "seed " << Seed << ": " << Best.Lodestring << " for " << Absolute;
+				}
+				Unique += Best.MatchCount == 1;
+				Shorter += Best.Lodestring.size() < Absolute.size();
+				Twins += Best.MatchCount > 1;
+				if (::testing::Test::HasFailure())
+				{
+					return;
+				}
+			}
+		}
+		EXPECT_GT(Unique, 20000u);
+		EXPECT_GT(Shorter, 10000u);
+		EXPECT_GT(Twins, 10u) << "the generator makes objects nothing tells apart";
+	}
+
+	TEST(LodestringBestLocator, RanksTagsThenStableNamesThenAnchorsAndAvoidsGeneratedNames)
+	{
+		class FLevel final
+			: public FTestGraph
+			, public ILodexSceneObjects
+		{
+		public:
+			FNode& Listed(FNode& Node)
+			{
+				Objects.push_back(Handle(Node));
+				return Node;
+			}
+			void GetAllObjects(std::vector<FLodexObject>& OutObjects) const override
+			{
+				OutObjects.insert(OutObjects.end(), Objects.begin(), Objects.end());
+			}
+			std::vector<FLodexObject> Objects;
+		};
+		FLevel Level;
+		FTestGraph::FNode& House = Level.Listed(Level.Actor("House", nullptr, {"bldg"}));
+		FTestGraph::FNode& Door = Level.Listed(Level.Actor("Door", &House));
+		FTestGraph::FNode& Hinge = Level.Listed(Level.Add(FTestGraph::EKind::Component, "Hinge", &Door));
+		FTestGraph::FNode& Shed = Level.Listed(Level.Actor("Shed"));
+		FTestGraph::FNode& ShedDoor = Level.Listed(Level.Actor("Door", &Shed));
+		FTestGraph::FNode& Cube = Level.Listed(Level.Actor("Cube_2", nullptr, {"crate"}));
+		FTestGraph::FNode& Lamp = Level.Listed(Level.Actor("Lamp_3"));
+		FTestGraph::FNode& Twin = Level.Listed(Level.Actor("Twin"));
+		Level.Listed(Level.Actor("Twin"));
+		const FLodexSceneIndex Index(Level, Level);
+		const FLodexBestLocatorFinder Finder(Index);
+		const auto Best = [&](const FTestGraph::FNode& Node)
+		{
+			return Finder.Find(Index.FindIndex(FTestGraph::Handle(Node)));
+		};
+
+		const struct
+		{
+			const FTestGraph::FNode* Node;
+			const char* Lodestring;
+			std::size_t Count;
+			bool bStable;
+		} Rows[] = {
+			{&House, "//*[@tag = 'bldg']", 1, true},
+			{&Door, "//House/Door", 1, true},
+			{&ShedDoor, "//Shed/Door", 1, true},
+			{&Shed, "/Shed", 1, true},
+			{&Cube, "//*[@tag = 'crate']", 1, true},
+			{&Lamp, "/Lamp_3", 1, false},
+			{&Twin, "/*[@name = 'Twin']", 2, false},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FLodexBestLocator Found = Best(*Row.Node);
+			EXPECT_EQ(Found.Lodestring, Row.Lodestring) << Row.Node->Name;
+			EXPECT_EQ(Found.MatchCount, Row.Count) << Row.Node->Name;
+			EXPECT_EQ(Found.bStable, Row.bStable) << Row.Node->Name;
+		}
+		// A component through its node: only the house's door has a hinge, so the door's name is enough.
+		EXPECT_EQ(Best(Hinge).Lodestring, "//Door/fn:component('Hinge')");
+		EXPECT_EQ(Best(Hinge).Evidence, ELodexLocatorEvidence::Component);
+	}
+
+	TEST(LodestringBestLocator, GeneratedSuffixesAreTheEngineNumbers)
+	{
+		for (const char* Name : {"Cube_2", "Cube_0", "Enemy_C_3", "BP_Door_C_12"})
+		{
+			EXPECT_TRUE(HasGeneratedInstanceSuffix(Name)) << Name;
+		}
+		for (const char* Name : {"Cube", "Cube_", "_3", "Level_01", "Door_C", "Cube_2a", "Cube_12345678901"})
+		{
+			EXPECT_FALSE(HasGeneratedInstanceSuffix(Name)) << Name;
+		}
 	}
 
 	TEST(LodestringRoundTrip, StepByStepEndsWhereTheWholeEvaluationDoes)

@@ -139,7 +139,7 @@ namespace
 			{{"copy", "--scene", ScenePath, "door"}, "lodex: --mode is required",
 				"Usage: lodex copy [OPTIONS] [objects...]"},
 			{{"copy", "--scene", ScenePath, "--mode", "absolute", "door"},
-				"lodex: --mode: absolute not in {Relative,Absolute}", "Usage: lodex copy [OPTIONS] [objects...]"},
+				"lodex: --mode: absolute not in {Relative,Absolute,best}", "Usage: lodex copy [OPTIONS] [objects...]"},
 			{{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", "", "door"},
 				"lodex: --clipboard: needs a file name", "Usage: lodex copy [OPTIONS] [objects...]"},
 			{{"install"}, "lodex: --project is required", "Usage: lodex install [OPTIONS]"},
@@ -306,10 +306,12 @@ namespace
 │           ├── ──── separator REPL_TOOL
 │           ├── "Object Explorer" opens the tab DetailsTool (tooltip "Explore the values, componenets, and available methods in selected objects")
 │           ├── ──── separator DETAILS_TOOL
-│           └── "Export Scene Snapshot" runs the console command Lodex.ExportSnapshot (tooltip "Write the level, with the reflection of its classes, as a scene snapshot for the lodex tool")
+│           ├── "Export Scene Snapshot" runs the console command Lodex.ExportSnapshot (tooltip "Write the level, with the reflection of its classes, as a scene snapshot for the lodex tool")
+│           └── "Copy Best Lodestring" runs the console command Lodex.CopyBestLodestring (tooltip "Log and copy the shortest, most stable Lodestring that finds each selected actor alone, with its match count")
 ├── Tabs (nomad tab spawners)
 )x",
-				"├── Console commands\n│   └── Lodex.ExportSnapshot [FILE] (",
+				"├── Console commands\n│   ├── Lodex.ExportSnapshot [FILE] (",
+				"│   └── Lodex.CopyBestLodestring (Logs and copies the best Lodestring of each selected actor",
 				R"x(
     ├── Components tree menu of the object explorer (extends the tool menu "Kismet.SubobjectEditorContextMenu"), once an Object Explorer tab has opened
     │   └── section "VelTrane", heading "VelTrane"
@@ -423,5 +425,30 @@ namespace
 			<< Run.Err.substr(0, 300);
 		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
 		EXPECT_EQ(ListFolder(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
+	}
+}
+
+namespace
+{
+	TEST(LodexBest, PathAndCopyGiveTheShortestStableLodestringThatFindsEachObjectAlone)
+	{
+		const std::string Sample = std::string(LODEX_SOURCE_DIR) + "/samples/level.json";
+		// The house by its tag, the knob by its name, the hinge below its door, a lamp's light below the lamp's tag.
+		const FLodexRun Path =
+			RunLodex({"path", "--scene", Sample, "--mode", "best", "house", "knob", "hinge", "level"});
+		EXPECT_EQ(Path.Exit, 0) << Path.Err;
+		EXPECT_EQ(Path.Out, "//*[@tag = 'bldg']\n//Knob\n//Door/fn:component('Hinge')\n\n");
+		EXPECT_EQ(Path.Err, "lodex: PersistentLevel takes no step in a Lodestring\n");
+
+		FTempDir Dir;
+		const std::string Clipboard = Dir.File("clipboard.txt");
+		const FLodexRun Copy =
+			RunLodex({"copy", "--scene", Sample, "--mode", "best", "--clipboard", Clipboard, "house", "knob"});
+		EXPECT_EQ(Copy.Exit, 0) << Copy.Err;
+		EXPECT_EQ(Copy.Out,
+			"LogTemp: Best Lodestring : //*[@tag = 'bldg'] (matches 1 object)\n"
+			"LogTemp: Best Lodestring : //Knob (matches 1 object)\n");
+		EXPECT_EQ(Copy.Err, "//*[@tag = 'bldg'] matches 1 object\n//Knob matches 1 object\n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "//*[@tag = 'bldg']\r\n//Knob");
 	}
 }

@@ -6,6 +6,8 @@
 #include "SceneSnapshot.h"
 
 #include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodexBestCopy.h"
+#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
 #include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
 
 #include "LodexDebugger/Core/Paths/Lodestring.h"
@@ -15,6 +17,9 @@
 
 namespace
 {
+	/** The mode of `lodex path` and `lodex copy` that gives each object's best Lodestring. */
+	constexpr const char* BestMode = "best";
+
 	/** Loads the scene and resolves the named objects; on failure writes one line and returns false. */
 	bool LoadSceneAndObjects(const std::string& ScenePath, const std::vector<std::string>& Names,
 		FSceneSnapshot& OutScene, std::vector<FLodexObject>& OutObjects, FLodexCliIo& Io)
@@ -45,8 +50,10 @@ namespace
 		{
 			CLI::App* Sub = Parent.add_subcommand("path", "Print the Lodestring of each object, one a line");
 			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
-			Sub->add_option(
-				   "--mode", Mode, "Absolute, Relative or Tag (exact case); any other text gives no node steps")
+			Sub->add_option("--mode", Mode,
+				   "Absolute, Relative or Tag (exact case), or best: the shortest, most stable Lodestring that finds "
+				   "the "
+				   "object alone; any other text gives no node steps")
 				->default_val("Absolute");
 			Sub->add_option("objects", Objects, "Object ids, or names that exactly one object has")->required();
 			return Sub;
@@ -61,6 +68,29 @@ namespace
 				return LodexExitFailure;
 			}
 			std::string Text;
+			if (Mode == BestMode)
+			{
+				const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
+				const FLodexBestLocatorFinder Finder(*Index);
+				for (const FLodexObject Object : Resolved)
+				{
+					const std::uint32_t Found = Index->FindIndex(Object);
+					const FLodexBestLocator Best =
+						Found == FLodexSceneIndex::None ? FLodexBestLocator{} : Finder.Find(Found);
+					Text += Best.Lodestring + "\n";
+					if (Found == FLodexSceneIndex::None)
+					{
+						Io.Err << "lodex: " << Scene.GetName(Object) << " takes no step in a Lodestring\n";
+					}
+					else if (Best.MatchCount != 1)
+					{
+						Io.Err << "lodex: " << Best.Lodestring << " matches " << Best.MatchCount
+							   << " objects: no Lodestring tells them apart\n";
+					}
+				}
+				Io.Out << Text;
+				return LodexExitOk;
+			}
 			for (const FLodexObject Object : Resolved)
 			{
 				Text += BuildLodestring(Scene, Object, Mode);
@@ -89,7 +119,10 @@ namespace
 			{
 				Modes.emplace_back(Command.Mode);
 			}
-			Sub->add_option("--mode", Mode, "The command: Relative (\"Lodestring Relative\") or Absolute")
+			Modes.emplace_back(BestMode);
+			Sub->add_option("--mode", Mode,
+				   "The command: Relative (\"Lodestring Relative\"), Absolute, or best (the pull-down's \"Copy Best "
+				   "Lodestring\")")
 				->required()
 				->check(CLI::IsMember(Modes));
 			Sub->add_option(
@@ -112,11 +145,20 @@ namespace
 			FHostOutput Output(Io.Out, Io.Err,
 				ClipboardFile.empty() ? EClipboardTarget::System : EClipboardTarget::File, ClipboardFile);
 			FLodexClipboardCapture Capture(Output);
-			PrintSelectedActorLodestrings(Scene, FListSelection(std::move(Resolved)), Capture, Mode);
+			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
+			std::vector<std::string> CopiedTexts;
+			if (Mode == BestMode)
+			{
+				CopiedTexts = PrintSelectedBestLodestrings(*Index, FListSelection(std::move(Resolved)), Capture);
+			}
+			else
+			{
+				PrintSelectedActorLodestrings(Scene, FListSelection(std::move(Resolved)), Capture, Mode);
+				CopiedTexts = Capture.GetCopiedTexts();
+			}
 
 			// How many objects each copied Lodestring matches, as the editor's notice says it.
-			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
-			for (const std::string& Copied : Capture.GetCopiedTexts())
+			for (const std::string& Copied : CopiedTexts)
 			{
 				Io.Err << DescribeLodestringCheck(Copied, EvaluateLodestring(*Index, Copied)) << "\n";
 			}
