@@ -299,6 +299,9 @@ namespace
 		FTestGraph::FNode& Cube = Level.Listed(Level.Actor("Cube_2", nullptr, {"crate"}));
 		FTestGraph::FNode& Lamp = Level.Listed(Level.Actor("Lamp_3"));
 		FTestGraph::FNode& Twin = Level.Listed(Level.Actor("Twin"));
+		// A knob in a room of each building: neither the knob nor its room tells them apart, the building does.
+		FTestGraph::FNode& HouseKnob = Level.Listed(Level.Actor("Knob", &Level.Listed(Level.Actor("Room", &House))));
+		FTestGraph::FNode& ShedKnob = Level.Listed(Level.Actor("Knob", &Level.Listed(Level.Actor("Room", &Shed))));
 		Level.Listed(Level.Actor("Twin"));
 		const FLodexSceneIndex Index(Level, Level);
 		const FLodexBestLocatorFinder Finder(Index);
@@ -321,6 +324,8 @@ namespace
 			{&Cube, "//*[@tag = 'crate']", 1, true},
 			{&Lamp, "/Lamp_3", 1, false},
 			{&Twin, "/*[@name = 'Twin']", 2, false},
+			{&HouseKnob, "//House//Knob", 1, true},
+			{&ShedKnob, "//Shed//Knob", 1, true},
 		};
 		for (const auto& Row : Rows)
 		{

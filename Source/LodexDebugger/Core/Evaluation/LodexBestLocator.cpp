@@ -6,18 +6,48 @@
 #include <algorithm>
 #include <vector>
 
-namespace
+namespace LodexBestLocatorPrivate
 {
-	/** One locator considered for an object, with what it rests on. */
-	struct FBestCandidate
+	/** The form of a candidate's node part, before its component steps. */
+	enum class ENodeForm : std::uint8_t
 	{
-		std::string Lodestring;
-		ELodexLocatorEvidence Evidence;
-		bool bStable;
+		/** A tag no other node has. */
+		Tag,
+		/** `//Name` */
+		Name,
+		/** `/Name` */
+		RootName,
+		/** `//Anchor//Name` */
+		AnchorDescendant,
+		/** `//Parent/Name` */
+		AnchorChild,
+		/** Nothing: the component steps start at the root. */
+		Empty,
 	};
 
-	/** How many nodes may share a name for "//Name" and component steps to be tried. */
+	/** One locator considered for an object: what it rests on, and its length, its text made only when needed. */
+	struct FCandidate
+	{
+		ENodeForm Form;
+		ELodexLocatorEvidence Evidence;
+		bool bStable;
+		/** Tag: the tag id; anchors: the anchor's object index. */
+		std::uint32_t Id;
+		std::size_t Length;
+	};
+}
+
+using namespace LodexBestLocatorPrivate;
+
+namespace
+{
+	constexpr std::uint32_t NoObject = FLodexSceneIndex::None;
+
+	/** How many nodes may share a name for it to be tried as "//Name" before component steps, or as an anchor. */
 	constexpr std::size_t SharedNameLimit = 64;
+
+	/** How many objects a candidate's first steps may select for the rest of it to be worked out on the index. */
+	constexpr std::size_t SelectionLimit = 4096;
 
 	/** Whether a value can stand between quotes with one reading only: no "'" in it. */
 	bool IsPlainQuotedValue(const std::string& Text)
@@ -32,8 +62,8 @@ namespace
 			Name.rfind("fn:", 0) != 0 && Name[0] != '@';
 	}
 
-	/** The candidates' order: stable first, then by evidence, then shorter, then by text. */
-	bool IsBetterCandidate(const FBestCandidate& A, const FBestCandidate& B)
+	/** The ranking without the text: stable first, then by evidence, then shorter. */
+	bool RanksBefore(const FCandidate& A, const FCandidate& B)
 	{
 		if (A.bStable != B.bStable)
 		{
@@ -43,11 +73,12 @@ namespace
 		{
 			return A.Evidence < B.Evidence;
 		}
-		if (A.Lodestring.size() != B.Lodestring.size())
-		{
-			return A.Lodestring.size() < B.Lodestring.size();
-		}
-		return A.Lodestring < B.Lodestring;
+		return A.Length < B.Length;
+	}
+
+	bool RanksEqual(const FCandidate& A, const FCandidate& B)
+	{
+		return A.bStable == B.bStable && A.Evidence == B.Evidence && A.Length == B.Length;
 	}
 }
 
@@ -66,9 +97,256 @@ bool HasGeneratedInstanceSuffix(std::string_view Name)
 	return std::all_of(Digits.begin(), Digits.end(), [](char Char) { return Char >= '0' && Char <= '9'; });
 }
 
+/** What one object's search works with: its node, its component steps, and the candidates. */
+struct FLodexBestLocatorFinder::FSearch
+{
+	std::uint32_t Object = NoObject;
+	/** The node the locator rests on, or NoObject for a component that no node holds. */
+	std::uint32_t Node = NoObject;
+	/** The components from the node down to the object, the object last. */
+	std::vector<std::uint32_t> Components;
+	std::size_t ComponentLength = 0;
+	bool bComponentsStable = true;
+	/** No component name holds a "'": the steps read one way only, and the index can count what they select. */
+	bool bComponentsPlain = true;
+	/** The components lead up to a node or to a root (not round a loop). */
+	bool bChainComplete = true;
+	std::vector<FCandidate> Candidates;
+	/** Scratch lists of the index-side count. */
+	std::vector<std::uint32_t> Selected;
+	std::vector<std::uint32_t> Next;
+};
+
 FLodexBestLocatorFinder::FLodexBestLocatorFinder(const FLodexSceneIndex& InIndex)
 	: Index(InIndex)
 {
+	for (std::uint32_t Object = 0; Object < Index.Num(); ++Object)
+	{
+		if (Index.GetCycle(Object) != NoObject)
+		{
+			bHasLoops = true;
+			break;
+		}
+	}
+}
+
+std::size_t FLodexBestLocatorFinder::AbsoluteLength(std::uint32_t ObjectIndex) const
+{
+	// The absolute Lodestring has a step for the object and each of its ancestors on the index.
+	std::size_t Length = 0;
+	for (std::uint32_t Object = ObjectIndex; Object != NoObject; Object = Index.GetParent(Object))
+	{
+		Length += Index.GetName(Object).size() + (Index.IsNode(Object) ? 14 : 17);
+	}
+	return Length;
+}
+
+std::string FLodexBestLocatorFinder::MakeText(const FSearch& Search, std::size_t Which) const
+{
+	const FCandidate& Candidate = Search.Candidates[Which];
+	std::string Text;
+	Text.reserve(Candidate.Length);
+	const auto NodeName = [this, &Search]() -> const std::string&
+	{
+		return Index.GetName(Search.Node);
+	};
+	switch (Candidate.Form)
+	{
+		case ENodeForm::Tag:
+			Text += "//*[@tag = '";
+			Text += Index.GetTagText(Candidate.Id);
+			Text += "']";
+			break;
+		case ENodeForm::Name:
+			Text += "//";
+			Text += NodeName();
+			break;
+		case ENodeForm::RootName:
+			Text += "/";
+			Text += NodeName();
+			break;
+		case ENodeForm::AnchorDescendant:
+		case ENodeForm::AnchorChild:
+			Text += "//";
+			Text += Index.GetName(Candidate.Id);
+			Text += Candidate.Form == ENodeForm::AnchorChild ? "/" : "//";
+			Text += NodeName();
+			break;
+		case ENodeForm::Empty:
+			break;
+	}
+	for (const std::uint32_t Component : Search.Components)
+	{
+		Text += "/fn:component('";
+		Text += Index.GetName(Component);
+		Text += "')";
+	}
+	return Text;
+}
+
+bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(FSearch& Search, const FCandidate& Candidate) const
+{
+	if (bHasLoops || !Search.bComponentsPlain)
+	{
+		// Loops put objects below themselves, and a name with a "'" reads in more than one way: only the
+		// evaluator knows what such a candidate selects.
+		return true;
+	}
+	// The nodes the node part selects, on the index; a list too long to be worth working out is left to the
+	// evaluator unless it alone already rules the candidate out.
+	std::vector<std::uint32_t>& Selected = Search.Selected;
+	Selected.clear();
+	const bool bComponents = !Search.Components.empty();
+	const std::size_t Wanted = bComponents ? SelectionLimit : 1;
+	const std::uint32_t NameId = Search.Node == NoObject ? NoObject : Index.GetNameId(Search.Node);
+	switch (Candidate.Form)
+	{
+		case ENodeForm::Tag:
+		{
+			const FLodexIndexRange Tagged = Index.GetNodesTagged(Candidate.Id);
+			if (Tagged.size() > Wanted)
+			{
+				return false;
+			}
+			Selected.assign(Tagged.begin(), Tagged.end());
+			break;
+		}
+		case ENodeForm::Name:
+		{
+			const FLodexIndexRange Named = Index.GetNodesNamed(NameId);
+			if (Named.size() > Wanted)
+			{
+				return false;
+			}
+			Selected.assign(Named.begin(), Named.end());
+			break;
+		}
+		case ENodeForm::RootName:
+			for (const std::uint32_t Named : Index.GetNodesNamed(NameId))
+			{
+				if (Index.IsRoot(Named))
+				{
+					Selected.push_back(Named);
+					if (Selected.size() > Wanted)
+					{
+						return false;
+					}
+				}
+			}
+			break;
+		case ENodeForm::AnchorDescendant:
+		{
+			// The anchors' subtrees are ranges of the document order, as is the sorted list of the name.
+			const FLodexIndexRange Named = Index.GetNodesNamed(NameId);
+			std::uint32_t Covered = 0;
+			for (const std::uint32_t Anchor : Index.GetNodesNamed(Index.GetNameId(Candidate.Id)))
+			{
+				const std::uint32_t First = std::max(Anchor + 1, Covered);
+				const std::uint32_t Last = Index.GetSubtreeEnd(Anchor);
+				if (First >= Last)
+				{
+					continue;
+				}
+				Covered = Last;
+				const std::uint32_t* Begin = std::lower_bound(Named.begin(), Named.end(), First);
+				const std::uint32_t* End = std::lower_bound(Begin, Named.end(), Last);
+				if (Selected.size() + static_cast<std::size_t>(End - Begin) > Wanted)
+				{
+					return false;
+				}
+				Selected.insert(Selected.end(), Begin, End);
+			}
+			break;
+		}
+		case ENodeForm::AnchorChild:
+		{
+			const std::uint32_t AnchorNameId = Index.GetNameId(Candidate.Id);
+			const FLodexIndexRange Named = Index.GetNodesNamed(NameId);
+			const FLodexIndexRange Anchors = Index.GetNodesNamed(AnchorNameId);
+			if (Named.size() <= SelectionLimit)
+			{
+				for (const std::uint32_t Child : Named)
+				{
+					const std::uint32_t Parent = Index.GetParent(Child);
+					if (Parent != NoObject && Index.IsNode(Parent) && Index.GetNameId(Parent) == AnchorNameId)
+					{
+						Selected.push_back(Child);
+					}
+				}
+			}
+			else
+			{
+				for (const std::uint32_t Anchor : Anchors)
+				{
+					for (const std::uint32_t Child : Index.GetNodeChildren(Anchor))
+					{
+						if (Index.GetNameId(Child) == NameId)
+						{
+							Selected.push_back(Child);
+						}
+					}
+				}
+				std::sort(Selected.begin(), Selected.end());
+			}
+			if (Selected.size() > Wanted)
+			{
+				return false;
+			}
+			break;
+		}
+		case ENodeForm::Empty:
+			break;
+	}
+
+	if (!bComponents)
+	{
+		return Selected.size() == 1 && Selected[0] == Search.Object;
+	}
+	// Each component step: the components of that name held by what the step before selected.
+	std::vector<std::uint32_t>& Next = Search.Next;
+	for (std::size_t Step = 0; Step < Search.Components.size(); ++Step)
+	{
+		const std::uint32_t ComponentNameId = Index.GetNameId(Search.Components[Step]);
+		Next.clear();
+		if (Candidate.Form == ENodeForm::Empty && Step == 0)
+		{
+			for (const std::uint32_t Component : Index.GetComponentsNamed(ComponentNameId))
+			{
+				if (Index.IsRoot(Component))
+				{
+					Next.push_back(Component);
+				}
+			}
+		}
+		else
+		{
+			for (const std::uint32_t Holder : Selected)
+			{
+				for (const std::uint32_t Component : Index.GetComponentChildren(Holder))
+				{
+					if (Index.GetNameId(Component) == ComponentNameId)
+					{
+						Next.push_back(Component);
+					}
+				}
+			}
+		}
+		if (Next.size() > SelectionLimit)
+		{
+			return false;
+		}
+		Selected.swap(Next);
+	}
+	std::sort(Selected.begin(), Selected.end());
+	Selected.erase(std::unique(Selected.begin(), Selected.end()), Selected.end());
+	return Selected.size() == 1 && Selected[0] == Search.Object;
+}
+
+bool FLodexBestLocatorFinder::FindsOnlyTheObject(const std::string& Lodestring, std::uint32_t ObjectIndex) const
+{
+	const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Lodestring);
+	return Evaluation.bOk && Evaluation.Matches.size() == 1 && Evaluation.Matches[0].Object == ObjectIndex &&
+		Evaluation.Matches[0].Property == NoObject;
 }
 
 FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
@@ -78,111 +356,133 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 	{
 		return Result;
 	}
-	const std::string Absolute = Index.GetAbsoluteLodestring(ObjectIndex);
-	const auto MatchCount = [this](const std::string& Lodestring, std::uint32_t Expected, bool& bOnlyExpected)
+	FSearch Search;
+	Search.Object = ObjectIndex;
+	Search.Node = ObjectIndex;
+	while (Search.Node != NoObject && Index.IsComponent(Search.Node))
 	{
-		const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Lodestring);
-		bOnlyExpected = Evaluation.bOk && Evaluation.Matches.size() == 1 && Evaluation.Matches[0].Object == Expected &&
-			Evaluation.Matches[0].Property == FLodexSceneIndex::None;
-		return Evaluation.bOk ? Evaluation.Matches.size() : std::size_t{0};
-	};
-
-	// The node the locator rests on, and the component steps below it.
-	std::uint32_t Node = ObjectIndex;
-	std::string ComponentSteps;
-	bool bComponentsStable = true;
-	while (Node != FLodexSceneIndex::None && Index.IsComponent(Node))
-	{
-		const std::string& Name = Index.GetName(Node);
-		ComponentSteps = "/fn:component('" + Name + "')" + ComponentSteps;
-		bComponentsStable = bComponentsStable && !HasGeneratedInstanceSuffix(Name);
-		Node = Index.GetParent(Node);
-	}
-	const ELodexLocatorEvidence Floor =
-		ComponentSteps.empty() ? ELodexLocatorEvidence::Tag : ELodexLocatorEvidence::Component;
-
-	std::vector<FBestCandidate> Candidates;
-	const auto Consider = [&](std::string NodeLocator, ELodexLocatorEvidence Evidence, bool bStable)
-	{
-		Candidates.push_back({NodeLocator + ComponentSteps, std::max(Evidence, Floor), bStable && bComponentsStable});
-	};
-	if (Node == FLodexSceneIndex::None)
-	{
-		// A component held by no node: only a step from the root reaches it.
-		Consider("", ELodexLocatorEvidence::Component, true);
-	}
-	else
-	{
-		for (const std::uint32_t TagId : Index.GetTagIds(Node))
+		const std::string& Name = Index.GetName(Search.Node);
+		Search.Components.push_back(Search.Node);
+		Search.ComponentLength += Name.size() + 17;
+		Search.bComponentsStable = Search.bComponentsStable && !HasGeneratedInstanceSuffix(Name);
+		Search.bComponentsPlain = Search.bComponentsPlain && IsPlainQuotedValue(Name);
+		Search.Node = Index.GetParent(Search.Node);
+		if (Search.Node != NoObject && Index.GetCycle(Search.Node) != NoObject && Index.IsComponent(Search.Node))
 		{
-			const std::string& Tag = Index.GetTagText(TagId);
-			// A tag other nodes share is weak evidence (and, without component steps, cannot find the node alone).
-			const bool bShared = Index.GetNodesTagged(TagId).size() > 1;
-			if (!bShared && IsPlainQuotedValue(Tag))
-			{
-				Consider("//*[@tag = '" + Tag + "']", ELodexLocatorEvidence::Tag, true);
-			}
-		}
-		const std::string& Name = Index.GetName(Node);
-		const bool bNameStable = !HasGeneratedInstanceSuffix(Name);
-		if (IsPlainBareName(Name))
-		{
-			// A name many nodes share is not worth evaluating; one other node's is, when component steps follow.
-			const std::size_t Namesakes = Index.GetNodesNamed(Index.GetNameId(Node)).size();
-			if (Namesakes == 1 || (!ComponentSteps.empty() && Namesakes <= SharedNameLimit))
-			{
-				Consider("//" + Name, ELodexLocatorEvidence::Name, bNameStable);
-			}
-			if (Index.IsRoot(Node))
-			{
-				Consider("/" + Name, ELodexLocatorEvidence::Name, bNameStable);
-			}
-			// The nearest ancestors with a plain name, each as an anchor of a relative step.
-			std::uint32_t Ancestor = Index.GetParent(Node);
-			for (int Depth = 0; Ancestor != FLodexSceneIndex::None && Depth < 8; ++Depth)
-			{
-				const std::string& AncestorName = Index.GetName(Ancestor);
-				if (Index.IsNode(Ancestor) && IsPlainBareName(AncestorName))
-				{
-					const bool bAnchorStable = bNameStable && !HasGeneratedInstanceSuffix(AncestorName);
-					Consider("//" + AncestorName + "//" + Name, ELodexLocatorEvidence::Anchor, bAnchorStable);
-					if (Index.GetParent(Node) == Ancestor)
-					{
-						Consider("//" + AncestorName + "/" + Name, ELodexLocatorEvidence::Anchor, bAnchorStable);
-					}
-				}
-				if (Index.GetCycle(Ancestor) != FLodexSceneIndex::None)
-				{
-					break;
-				}
-				Ancestor = Index.GetParent(Ancestor);
-			}
+			Search.bChainComplete = false; // Components holding each other in a loop: no chain to write down.
+			break;
 		}
 	}
-	std::sort(Candidates.begin(), Candidates.end(), IsBetterCandidate);
+	std::reverse(Search.Components.begin(), Search.Components.end());
 
-	for (const FBestCandidate& Candidate : Candidates)
+	if (Search.bChainComplete)
 	{
-		if (Candidate.Lodestring.empty() || Candidate.Lodestring.size() > Absolute.size())
+		GatherCandidates(Search);
+	}
+	std::sort(Search.Candidates.begin(), Search.Candidates.end(), RanksBefore);
+	const std::size_t Limit = bHasLoops ? Index.GetAbsoluteLodestring(ObjectIndex).size() : AbsoluteLength(ObjectIndex);
+
+	for (std::size_t First = 0; First < Search.Candidates.size();)
+	{
+		// Candidates that rank alike are told apart by their text.
+		std::size_t Last = First + 1;
+		while (Last < Search.Candidates.size() && RanksEqual(Search.Candidates[First], Search.Candidates[Last]))
 		{
-			continue;
+			++Last;
 		}
-		bool bOnly = false;
-		const std::size_t Count = MatchCount(Candidate.Lodestring, ObjectIndex, bOnly);
-		if (bOnly && Count == 1)
+		std::vector<std::string> Texts;
+		for (std::size_t Which = First; Which < Last; ++Which)
 		{
-			Result.Lodestring = Candidate.Lodestring;
-			Result.MatchCount = 1;
-			Result.Evidence = Candidate.Evidence;
-			Result.bStable = Candidate.bStable;
-			return Result;
+			if (Search.Candidates[Which].Length <= Limit && MaySelectOnlyTheObject(Search, Search.Candidates[Which]))
+			{
+				Texts.push_back(MakeText(Search, Which));
+			}
 		}
+		std::sort(Texts.begin(), Texts.end());
+		for (std::string& Text : Texts)
+		{
+			if (!Text.empty() && FindsOnlyTheObject(Text, ObjectIndex))
+			{
+				Result.Lodestring = std::move(Text);
+				Result.MatchCount = 1;
+				Result.Evidence = Search.Candidates[First].Evidence;
+				Result.bStable = Search.Candidates[First].bStable;
+				return Result;
+			}
+		}
+		First = Last;
 	}
 	// Nothing shorter singles the object out: its absolute Lodestring, with what it matches.
-	bool bOnly = false;
-	Result.Lodestring = Absolute;
-	Result.MatchCount = MatchCount(Absolute, ObjectIndex, bOnly);
+	Result.Lodestring = Index.GetAbsoluteLodestring(ObjectIndex);
+	const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Result.Lodestring);
+	Result.MatchCount = Evaluation.bOk ? Evaluation.Matches.size() : 0;
 	Result.Evidence = ELodexLocatorEvidence::Absolute;
 	Result.bStable = false;
 	return Result;
+}
+
+void FLodexBestLocatorFinder::GatherCandidates(FSearch& Search) const
+{
+	const bool bComponents = !Search.Components.empty();
+	const ELodexLocatorEvidence Floor = bComponents ? ELodexLocatorEvidence::Component : ELodexLocatorEvidence::Tag;
+	const auto Consider =
+		[&](ENodeForm Form, ELodexLocatorEvidence Evidence, bool bStable, std::uint32_t Id, std::size_t NodeLength)
+	{
+		Search.Candidates.push_back({Form, std::max(Evidence, Floor), bStable && Search.bComponentsStable, Id,
+			NodeLength + Search.ComponentLength});
+	};
+	const std::uint32_t Node = Search.Node;
+	if (Node == NoObject)
+	{
+		// A component held by no node: only a step from the root reaches it.
+		Consider(ENodeForm::Empty, ELodexLocatorEvidence::Component, true, NoObject, 0);
+		return;
+	}
+	for (const std::uint32_t TagId : Index.GetTagIds(Node))
+	{
+		const std::string& Tag = Index.GetTagText(TagId);
+		// A tag other nodes share is weak evidence (and, without component steps, cannot find the node alone).
+		if (Index.GetNodesTagged(TagId).size() == 1 && IsPlainQuotedValue(Tag))
+		{
+			Consider(ENodeForm::Tag, ELodexLocatorEvidence::Tag, true, TagId, Tag.size() + 14);
+		}
+	}
+	const std::string& Name = Index.GetName(Node);
+	if (!IsPlainBareName(Name))
+	{
+		return;
+	}
+	const bool bNameStable = !HasGeneratedInstanceSuffix(Name);
+	// A name many nodes share is not worth trying; one other node's is, when component steps follow.
+	const std::size_t Namesakes = Index.GetNodesNamed(Index.GetNameId(Node)).size();
+	if (Namesakes == 1 || (bComponents && Namesakes <= SharedNameLimit))
+	{
+		Consider(ENodeForm::Name, ELodexLocatorEvidence::Name, bNameStable, NoObject, Name.size() + 2);
+	}
+	if (Index.IsRoot(Node))
+	{
+		Consider(ENodeForm::RootName, ELodexLocatorEvidence::Name, bNameStable, NoObject, Name.size() + 1);
+	}
+	// The nearest ancestors with a plain name that few nodes share, each as an anchor of a relative step.
+	std::uint32_t Ancestor = Index.GetParent(Node);
+	for (int Depth = 0; Ancestor != NoObject && Depth < 8; ++Depth)
+	{
+		const std::string& AncestorName = Index.GetName(Ancestor);
+		if (Index.IsNode(Ancestor) && IsPlainBareName(AncestorName) &&
+			Index.GetNodesNamed(Index.GetNameId(Ancestor)).size() <= SharedNameLimit)
+		{
+			const bool bAnchorStable = bNameStable && !HasGeneratedInstanceSuffix(AncestorName);
+			const std::size_t Length = AncestorName.size() + Name.size() + 2;
+			Consider(ENodeForm::AnchorDescendant, ELodexLocatorEvidence::Anchor, bAnchorStable, Ancestor, Length + 2);
+			if (Index.GetParent(Node) == Ancestor)
+			{
+				Consider(ENodeForm::AnchorChild, ELodexLocatorEvidence::Anchor, bAnchorStable, Ancestor, Length + 1);
+			}
+		}
+		if (Index.GetCycle(Ancestor) != NoObject)
+		{
+			break;
+		}
+		Ancestor = Index.GetParent(Ancestor);
+	}
 }

@@ -41,15 +41,35 @@ struct FLodexBestLocator
  */
 bool HasGeneratedInstanceSuffix(std::string_view Name);
 
+namespace LodexBestLocatorPrivate
+{
+	struct FCandidate;
+}
+
 /** Finds the best Lodestring of objects of one indexed scene; the index must outlive it. */
 class FLodexBestLocatorFinder
 {
 public:
 	explicit FLodexBestLocatorFinder(const FLodexSceneIndex& InIndex);
 
-	/** The best locator of the object at this index of the scene. */
+	/**
+	 * The best locator of the object at this index of the scene. Candidates are ruled out on the index's lists
+	 * first; the one returned has been checked with the evaluator, so a test finds what is suggested.
+	 */
 	FLodexBestLocator Find(std::uint32_t ObjectIndex) const;
 
 private:
+	struct FSearch;
+
+	void GatherCandidates(FSearch& Search) const;
+	/** False when the index shows that the candidate selects something else; true when it may find the object alone. */
+	bool MaySelectOnlyTheObject(FSearch& Search, const LodexBestLocatorPrivate::FCandidate& Candidate) const;
+	std::string MakeText(const FSearch& Search, std::size_t Which) const;
+	bool FindsOnlyTheObject(const std::string& Lodestring, std::uint32_t ObjectIndex) const;
+	/** The length of the object's absolute Lodestring, read off the index (valid when no walk loops). */
+	std::size_t AbsoluteLength(std::uint32_t ObjectIndex) const;
+
 	const FLodexSceneIndex& Index;
+	/** Whether some walk of the scene loops: then what a step selects is left to the evaluator. */
+	bool bHasLoops = false;
 };
