@@ -6,6 +6,10 @@
 #include "FuzzSample.h"
 #include "LintCommand.h"
 
+#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
+
+#include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
 
@@ -64,7 +68,6 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 	const bool bUtf8 = IsUtf8(Input);
 	std::size_t Lodestrings = 0;
 	std::size_t NotUtf8 = 0;
-	std::vector<bool> bLiteralLines(Lines.size() + 1, false);
 	for (std::size_t Index = 0; Index < Literals.size(); ++Index)
 	{
 		const FCSharpApiString& Literal = Literals[Index];
@@ -88,60 +91,67 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 		{
 			return Where + " of a UTF-8 file is decoded to text that is not UTF-8";
 		}
-		bLiteralLines[Literal.Line] = true;
 		const bool bLodestring = !Literal.Value.empty() && Literal.Value[0] == '/';
 		Lodestrings += bLodestring ? 1 : 0;
 		NotUtf8 += bLodestring && !IsUtf8(Literal.Value) ? 1 : 0;
 	}
 
-	FLodexLintCounts Counts;
-	std::string Report;
-	LintCSharpSource(LodexFuzz::GetSampleIndex(), "Test.cs", Input, Counts, Report);
-	if (Counts.Checked != Lodestrings || Counts.Problems > Counts.Checked)
+	static const FLodexBestLocatorFinder Finder(LodexFuzz::GetSampleIndex());
+	FLodexLintReport Report;
+	LintCSharpSource(LodexFuzz::GetSampleIndex(), Finder, "Test.cs", Input, FLodexLintOptions(), Report);
+	if (Report.Checked != Lodestrings)
 	{
-		return "lint checked " + std::to_string(Counts.Checked) + " Lodestrings with " +
-			std::to_string(Counts.Problems) + " problems; the file passes " + std::to_string(Lodestrings);
+		return "lint checked " + std::to_string(Report.Checked) + " Lodestrings; the file passes " +
+			std::to_string(Lodestrings);
 	}
-	if (!Report.empty() && Report.back() != '\n')
+	if (Report.Errors + Report.Warnings != Report.Diagnostics.size())
 	{
-		return "lint's report does not end with a line break: " + Shown(Report);
+		return "lint counts " + std::to_string(Report.Errors) + " errors and " + std::to_string(Report.Warnings) +
+			" warnings for " + std::to_string(Report.Diagnostics.size()) + " findings";
 	}
-	std::vector<std::string> ReportLines = LodexFuzz::SplitLines(Report);
+	const std::string Text = FormatLintReportText(Report, false);
+	std::vector<std::string> ReportLines = LodexFuzz::SplitLines(Text);
+	if (ReportLines.empty() || !ReportLines.back().empty())
+	{
+		return "lint's report does not end with a line break: " + Shown(Text);
+	}
 	ReportLines.pop_back();
-	if (ReportLines.size() != Counts.Problems)
-	{
-		return "lint reports " + std::to_string(Counts.Problems) + " problems in " +
-			std::to_string(ReportLines.size()) + " lines: " + Shown(Report);
-	}
+	ReportLines.pop_back(); // the summary
+	std::size_t Expected = 0;
 	std::size_t NotUtf8Reports = 0;
+	for (const FLodexLintDiagnostic& Diagnostic : Report.Diagnostics)
+	{
+		Expected += 1 + Diagnostic.Notes.size();
+		NotUtf8Reports += Diagnostic.Message == "the Lodestring is not UTF-8 text; save the file as UTF-8" ? 1 : 0;
+		if (Diagnostic.Line < 1 || Diagnostic.Line > Lines.size())
+		{
+			return "lint reports line " + std::to_string(Diagnostic.Line) + " of " + std::to_string(Lines.size());
+		}
+	}
+	if (ReportLines.size() != Expected)
+	{
+		return "lint's report has " + std::to_string(ReportLines.size()) + " lines for " + std::to_string(Expected) +
+			" findings and notes: " + Shown(Text);
+	}
 	for (const std::string& Line : ReportLines)
 	{
-		const std::string Failure = LodexFuzz::CheckFileError(Line, "Test.cs", Input, true);
+		// Each line names the file, a line and a column of it, then what is wrong.
+		const std::string Failure = LodexFuzz::CheckFileError(Line, "Test.cs", Input, false);
 		if (!Failure.empty())
 		{
 			return "lint's report: " + Failure;
-		}
-		std::size_t LineNumber = 0;
-		std::size_t At = 8;
-		for (; At < Line.size() && Line[At] >= '0' && Line[At] <= '9'; ++At)
-		{
-			LineNumber = LineNumber * 10 + static_cast<std::size_t>(Line[At] - '0');
-		}
-		// A Lodestring begins with "/": what follows "Test.cs:LINE: " tells the reports apart.
-		const std::string NotUtf8Report = ": the Lodestring is not UTF-8 text; save the file as UTF-8";
-		if (Line.compare(At, std::string::npos, NotUtf8Report) == 0)
-		{
-			++NotUtf8Reports;
-		}
-		if (LineNumber == 0 || LineNumber > Lines.size() || !bLiteralLines[LineNumber])
-		{
-			return "lint reports line " + std::to_string(LineNumber) + ", where no literal begins: " + Shown(Line);
 		}
 	}
 	if (NotUtf8Reports != NotUtf8)
 	{
 		return "lint reports " + std::to_string(NotUtf8Reports) + " Lodestrings as not UTF-8 text, of " +
-			std::to_string(NotUtf8) + ": " + Shown(Report);
+			std::to_string(NotUtf8) + ": " + Shown(Text);
+	}
+	const nlohmann::json Json = nlohmann::json::parse(FormatLintReportJson(Report, false), nullptr, false);
+	if (Json.is_discarded() || !Json["diagnostics"].is_array() ||
+		Json["diagnostics"].size() != Report.Diagnostics.size())
+	{
+		return "lint's JSON report does not list its findings: " + Shown(FormatLintReportJson(Report, false));
 	}
 	return std::string();
 }

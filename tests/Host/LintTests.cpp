@@ -1,11 +1,13 @@
 // Copyright Lodex contributors.
 #include "CSharpLiterals.h"
+#include "LintLevel.h"
 #include "LodestringCases.h"
 #include "LodexCli.h"
 #include "LodexRun.h"
 #include "TempDir.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdlib>
 
@@ -100,14 +102,18 @@ namespace
 		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Good, Bad});
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Err, "");
+		// The column is where the part of the locator at fault begins: the locator, or the unknown attribute.
 		EXPECT_EQ(Run.Out,
-			Bad + ":2: //Nobody matches no object\n" + Bad + ":3: //*[@tag = 't1'] matches 2 objects: not unique\n" +
-				Bad + ":4: /*[@nam = 'A'] cannot be read: Unknown attribute: only @name and @tag can be compared\n" +
-				"Checked 6 Lodestrings in 2 files: 3 do not match exactly one object\n");
+			Bad + ":2:12: error: //Nobody matches no object [no-match]\n" + Bad +
+				":3:13: error: //*[@tag = 't1'] matches 2 objects: not unique [ambiguous]\n" + Bad +
+				":3:13: note: match 1 of 2: /A\n" + Bad + ":3:13: note: match 2 of 2: /A1\n" + Bad +
+				":4:15: error: /*[@nam = 'A'] cannot be read: Unknown attribute: only @name and @tag can be compared "
+				"[unreadable]\n"
+				"Checked 6 Lodestrings in 2 files: 3 errors, 0 warnings\n");
 
 		const FLodexRun Clean = RunLodex({"lint", "--scene", ScenePath, Good});
 		EXPECT_EQ(Clean.Exit, 0);
-		EXPECT_EQ(Clean.Out, "Checked 2 Lodestrings in 1 file: each matches exactly one object\n");
+		EXPECT_EQ(Clean.Out, "Checked 2 Lodestrings in 1 file: no errors, no warnings\n");
 	}
 
 	TEST_F(LodexLint, FoldersAreSearchedForCSharpFilesInNameOrder)
@@ -119,9 +125,9 @@ namespace
 		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Dir.File("tests")});
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Out,
-			Dir.File("tests") + "/a/First.cs:1: //Ghost matches no object\n" + Dir.File("tests") +
-				"/b/Second.cs:1: //Nobody matches no object\nChecked 2 Lodestrings in 2 files: 2 do not match exactly "
-				"one object\n");
+			Dir.File("tests") + "/a/First.cs:1:12: error: //Ghost matches no object [no-match]\n" + Dir.File("tests") +
+				"/b/Second.cs:1:12: error: //Nobody matches no object [no-match]\nChecked 2 Lodestrings in 2 files: 2 "
+				"errors, 0 warnings\n");
 	}
 
 	TEST_F(LodexLint, EachProblemIsOneLineOfText)
@@ -135,10 +141,10 @@ namespace
 		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Odd});
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_EQ(Run.Out,
-			Odd + ":1: //Door\\nwith a line break matches no object\n" + Odd +
-				":3: //Door\\t\\0\\u0001\\r matches no object\n" + Odd +
-				":4: the Lodestring is not UTF-8 text; save the file as UTF-8\n"
-				"Checked 4 Lodestrings in 1 file: 3 do not match exactly one object\n");
+			Odd + ":1:13: error: //Door\\nwith a line break matches no object [no-match]\n" + Odd +
+				":3:12: error: //Door\\t\\0\\u0001\\r matches no object [no-match]\n" + Odd +
+				":4:12: error: the Lodestring is not UTF-8 text; save the file as UTF-8 [unreadable]\n"
+				"Checked 4 Lodestrings in 1 file: 3 errors, 0 warnings\n");
 	}
 
 	TEST_F(LodexLint, AnUnreadableFileStopsWithOneLineAndNoReport)
@@ -156,6 +162,134 @@ namespace
 		const FLodexRun Usage = RunLodex({"lint", "--scene", ScenePath});
 		EXPECT_EQ(Usage.Exit, 2);
 		EXPECT_NE(Usage.Err.find("Usage:"), std::string::npos);
+	}
+
+	/** A test class that passes a locator of each kind of brittleness, and one that is sound, to `api`. */
+	const char* const BrittleTests = "public class DoorTests\n"
+									 "{\n"
+									 "    public void Opens()\n"
+									 "    {\n"
+									 "        api.Click(\"//Cube_2\");\n"
+									 "        api.Click(\"//House/*[@tag = 'red']\");\n"
+									 "        api.Click(\"/*[@name = 'L1']/*[@name = 'L2']/*[@name = 'L3']/*[@name = "
+									 "'L4']/*[@name = 'L5']/*[@name = 'L6']\");\n"
+									 "        api.Click(\"//*[@tag = 'pair']\");\n"
+									 "        var Twins = api.GetAllObjects(\"//*[@tag = 'pair']\");\n"
+									 "        api.Click(\"//Door\");\n"
+									 "    }\n"
+									 "}\n";
+
+	class LodexLintRules : public ::testing::Test
+	{
+	protected:
+		void SetUp() override
+		{
+			ASSERT_FALSE(Dir.Path.empty());
+			ScenePath = Dir.Write("level.json", LintLevel::Scene);
+			Tests = Dir.Write("DoorTests.cs", BrittleTests);
+		}
+		FTempDir Dir;
+		std::string ScenePath;
+		std::string Tests;
+	};
+
+	TEST_F(LodexLintRules, StrictFlagsEachRuleWithItsSuggestionAndFails)
+	{
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, "--strict", Tests});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(Run.Out,
+			Tests +
+				":5:22: warning: the name 'Cube_2' ends in a generated instance number, which can change from one run "
+				"to the next; suggested: //*[@tag = 'crate'] [generated-suffix]\n" +
+				Tests +
+				":6:29: warning: the predicate [@tag = 'red'] matches 2 objects of the scene: the path finds one only "
+				"by where it looks; suggested: //Door [shared-tag]\n" +
+				Tests +
+				":7:20: warning: the path names 6 levels from the root (more than 5): re-attaching any of them "
+				"breaks it; suggested: //L6 [deep-absolute]\n" +
+				Tests + ":8:20: error: //*[@tag = 'pair'] matches 2 objects: not unique [ambiguous]\n" + Tests +
+				":8:20: note: match 1 of 2: /*[@name = 'Twin'] (matches 2 objects: not unique)\n" + Tests +
+				":8:20: note: match 2 of 2: /*[@name = 'Twin'] (matches 2 objects: not unique)\n"
+				"Checked 6 Lodestrings in 1 file: 1 error, 3 warnings (warnings fail with --strict)\n");
+	}
+
+	TEST_F(LodexLintRules, WarningsAloneFailOnlyWithStrict)
+	{
+		const std::string Warned = Dir.Write("Warned.cs", "api.Click(\"//Cube_2\");");
+		const FLodexRun Lenient = RunLodex({"lint", "--scene", ScenePath, Warned});
+		EXPECT_EQ(Lenient.Exit, 0);
+		EXPECT_EQ(
+			Lenient.Out.substr(Lenient.Out.rfind("Checked")), "Checked 1 Lodestring in 1 file: 0 errors, 1 warning\n");
+		EXPECT_EQ(RunLodex({"lint", "--scene", ScenePath, "--strict", Warned}).Exit, 1);
+
+		// The depth allowed is the user's to set.
+		const FLodexRun Deeper = RunLodex({"lint", "--scene", ScenePath, "--strict", "--max-depth", "6",
+			Dir.Write("Deep.cs",
+				"api.Click(\"/*[@name = 'L1']/*[@name = 'L2']/*[@name = 'L3']/*[@name = "
+				"'L4']/*[@name = 'L5']/*[@name = 'L6']\");")});
+		EXPECT_EQ(Deeper.Exit, 0) << Deeper.Out;
+
+		for (const std::vector<std::string>& Bad :
+			{std::vector<std::string>{"--max-depth", "0"}, {"--max-depth", "deep"}, {"--format", "xml"}})
+		{
+			std::vector<std::string> Args = {"lint", "--scene", ScenePath, Warned};
+			Args.insert(Args.end(), Bad.begin(), Bad.end());
+			const FLodexRun Usage = RunLodex(Args);
+			EXPECT_EQ(Usage.Exit, 2) << Bad[0] << " " << Bad[1];
+			EXPECT_NE(Usage.Err.find("Usage:"), std::string::npos) << Usage.Err;
+		}
+	}
+
+	TEST_F(LodexLintRules, JsonListsTheSameFindingsForTools)
+	{
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, "--format", "json", Tests});
+		EXPECT_EQ(Run.Exit, 1);
+		const nlohmann::json Json = nlohmann::json::parse(Run.Out);
+		EXPECT_EQ(Json["files"], 1);
+		EXPECT_EQ(Json["checked"], 6);
+		EXPECT_EQ(Json["errors"], 1);
+		EXPECT_EQ(Json["warnings"], 3);
+		EXPECT_EQ(Json["passed"], false);
+		ASSERT_EQ(Json["diagnostics"].size(), 4u);
+		const nlohmann::json& First = Json["diagnostics"][0];
+		EXPECT_EQ(First["file"], Tests);
+		EXPECT_EQ(First["line"], 5);
+		EXPECT_EQ(First["column"], 22);
+		EXPECT_EQ(First["severity"], "warning");
+		EXPECT_EQ(First["rule"], "generated-suffix");
+		EXPECT_EQ(First["lodestring"], "//Cube_2");
+		EXPECT_EQ(First["method"], "Click");
+		EXPECT_EQ(First["matches"], 1);
+		EXPECT_EQ(First["suggestion"], "//*[@tag = 'crate']");
+		const nlohmann::json& Ambiguous = Json["diagnostics"][3];
+		EXPECT_EQ(Ambiguous["rule"], "ambiguous");
+		EXPECT_TRUE(Ambiguous["suggestion"].is_null());
+		EXPECT_EQ(Ambiguous["notes"].size(), 2u);
+		EXPECT_EQ(Ambiguous["matches"], 2);
+	}
+
+	TEST_F(LodexLintRules, ColumnsFollowTheSourceThroughEscapesAndLineBreaks)
+	{
+		// "\u002F" is one "/" of the locator; a verbatim literal's line break moves the finding to the next line.
+		const std::string Source = "api.Click(\"\\u002F/Cube_2\");\n"
+								   "api.Click(@\"//Door\n//Cube_2\");\n"
+								   "api.Click(\"\"\"//Cube_2\"\"\");\n";
+		const FLodexRun Run =
+			RunLodex({"lint", "--scene", ScenePath, "--format", "json", Dir.Write("Escaped.cs", Source)});
+		const nlohmann::json Json = nlohmann::json::parse(Run.Out);
+		ASSERT_EQ(Json["diagnostics"].size(), 4u) << Run.Out;
+		// The name after the escape: "api.Click(\"" is 11 characters, the escape 6, then "/".
+		EXPECT_EQ(Json["diagnostics"][0]["line"], 1);
+		EXPECT_EQ(Json["diagnostics"][0]["column"], 19);
+		EXPECT_EQ(Json["diagnostics"][1]["rule"], "no-match");
+		EXPECT_EQ(Json["diagnostics"][1]["column"], 13);
+		EXPECT_EQ(Json["diagnostics"][2]["rule"], "generated-suffix");
+		EXPECT_EQ(Json["diagnostics"][2]["line"], 3);
+		EXPECT_EQ(Json["diagnostics"][2]["column"], 3);
+		// A raw literal's lines lose their indentation: its findings point at the literal.
+		EXPECT_EQ(Json["diagnostics"][3]["line"], 4);
+		EXPECT_EQ(Json["diagnostics"][3]["column"], 11);
 	}
 
 	TEST_F(LodexLint, CopyTellsOnStandardErrorHowManyObjectsEachCopiedLodestringMatches)

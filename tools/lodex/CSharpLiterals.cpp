@@ -23,6 +23,10 @@ namespace
 		std::string Text;
 		std::size_t Line = 0;
 		std::size_t Column = 0;
+		/** Where the token begins in the source, in bytes. */
+		std::size_t Offset = 0;
+		/** Strings: for each byte of Text, the source offset of the character or escape it was read from. */
+		std::vector<std::uint32_t> Offsets;
 	};
 
 	void AppendUtf8(std::string& Out, std::uint32_t CodePoint)
@@ -82,6 +86,7 @@ namespace
 			}
 			AppendUtf8(Out, (Value >= 0xDC00 && Value <= 0xDFFF) ? 0xFFFD : Value);
 		}
+		bool IsHolding() const { return High != 0; }
 		void Flush()
 		{
 			if (High != 0)
@@ -142,7 +147,7 @@ namespace
 		}
 		FCSharpToken& Push(ECSharpToken Kind)
 		{
-			Tokens.push_back({Kind, std::string(), Line, Column()});
+			Tokens.push_back({Kind, std::string(), Line, Column(), Pos, {}});
 			return Tokens.back();
 		}
 		std::size_t QuotesAt(std::size_t From) const
@@ -183,11 +188,13 @@ namespace
 				FCSharpToken& Token = Push(ECSharpToken::String);
 				if (QuotesAt(Pos) >= 3)
 				{
+					// Each byte of a raw literal's value points at the literal: its lines lose their indentation.
 					Token.Text = ReadRaw();
+					Token.Offsets.assign(Token.Text.size(), static_cast<std::uint32_t>(Token.Offset));
 				}
 				else
 				{
-					Token.Text = ReadRegular();
+					Token.Text = ReadRegular(Token.Offsets);
 				}
 				SkipUtf8Suffix();
 			}
@@ -195,7 +202,7 @@ namespace
 			{
 				FCSharpToken& Token = Push(ECSharpToken::String);
 				Advance();
-				Token.Text = ReadVerbatim();
+				Token.Text = ReadVerbatim(Token.Offsets);
 				SkipUtf8Suffix();
 			}
 			else if (Char == '$' || (Char == '@' && At(1) == '$'))
@@ -249,19 +256,32 @@ namespace
 			}
 		}
 
+		/** Gives the bytes added to Value since the last call the source offset From. */
+		static void MarkFrom(const std::string& Value, std::vector<std::uint32_t>& Offsets, std::size_t From)
+		{
+			Offsets.resize(Value.size(), static_cast<std::uint32_t>(From));
+		}
+
 		/** "..." with C# escapes; an unterminated literal ends at the end of its line. */
-		std::string ReadRegular()
+		std::string ReadRegular(std::vector<std::uint32_t>& Offsets)
 		{
 			std::string Value;
 			FUtf16Joiner Joiner(Value);
 			Advance();
+			// A surrogate pair's bytes come out with its second half: they point at the first.
+			constexpr std::size_t NoPending = static_cast<std::size_t>(-1);
+			std::size_t Pending = NoPending;
 			while (Pos < N && At() != '"' && At() != '\n')
 			{
+				const std::size_t From = Pos;
+				const std::size_t Origin = Pending != NoPending ? Pending : From;
 				if (At() != '\\')
 				{
 					Joiner.Flush();
 					Value += At();
 					Advance();
+					MarkFrom(Value, Offsets, Origin);
+					Pending = NoPending;
 					continue;
 				}
 				const char Escape = At(1);
@@ -331,19 +351,23 @@ namespace
 						Value += Escape;
 						break;
 				}
+				MarkFrom(Value, Offsets, Origin);
+				Pending = Joiner.IsHolding() ? From : NoPending;
 			}
 			Joiner.Flush();
+			MarkFrom(Value, Offsets, Pending != NoPending ? Pending : Pos);
 			Advance(); // the closing quote
 			return Value;
 		}
 
 		/** @"..." where "" stands for one quote; the opening quote is at Pos. */
-		std::string ReadVerbatim()
+		std::string ReadVerbatim(std::vector<std::uint32_t>& Offsets)
 		{
 			std::string Value;
 			Advance();
 			while (Pos < N)
 			{
+				const std::size_t From = Pos;
 				if (At() == '"')
 				{
 					if (At(1) != '"')
@@ -355,6 +379,7 @@ namespace
 				}
 				Value += At();
 				Advance();
+				MarkFrom(Value, Offsets, From);
 			}
 			return Value;
 		}
@@ -581,7 +606,8 @@ std::vector<FCSharpApiString> FindApiStringArguments(const std::string& Source)
 				}
 				if (Index - First == 1 && Tokens[First].Kind == ECSharpToken::String)
 				{
-					Found.push_back({Tokens[First].Text, Tokens[First].Line, Tokens[First].Column, Method});
+					Found.push_back(
+						{Tokens[First].Text, Tokens[First].Line, Tokens[First].Column, Method, Tokens[First].Offsets});
 				}
 				ArgumentStart = Index + 1;
 				if (bEnd)
@@ -600,4 +626,24 @@ std::vector<FCSharpApiString> FindApiStringArguments(const std::string& Source)
 		[](const FCSharpApiString& Left, const FCSharpApiString& Right)
 		{ return Left.Line != Right.Line ? Left.Line < Right.Line : Left.Column < Right.Column; });
 	return Found;
+}
+
+FCSharpPosition GetCSharpSourcePosition(const std::string& Source, std::size_t Offset)
+{
+	FCSharpPosition Position;
+	std::size_t LineStart = Source.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+	const std::size_t End = std::min(Offset, Source.size());
+	for (std::size_t At = LineStart; At < End; ++At)
+	{
+		if (Source[At] == '\n')
+		{
+			++Position.Line;
+			LineStart = At + 1;
+		}
+	}
+	for (std::size_t At = LineStart; At < End; ++At)
+	{
+		Position.Column += (static_cast<unsigned char>(Source[At]) & 0xC0) != 0x80 ? 1 : 0;
+	}
+	return Position;
 }

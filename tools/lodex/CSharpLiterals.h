@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,22 @@ struct FCSharpApiString
 	std::size_t Column = 0;
 	/** The method called on `api`, as "CallMethod". */
 	std::string Method;
+	/**
+	 * For each byte of Value, the source offset (in bytes) of the character or escape it was read from; a raw
+	 * literal's bytes all point at the literal.
+	 */
+	std::vector<std::uint32_t> ValueOffsets;
 };
+
+/** A place in C# source: 1-based line, and 1-based column counted in characters (a byte order mark is none). */
+struct FCSharpPosition
+{
+	std::size_t Line = 1;
+	std::size_t Column = 1;
+};
+
+/** The line and column of a byte offset of the source, counted as the literals' own are. */
+FCSharpPosition GetCSharpSourcePosition(const std::string& Source, std::size_t Offset);
 
 /**
  * Finds the string literals that C# source passes to methods of `api` (`api.Click("...")`,

@@ -7,11 +7,11 @@
 #include "SceneSnapshot.h"
 #include "WholeFile.h"
 
-#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
-#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
-#include "LodexDebugger/Core/Text/LodexText.h"
+#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
+#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <filesystem>
@@ -19,55 +19,127 @@
 
 namespace
 {
-	/** A Lodestring as the report shows it: control characters as C# escapes, so that each report is one line. */
-	std::string ShowLintedLodestring(const std::string& Lodestring)
+	const char* SeverityText(ELodexLintSeverity Severity)
 	{
-		static const char Hex[] = "0123456789ABCDEF";
-		std::string Shown;
-		for (const char Char : Lodestring)
-		{
-			const unsigned char Byte = static_cast<unsigned char>(Char);
-			if (Byte >= 0x20)
-			{
-				Shown += Char;
-			}
-			else if (Char == '\0' || Char == '\t' || Char == '\n' || Char == '\r')
-			{
-				Shown += Char == '\0' ? "\\0" : (Char == '\t' ? "\\t" : (Char == '\n' ? "\\n" : "\\r"));
-			}
-			else
-			{
-				Shown += std::string("\\u00") + Hex[Byte >> 4] + Hex[Byte & 0xF];
-			}
-		}
-		return Shown;
+		return Severity == ELodexLintSeverity::Error ? "error" : "warning";
+	}
+
+	std::string Counted(std::size_t Count, const char* One, const char* Many)
+	{
+		return std::to_string(Count) + " " + (Count == 1 ? One : Many);
 	}
 }
 
-void LintCSharpSource(const FLodexSceneIndex& Index, const std::string& FileName, const std::string& Source,
-	FLodexLintCounts& Counts, std::string& Report)
+void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
+	const std::string& Source, const FLodexLintOptions& Options, FLodexLintReport& Report)
 {
+	++Report.Files;
 	for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
 	{
 		if (Literal.Value.empty() || Literal.Value[0] != '/')
 		{
 			continue; // not a Lodestring: a method name, a value
 		}
-		++Counts.Checked;
-		const std::string Where = FileName + ":" + std::to_string(Literal.Line) + ": ";
-		if (!LodexText::IsUtf8(Literal.Value))
+		++Report.Checked;
+		FLodexLintOptions CallOptions = Options;
+		CallOptions.bExpectsOneObject = LodexLintExpectsOneObject(Literal.Method);
+		const FLodexLintResult Result = LintLodestring(Index, Finder, Literal.Value, CallOptions);
+		for (const FLodexLintFinding& Finding : Result.Findings)
 		{
-			++Counts.Problems;
-			Report += Where + "the Lodestring is not UTF-8 text; save the file as UTF-8\n";
-			continue;
-		}
-		const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Literal.Value);
-		if (!IsUniqueLodestringMatch(Evaluation))
-		{
-			++Counts.Problems;
-			Report += Where + DescribeLodestringCheck(ShowLintedLodestring(Literal.Value), Evaluation) + "\n";
+			FLodexLintDiagnostic Diagnostic;
+			Diagnostic.File = FileName;
+			// Where the part of the locator it is about begins in the file (an escape: where the escape begins).
+			if (Finding.Span.Begin < Literal.ValueOffsets.size())
+			{
+				const FCSharpPosition Position =
+					GetCSharpSourcePosition(Source, Literal.ValueOffsets[Finding.Span.Begin]);
+				Diagnostic.Line = Position.Line;
+				Diagnostic.Column = Position.Column;
+			}
+			else
+			{
+				Diagnostic.Line = Literal.Line;
+				Diagnostic.Column = Literal.Column;
+			}
+			Diagnostic.Severity = Finding.Severity;
+			Diagnostic.Rule = Finding.Rule;
+			Diagnostic.Message = Finding.Message;
+			Diagnostic.Lodestring = ShowLodestringOnOneLine(Literal.Value);
+			Diagnostic.Method = Literal.Method;
+			Diagnostic.MatchCount = Result.MatchCount;
+			Diagnostic.Suggestion = ShowLodestringOnOneLine(Finding.Suggestion);
+			Diagnostic.Notes = Finding.Notes;
+			(Finding.Severity == ELodexLintSeverity::Error ? Report.Errors : Report.Warnings) += 1;
+			Report.Diagnostics.push_back(std::move(Diagnostic));
 		}
 	}
+}
+
+bool LintReportFails(const FLodexLintReport& Report, bool bStrict)
+{
+	return Report.Errors > 0 || (bStrict && Report.Warnings > 0);
+}
+
+std::string FormatLintReportText(const FLodexLintReport& Report, bool bStrict)
+{
+	std::string Text;
+	for (const FLodexLintDiagnostic& Diagnostic : Report.Diagnostics)
+	{
+		const std::string Where =
+			Diagnostic.File + ":" + std::to_string(Diagnostic.Line) + ":" + std::to_string(Diagnostic.Column) + ": ";
+		Text += Where + SeverityText(Diagnostic.Severity) + ": " + Diagnostic.Message;
+		if (!Diagnostic.Suggestion.empty())
+		{
+			Text += "; suggested: " + Diagnostic.Suggestion;
+		}
+		Text += " [" + Diagnostic.Rule + "]\n";
+		for (const std::string& Note : Diagnostic.Notes)
+		{
+			Text += Where + "note: " + Note + "\n";
+		}
+	}
+	Text += "Checked " + Counted(Report.Checked, "Lodestring", "Lodestrings") + " in " +
+		Counted(Report.Files, "file", "files") + ": ";
+	if (Report.Errors == 0 && Report.Warnings == 0)
+	{
+		Text += "no errors, no warnings\n";
+		return Text;
+	}
+	Text += Counted(Report.Errors, "error", "errors") + ", " + Counted(Report.Warnings, "warning", "warnings");
+	Text += bStrict && Report.Warnings > 0 ? " (warnings fail with --strict)\n" : "\n";
+	return Text;
+}
+
+std::string FormatLintReportJson(const FLodexLintReport& Report, bool bStrict)
+{
+	nlohmann::ordered_json Diagnostics = nlohmann::ordered_json::array();
+	for (const FLodexLintDiagnostic& Diagnostic : Report.Diagnostics)
+	{
+		nlohmann::ordered_json Item;
+		Item["file"] = Diagnostic.File;
+		Item["line"] = Diagnostic.Line;
+		Item["column"] = Diagnostic.Column;
+		Item["severity"] = SeverityText(Diagnostic.Severity);
+		Item["rule"] = Diagnostic.Rule;
+		Item["message"] = Diagnostic.Message;
+		Item["lodestring"] = Diagnostic.Lodestring;
+		Item["method"] = Diagnostic.Method;
+		Item["matches"] = Diagnostic.MatchCount;
+		Item["suggestion"] =
+			Diagnostic.Suggestion.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(Diagnostic.Suggestion);
+		Item["notes"] = Diagnostic.Notes;
+		Diagnostics.push_back(std::move(Item));
+	}
+	nlohmann::ordered_json Json;
+	Json["files"] = Report.Files;
+	Json["checked"] = Report.Checked;
+	Json["errors"] = Report.Errors;
+	Json["warnings"] = Report.Warnings;
+	Json["strict"] = bStrict;
+	Json["passed"] = !LintReportFails(Report, bStrict);
+	Json["diagnostics"] = std::move(Diagnostics);
+	// A locator that is not UTF-8 is shown with U+FFFD where its bytes are not text.
+	return Json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
 namespace
@@ -130,6 +202,14 @@ namespace
 				"scene");
 			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
 			Sub->add_option("tests", Tests, "C# files, or folders searched for .cs files")->required();
+			Sub->add_flag("--strict", bStrict, "Warnings fail the run as errors do");
+			Sub->add_option("--max-depth", Options.MaxAbsoluteDepth,
+				   "The most steps from the root, before any //, a locator may name without a warning")
+				->check(CLI::PositiveNumber)
+				->default_val(Options.MaxAbsoluteDepth);
+			Sub->add_option("--format", Format, "text (file:line:col: lines) or json")
+				->check(CLI::IsMember({"text", "json"}))
+				->default_val(Format);
 			return Sub;
 		}
 
@@ -150,32 +230,23 @@ namespace
 			}
 
 			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
-			FLodexLintCounts Counts;
-			std::string Report;
+			const FLodexBestLocatorFinder Finder(*Index);
+			FLodexLintReport Report;
 			for (const FTestFile& File : Files)
 			{
-				LintCSharpSource(*Index, File.Path, File.Text, Counts, Report);
+				LintCSharpSource(*Index, Finder, File.Path, File.Text, Options, Report);
 			}
-			const std::size_t Checked = Counts.Checked;
-			const std::size_t Problems = Counts.Problems;
-			Report += "Checked " + std::to_string(Checked) + (Checked == 1 ? " Lodestring" : " Lodestrings") + " in " +
-				std::to_string(Files.size()) + (Files.size() == 1 ? " file: " : " files: ");
-			if (Problems == 0)
-			{
-				Report += "each matches exactly one object\n";
-			}
-			else
-			{
-				Report += std::to_string(Problems) +
-					(Problems == 1 ? " does not match exactly one object\n" : " do not match exactly one object\n");
-			}
-			Io.Out << Report;
-			return Problems == 0 ? LodexExitOk : LodexExitFailure;
+			Io.Out << (Format == "json" ? FormatLintReportJson(Report, bStrict)
+										: FormatLintReportText(Report, bStrict));
+			return LintReportFails(Report, bStrict) ? LodexExitFailure : LodexExitOk;
 		}
 
 	private:
 		std::string ScenePath;
 		std::vector<std::string> Tests;
+		bool bStrict = false;
+		FLodexLintOptions Options;
+		std::string Format = "text";
 	};
 }
 

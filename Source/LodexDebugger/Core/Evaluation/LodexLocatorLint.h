@@ -1,0 +1,87 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "LodestringProgram.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class FLodexBestLocatorFinder;
+class FLodexSceneIndex;
+
+enum class ELodexLintSeverity : std::uint8_t
+{
+	/** The locator does not do what the call needs today: it cannot be read, or finds the wrong number of objects. */
+	Error,
+	/** The locator works today but is likely to break: it rests on something that changes between runs or edits. */
+	Warning,
+};
+
+/** The rules a locator is checked against, by the names the report gives them. */
+namespace LodexLintRules
+{
+	/** Error: the text cannot be read, or is not UTF-8. */
+	inline constexpr const char* Unreadable = "unreadable";
+	/** Error: the locator matches no object. */
+	inline constexpr const char* NoMatch = "no-match";
+	/** Error: the locator matches more than one object where the call expects one. */
+	inline constexpr const char* Ambiguous = "ambiguous";
+	/** Warning: a name it tests ends in a generated instance number (`Cube_2`, `Enemy_C_3`). */
+	inline constexpr const char* GeneratedSuffix = "generated-suffix";
+	/** Warning: it names more levels from the root than allowed, each a parent that may be re-attached. */
+	inline constexpr const char* DeepAbsolute = "deep-absolute";
+	/** Warning: the locator finds the one object the call expects, but its tag predicate alone matches several. */
+	inline constexpr const char* SharedTag = "shared-tag";
+}
+
+struct FLodexLintOptions
+{
+	/** The most steps from the root, before any "//", that a locator may name without a warning. */
+	std::size_t MaxAbsoluteDepth = 5;
+	/** Whether the call the locator is passed to acts on one object (a click), not on a list. */
+	bool bExpectsOneObject = true;
+};
+
+/** One problem of one locator. */
+struct FLodexLintFinding
+{
+	ELodexLintSeverity Severity = ELodexLintSeverity::Error;
+	/** One of `LodexLintRules`. */
+	const char* Rule = LodexLintRules::Unreadable;
+	/** One line, the locator shown with its control characters escaped. */
+	std::string Message;
+	/** The part of the locator the finding is about (the whole of it for the errors). */
+	FLodexSpan Span;
+	/** The best locator of the object it matches, when it matches one and the best one differs; else empty. */
+	std::string Suggestion;
+	/** More lines: for an ambiguous locator, the best locator of each object it matches (at most five). */
+	std::vector<std::string> Notes;
+};
+
+/** What checking one locator found, and how many objects it matches. */
+struct FLodexLintResult
+{
+	std::size_t MatchCount = 0;
+	std::vector<FLodexLintFinding> Findings;
+};
+
+/**
+ * Checks one locator against an indexed scene: the errors (it cannot be read, matches no object, matches several
+ * where one is expected) and the warnings (a generated instance number in a name it tests, too many levels from
+ * the root, a tag predicate that several objects satisfy), each with the best locator of the object it matches as
+ * the suggested replacement. The finder must be over the same index.
+ */
+FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder,
+	const std::string& Lodestring, const FLodexLintOptions& Options);
+
+/**
+ * Whether a method of the test API acts on one object: all do but those whose name says they take several
+ * (holding "Objects", "List", "All" or "Count", as `GetAllObjects` or `GetObjectCount`).
+ */
+bool LodexLintExpectsOneObject(std::string_view Method);
+
+/** A locator on one line: control characters as C# escapes (`\n`, `\t`, `\0`, else `\u00XX`). */
+std::string ShowLodestringOnOneLine(const std::string& Lodestring);
