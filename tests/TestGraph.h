@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
 #include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
 #include "LodexDebugger/Core/Text/LodexOutput.h"
 
@@ -105,6 +106,27 @@ private:
 
 	std::deque<FNode> Nodes;
 	FNode* LevelNode = nullptr;
+};
+
+/** A test graph that is also a scene: the objects listed, in the order they were listed. */
+class FListedTestGraph final
+	: public FTestGraph
+	, public ILodexSceneObjects
+{
+public:
+	FNode& Listed(FNode& Node)
+	{
+		Objects.push_back(Handle(Node));
+		return Node;
+	}
+
+	void GetAllObjects(std::vector<FLodexObject>& OutObjects) const override
+	{
+		OutObjects.insert(OutObjects.end(), Objects.begin(), Objects.end());
+	}
+
+private:
+	std::vector<FLodexObject> Objects;
 };
 
 /** Records what the module writes to the log and the clipboard. */

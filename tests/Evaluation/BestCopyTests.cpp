@@ -12,30 +12,9 @@
 
 namespace
 {
-	/** A small level whose objects are listed in the order they were added. */
-	class FBestCopyScene final
-		: public FTestGraph
-		, public ILodexSceneObjects
-	{
-	public:
-		FNode& Listed(FNode& Node)
-		{
-			Objects.push_back(Handle(Node));
-			return Node;
-		}
-
-		void GetAllObjects(std::vector<FLodexObject>& OutObjects) const override
-		{
-			OutObjects.insert(OutObjects.end(), Objects.begin(), Objects.end());
-		}
-
-	private:
-		std::vector<FLodexObject> Objects;
-	};
-
 	TEST(BestCopy, LogsEachSelectedActorsBestLodestringWithItsCountAndCopiesThemAllOneALine)
 	{
-		FBestCopyScene Scene;
+		FListedTestGraph Scene;
 		FTestGraph::FNode& House = Scene.Listed(Scene.Actor("House", nullptr, {"bldg"}));
 		FTestGraph::FNode& Door = Scene.Listed(Scene.Actor("Door", &House));
 		Scene.Listed(Scene.Add(FTestGraph::EKind::Component, "Hinge", &Door));
@@ -71,7 +50,7 @@ namespace
 
 	TEST(BestCopy, AnEmptySelectionOrOneOfNothingButStrangersCopiesNothing)
 	{
-		FBestCopyScene Scene;
+		FListedTestGraph Scene;
 		Scene.Listed(Scene.Actor("Lamp"));
 		FTestGraph::FNode& Elsewhere = Scene.Actor("Elsewhere");
 		const FLodexSceneIndex Index(Scene, Scene);

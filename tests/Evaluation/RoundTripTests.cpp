@@ -274,23 +274,7 @@ namespace
 
 	TEST(LodestringBestLocator, RanksTagsThenStableNamesThenAnchorsAndAvoidsGeneratedNames)
 	{
-		class FLevel final
-			: public FTestGraph
-			, public ILodexSceneObjects
-		{
-		public:
-			FNode& Listed(FNode& Node)
-			{
-				Objects.push_back(Handle(Node));
-				return Node;
-			}
-			void GetAllObjects(std::vector<FLodexObject>& OutObjects) const override
-			{
-				OutObjects.insert(OutObjects.end(), Objects.begin(), Objects.end());
-			}
-			std::vector<FLodexObject> Objects;
-		};
-		FLevel Level;
+		FListedTestGraph Level;
 		FTestGraph::FNode& House = Level.Listed(Level.Actor("House", nullptr, {"bldg"}));
 		FTestGraph::FNode& Door = Level.Listed(Level.Actor("Door", &House));
 		FTestGraph::FNode& Hinge = Level.Listed(Level.Add(FTestGraph::EKind::Component, "Hinge", &Door));
