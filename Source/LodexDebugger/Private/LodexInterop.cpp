@@ -25,13 +25,9 @@ namespace LodexInterop
 	{
 		// The core's reader, not FUTF8ToTCHAR: that one turns U+FFFE and U+FFFF into '?', and the evaluator's
 		// 8-bit bytes 0xFE and 0xFF read as exactly those characters (LodexText::FromAnsi).
-		const std::u16string Units = LodexText::Utf8ToUtf16(Text);
 		FString Result;
-		Result.Reserve(static_cast<int32>(Units.size()));
-		for (const char16_t Unit : Units)
-		{
-			Result.AppendChar(static_cast<TCHAR>(Unit));
-		}
+		Result.Reserve(static_cast<int32>(Text.size()));
+		LodexText::ForEachUtf16Unit(Text, [&Result](char16_t Unit) { Result.AppendChar(static_cast<TCHAR>(Unit)); });
 		return Result;
 	}
 

@@ -303,30 +303,11 @@ namespace LodexText
 
 	std::string ToAnsi(const std::string& Utf8)
 	{
+		// One '?' per UTF-16 code unit above ASCII: two for a character outside the Basic Multilingual Plane.
 		std::string Result;
 		Result.reserve(Utf8.size());
-		std::size_t Index = 0;
-		while (Index < Utf8.size())
-		{
-			std::uint32_t CodePoint = 0;
-			const std::size_t Length = Utf8SequenceLength(Utf8, Index, CodePoint);
-			if (Length == 0)
-			{
-				Result.push_back('?');
-				++Index;
-				continue;
-			}
-			if (CodePoint < 0x80)
-			{
-				Result.push_back(static_cast<char>(CodePoint));
-			}
-			else
-			{
-				// One '?' per UTF-16 code unit: two for a character outside the Basic Multilingual Plane.
-				Result.append(CodePoint >= 0x10000 ? 2 : 1, '?');
-			}
-			Index += Length;
-		}
+		ForEachUtf16Unit(
+			Utf8, [&Result](char16_t Unit) { Result.push_back(Unit < 0x80 ? static_cast<char>(Unit) : '?'); });
 		return Result;
 	}
 
@@ -334,29 +315,7 @@ namespace LodexText
 	{
 		std::u16string Result;
 		Result.reserve(Utf8.size());
-		std::size_t Index = 0;
-		while (Index < Utf8.size())
-		{
-			std::uint32_t CodePoint = 0;
-			const std::size_t Length = Utf8SequenceLength(Utf8, Index, CodePoint);
-			if (Length == 0)
-			{
-				Result.push_back(u'?');
-				++Index;
-				continue;
-			}
-			if (CodePoint >= 0x10000)
-			{
-				const std::uint32_t Offset = CodePoint - 0x10000;
-				Result.push_back(static_cast<char16_t>(0xD800 | (Offset >> 10)));
-				Result.push_back(static_cast<char16_t>(0xDC00 | (Offset & 0x3FF)));
-			}
-			else
-			{
-				Result.push_back(static_cast<char16_t>(CodePoint));
-			}
-			Index += Length;
-		}
+		ForEachUtf16Unit(Utf8, [&Result](char16_t Unit) { Result.push_back(Unit); });
 		return Result;
 	}
 

@@ -89,6 +89,35 @@ namespace LodexText
 	 */
 	std::u16string Utf8ToUtf16(const std::string& Utf8);
 
+	/** Calls Unit with each UTF-16 code unit `Utf8ToUtf16` gives, in order, without making the string. */
+	template<typename FUnit>
+	void ForEachUtf16Unit(const std::string& Utf8, FUnit&& Unit)
+	{
+		std::size_t Index = 0;
+		while (Index < Utf8.size())
+		{
+			std::uint32_t CodePoint = 0;
+			const std::size_t Length = Utf8SequenceLength(Utf8, Index, CodePoint);
+			if (Length == 0)
+			{
+				Unit(u'?');
+				++Index;
+				continue;
+			}
+			if (CodePoint >= 0x10000)
+			{
+				const std::uint32_t Offset = CodePoint - 0x10000;
+				Unit(static_cast<char16_t>(0xD800 | (Offset >> 10)));
+				Unit(static_cast<char16_t>(0xDC00 | (Offset & 0x3FF)));
+			}
+			else
+			{
+				Unit(static_cast<char16_t>(CodePoint));
+			}
+			Index += Length;
+		}
+	}
+
 	/** The value of a hexadecimal digit (0-9, a-f, A-F), or -1 for any other character. */
 	int HexDigitValue(char Char);
 
