@@ -164,45 +164,46 @@ namespace LodexEditorTests
 	private:
 		void CheckRepl()
 		{
-			FScopedTestBlock TestBlock;
-			const TSharedRef<ReplToolPanel> Panel = SNew(ReplToolPanel);
-			FScopedPanelWindow Window(Panel);
-			FSlateApplication::Get().SetKeyboardFocus(Panel->GetPathBox(), EFocusCause::Mouse);
-
-			TypeAndPressEnter(TEXT("//Door"));
-			Test->TestEqual(TEXT("REPL: requests after one Enter"), Panel->GetModel().GetRequestsSent(), 1);
-			Test->TestEqual(TEXT("REPL: the request"), TestBlock.Block.command, 1);
-			Test->TestTrue(TEXT("REPL: the path written"), TestBlock.HoldsPath(TEXT("//Door")));
-			Test->TestTrue(TEXT("REPL: the path box keeps the focus after Enter"),
-				Panel->GetPathBox()->HasKeyboardFocus() || Panel->HasAnyUserFocusOrFocusedDescendants());
-
-			TestBlock.Publish(3, "2", "A\r\nB");
-			TickPanel(*Panel);
-			Test->TestTrue(TEXT("REPL: the count on the next tick"), Panel->GetModel().GetCountText() == "2");
-			Test->TestEqual(TEXT("REPL: the answer consumed"), TestBlock.Block.status, 0);
-			Test->TestEqual(TEXT("REPL: still one request"), Panel->GetModel().GetRequestsSent(), 1);
+			CheckOneEnter<ReplToolPanel>(TEXT("REPL"), 1, 3, "2", "A\r\nB",
+				[](const ReplToolPanel& Panel) { return Panel.GetModel().GetCountText() == "2"; });
 		}
 
 		void CheckDebugger()
 		{
+			CheckOneEnter<TabToolPanel>(TEXT("Debugger"), 4, 8, "<VELT.Highlight>//Door</>", "/*[@name = 'Door']",
+				[](const TabToolPanel& Panel)
+				{ return Panel.GetModel().GetPathDisplay() == "<VELT.Highlight>//Door</>"; });
+		}
+
+		/**
+		 * Types "//Door" and Enter into the panel's path box: one request (Command) with the path, the box keeps the
+		 * focus; then an answer (Status and its texts) is published, and one tick shows it (IsShown).
+		 */
+		template<typename TPanel, typename FIsShown>
+		void CheckOneEnter(
+			const TCHAR* Name, int32 Command, int32 Status, const char* Result, const char* Context, FIsShown&& IsShown)
+		{
 			FScopedTestBlock TestBlock;
-			const TSharedRef<TabToolPanel> Panel = SNew(TabToolPanel);
+			const TSharedRef<TPanel> Panel = SNew(TPanel);
 			FScopedPanelWindow Window(Panel);
 			FSlateApplication::Get().SetKeyboardFocus(Panel->GetPathBox(), EFocusCause::Mouse);
+			const auto What = [Name](const TCHAR* Check)
+			{
+				return FString::Printf(TEXT("%s: %s"), Name, Check);
+			};
 
 			TypeAndPressEnter(TEXT("//Door"));
-			Test->TestEqual(TEXT("Debugger: requests after one Enter"), Panel->GetModel().GetRequestsSent(), 1);
-			Test->TestEqual(TEXT("Debugger: the request is Load"), TestBlock.Block.command, 4);
-			Test->TestTrue(TEXT("Debugger: the path written"), TestBlock.HoldsPath(TEXT("//Door")));
-			Test->TestTrue(TEXT("Debugger: the path box keeps the focus after Enter"),
+			Test->TestEqual(What(TEXT("requests after one Enter")), Panel->GetModel().GetRequestsSent(), 1);
+			Test->TestEqual(What(TEXT("the request")), TestBlock.Block.command, Command);
+			Test->TestTrue(What(TEXT("the path written")), TestBlock.HoldsPath(TEXT("//Door")));
+			Test->TestTrue(What(TEXT("the path box keeps the focus after Enter")),
 				Panel->GetPathBox()->HasKeyboardFocus() || Panel->HasAnyUserFocusOrFocusedDescendants());
 
-			TestBlock.Publish(8, "<VELT.Highlight>//Door</>", "/*[@name = 'Door']");
+			TestBlock.Publish(Status, Result, Context);
 			TickPanel(*Panel);
-			Test->TestTrue(TEXT("Debugger: the step on the next tick"),
-				Panel->GetModel().GetPathDisplay() == "<VELT.Highlight>//Door</>");
-			Test->TestEqual(TEXT("Debugger: the answer consumed"), TestBlock.Block.status, 0);
-			Test->TestEqual(TEXT("Debugger: still one request"), Panel->GetModel().GetRequestsSent(), 1);
+			Test->TestTrue(What(TEXT("the answer on the next tick")), IsShown(*Panel));
+			Test->TestEqual(What(TEXT("the answer consumed")), TestBlock.Block.status, 0);
+			Test->TestEqual(What(TEXT("still one request")), Panel->GetModel().GetRequestsSent(), 1);
 		}
 
 		FAutomationTestBase* Test;
