@@ -76,6 +76,24 @@ namespace
 		return A.Length < B.Length;
 	}
 
+	/** Appends the node (or component) children of each holder that have the name. */
+	template<typename THolders>
+	void AppendChildrenNamed(const FLodexSceneIndex& Index, const THolders& Holders, bool bNodes, std::uint32_t NameId,
+		std::vector<std::uint32_t>& Out)
+	{
+		for (const std::uint32_t Holder : Holders)
+		{
+			for (const std::uint32_t Child :
+				bNodes ? Index.GetNodeChildren(Holder) : Index.GetComponentChildren(Holder))
+			{
+				if (Index.GetNameId(Child) == NameId)
+				{
+					Out.push_back(Child);
+				}
+			}
+		}
+	}
+
 	bool RanksEqual(const FCandidate& A, const FCandidate& B)
 	{
 		return A.bStable == B.bStable && A.Evidence == B.Evidence && A.Length == B.Length;
@@ -262,7 +280,6 @@ bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(FSearch& Search, const FCan
 		{
 			const std::uint32_t AnchorNameId = Index.GetNameId(Candidate.Id);
 			const FLodexIndexRange Named = Index.GetNodesNamed(NameId);
-			const FLodexIndexRange Anchors = Index.GetNodesNamed(AnchorNameId);
 			if (Named.size() <= SelectionLimit)
 			{
 				for (const std::uint32_t Child : Named)
@@ -276,16 +293,7 @@ bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(FSearch& Search, const FCan
 			}
 			else
 			{
-				for (const std::uint32_t Anchor : Anchors)
-				{
-					for (const std::uint32_t Child : Index.GetNodeChildren(Anchor))
-					{
-						if (Index.GetNameId(Child) == NameId)
-						{
-							Selected.push_back(Child);
-						}
-					}
-				}
+				AppendChildrenNamed(Index, Index.GetNodesNamed(AnchorNameId), true, NameId, Selected);
 				std::sort(Selected.begin(), Selected.end());
 			}
 			if (Selected.size() > Wanted)
@@ -320,16 +328,7 @@ bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(FSearch& Search, const FCan
 		}
 		else
 		{
-			for (const std::uint32_t Holder : Selected)
-			{
-				for (const std::uint32_t Component : Index.GetComponentChildren(Holder))
-				{
-					if (Index.GetNameId(Component) == ComponentNameId)
-					{
-						Next.push_back(Component);
-					}
-				}
-			}
+			AppendChildrenNamed(Index, Selected, false, ComponentNameId, Next);
 		}
 		if (Next.size() > SelectionLimit)
 		{
