@@ -51,9 +51,8 @@ namespace
 			CLI::App* Sub = Parent.add_subcommand("path", "Print the Lodestring of each object, one a line");
 			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
 			Sub->add_option("--mode", Mode,
-				   "Absolute, Relative or Tag (exact case), or best: the shortest, most stable Lodestring that finds "
-				   "the "
-				   "object alone; any other text gives no node steps")
+				   "Absolute, Relative or Tag (exact case), or best: the shortest, most stable Lodestring "
+				   "that finds the object alone; any other text gives no node steps")
 				->default_val("Absolute");
 			Sub->add_option("objects", Objects, "Object ids, or names that exactly one object has")->required();
 			return Sub;
