@@ -1,5 +1,5 @@
 // Copyright Lodex contributors.
-#include "EvaluationSession.h"
+#include "Repl/EvaluationSession.h"
 
 #include "LodexDebugger/Core/Evaluation/LodexDebuggerPanel.h"
 #include "LodexDebugger/Core/Evaluation/LodexReplPanel.h"

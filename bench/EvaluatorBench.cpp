@@ -6,10 +6,10 @@
 // "zone_<n mod 50>", every 10th other actor "red". The XML tree has one element a node (<a>) or component (<c>),
 // with "name" and "tag" attributes. Both answer the same queries, checked to find the same number of objects
 // before anything is timed.
-#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
-#include "LodexDebugger/Core/Evaluation/LodestringProgram.h"
-#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
-#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
+#include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Lodestring/LodestringProgram.h"
+#include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
+#include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
 
 #include <benchmark/benchmark.h>
 #include <libxml/tree.h>

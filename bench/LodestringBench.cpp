@@ -1,5 +1,5 @@
 // Copyright Lodex contributors.
-#include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Lodestring/Lodestring.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,5 +1,5 @@
 // Copyright Lodex contributors.
-#include "RecorderReplayHost.h"
+#include "Record/RecorderReplayHost.h"
 
 #include "LodexDebugger/Core/Recorder/LodexInputLog.h"
 #include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"

@@ -1,12 +1,12 @@
 // Copyright Lodex contributors.
 // Fuzz target csharp_tests: a C# test file scanned for the string literals passed to `api` calls, as `lodex lint`
 // scans one, then linted against the embedded sample level in memory.
-#include "CSharpLiterals.h"
+#include "Lint/CSharpLiterals.h"
 #include "FuzzProperties.h"
 #include "FuzzSample.h"
-#include "LintCommand.h"
+#include "Lint/LintCommand.h"
 
-#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
+#include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
 
 #include <nlohmann/json.hpp>
 

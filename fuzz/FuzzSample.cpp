@@ -1,8 +1,8 @@
 // Copyright Lodex contributors.
 #include "FuzzSample.h"
 
-#include "SampleData.h"
-#include "SceneEvaluation.h"
+#include "Demo/SampleData.h"
+#include "Scenes/SceneEvaluation.h"
 
 #include <cstdlib>
 #include <memory>

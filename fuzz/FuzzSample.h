@@ -1,9 +1,9 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "SceneSnapshot.h"
+#include "Scenes/SceneSnapshot.h"
 
-#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
+#include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
 
 /** The embedded sample level the targets evaluate on, read and indexed once for every input. */
 namespace LodexFuzz

@@ -4,7 +4,7 @@
 // it, or gives a script whose stored lines are whole lines.
 #include "FuzzProperties.h"
 #include "FuzzSample.h"
-#include "InputLogReplay.h"
+#include "Record/InputLogReplay.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 

@@ -5,7 +5,7 @@
 #include "FuzzProperties.h"
 #include "FuzzSample.h"
 
-#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Evaluation/LodexBlockAccess.h"
 #include "LodexDebugger/Core/Evaluation/LodexBlockEvaluator.h"
 #include "LodexDebugger/Core/Text/LodexText.h"

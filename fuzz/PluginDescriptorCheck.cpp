@@ -2,7 +2,7 @@
 // Fuzz target plugin_descriptor: a plug-in descriptor read and updated as `lodex install` does, in memory. The
 // install either refuses with one line, leaves a descriptor that lists the module as it is, or adds the module's
 // entry once, keeping every other byte.
-#include "DescriptorText.h"
+#include "Install/DescriptorText.h"
 #include "FuzzProperties.h"
 
 #include "LodexDebugger/Core/Shell/LodexShell.h"

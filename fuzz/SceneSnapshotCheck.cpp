@@ -3,11 +3,11 @@
 // every mode, checked against a plain walk that remembers every object it met; then the object explorer over the
 // file's reflection, as `lodex explore` drives it: each object selected, each method and property picked and printed.
 #include "FuzzProperties.h"
-#include "SceneReflection.h"
-#include "SceneSnapshot.h"
+#include "Scenes/SceneReflection.h"
+#include "Scenes/SceneSnapshot.h"
 
 #include "LodexDebugger/Core/Explorer/ExplorerPanel.h"
-#include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Lodestring/Lodestring.h"
 #include "LodexDebugger/Core/Paths/PathCommands.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexCli.h"
+#include "LodexTool.h"
 #include "TempDir.h"
 
 #include <cstdlib>

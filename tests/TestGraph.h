@@ -1,8 +1,8 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
-#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
+#include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
 #include "LodexDebugger/Core/Text/LodexOutput.h"
 
 #include <deque>

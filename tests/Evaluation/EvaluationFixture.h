@@ -2,10 +2,10 @@
 #pragma once
 
 #include "LodestringCases.h"
-#include "SceneEvaluation.h"
-#include "SceneSnapshot.h"
+#include "Scenes/SceneEvaluation.h"
+#include "Scenes/SceneSnapshot.h"
 
-#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
 
 #include <gtest/gtest.h>
 

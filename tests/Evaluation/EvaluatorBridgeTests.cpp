@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #include "EvaluatorTestHost.h"
 
-#include "EvaluatorRunner.h"
+#include "Repl/EvaluatorRunner.h"
 #include "LodexDebugger/Core/Evaluation/LodexBlockAccess.h"
 #include "LodexDebugger/Core/Evaluation/LodexDebuggerPanel.h"
 #include "LodexDebugger/Core/Evaluation/LodexEvaluator.h"

@@ -3,7 +3,7 @@
 #include "TestReflection.h"
 
 #include "LodexDebugger/Core/Explorer/ExplorerReference.h"
-#include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Lodestring/Lodestring.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
-#include "InputLogReplay.h"
+#include "Record/InputLogReplay.h"
 #include "RecorderFixture.h"
-#include "SceneSnapshot.h"
+#include "Scenes/SceneSnapshot.h"
 #include "TempDir.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"

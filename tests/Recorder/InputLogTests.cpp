@@ -1,5 +1,5 @@
 // Copyright Lodex contributors.
-#include "InputLogReplay.h"
+#include "Record/InputLogReplay.h"
 #include "RecorderFixture.h"
 
 #include <nlohmann/json.hpp>

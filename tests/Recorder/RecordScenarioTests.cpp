@@ -1,6 +1,6 @@
 // Copyright Lodex contributors.
-#include "InputLogReplay.h"
-#include "SceneSnapshot.h"
+#include "Record/InputLogReplay.h"
+#include "Scenes/SceneSnapshot.h"
 #include "TempDir.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "RecorderReplayHost.h"
+#include "Record/RecorderReplayHost.h"
 
 #include "LodexDebugger/Core/Recorder/LodexInputLog.h"
 #include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"

@@ -1,5 +1,5 @@
 // Copyright Lodex contributors.
-#include "PlatformDll.h"
+#include "Cli/PlatformDll.h"
 #include "TempDir.h"
 
 #include "LodexDebugger/Core/Shell/LodexDllImport.h"

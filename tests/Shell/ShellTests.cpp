@@ -96,7 +96,7 @@ namespace
 		void AddMenuExtenderToLevelEditor() override { Note("AddMenuExtenderToLevelEditor"); }
 		void RemoveMenuExtenderFromLevelEditor() override { Note("RemoveMenuExtenderFromLevelEditor"); }
 		void ReleaseMenuExtender() override { Note("ReleaseMenuExtender"); }
-		void AddModuleListeners(FLodexShell& Shell) override
+		void AddModuleListeners() override
 		{
 			Note("AddModuleListeners");
 			if (bModuleAddsListeners)
@@ -142,6 +142,8 @@ namespace
 
 		bool bCommandlet = false;
 		bool bModuleAddsListeners = true;
+		/** The module's shell, which the module's AddModuleListeners calls back into, as the module holds its own. */
+		FLodexShell Shell;
 		std::set<std::string> Loaded;
 		FLodexTabSpawnerRegistry Spawners;
 		FLodexMenuExtender Extender;
@@ -168,7 +170,7 @@ namespace
 	TEST(LodexShell, StartupRunsEveryStepInOrderThroughTheModulesAddModuleListeners)
 	{
 		FRecordingShellHost Host;
-		FLodexShell Shell;
+		FLodexShell& Shell = Host.Shell;
 		Shell.StartupModule(Host);
 		EXPECT_EQ(Host.TakeCalls(),
 			(FLines{"IsRunningCommandlet", "LoadModule LevelEditor", "CreateMenuExtender", "CreateMenuBarCommandList",
@@ -187,7 +189,7 @@ namespace
 		// A module whose AddModuleListeners adds nothing has nothing started.
 		FRecordingShellHost Bare;
 		Bare.bModuleAddsListeners = false;
-		FLodexShell BareShell;
+		FLodexShell& BareShell = Bare.Shell;
 		BareShell.StartupModule(Bare);
 		EXPECT_EQ(Bare.TakeCalls().back(), "AddModuleListeners");
 		EXPECT_TRUE(BareShell.GetModuleListeners().empty());
@@ -197,7 +199,7 @@ namespace
 	{
 		FRecordingShellHost Host;
 		Host.Loaded = {"PropertyEditor", "Settings"};
-		FLodexShell Shell;
+		FLodexShell& Shell = Host.Shell;
 		Shell.StartupModule(Host);
 		Host.TakeCalls();
 		Shell.ShutdownModule(Host, Host);
@@ -267,7 +269,7 @@ namespace
 	{
 		FRecordingShellHost Host;
 		Host.bCommandlet = true;
-		FLodexShell Shell;
+		FLodexShell& Shell = Host.Shell;
 		Shell.StartupModule(Host);
 		EXPECT_EQ(Host.TakeCalls(), (FLines{"IsRunningCommandlet"}));
 		EXPECT_TRUE(Shell.GetModuleListeners().empty());

@@ -1,5 +1,5 @@
 // Copyright Lodex contributors.
-#include "LodexCli.h"
+#include "LodexTool.h"
 
 #include <csignal>
 #include <iostream>

@@ -7,7 +7,7 @@
 #include "Framework/MultiBox/MultiBoxBuilder.h"
 #include "HAL/IConsoleManager.h"
 #include "LodexDebugger.h"
-#include "LodexDebugger/Core/Evaluation/LodexBestCopy.h"
+#include "LodexDebugger/Core/Paths/LodexBestCopy.h"
 #include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
 #include "LodexInterop.h"
 #include "LodexWorldEvaluation.h"

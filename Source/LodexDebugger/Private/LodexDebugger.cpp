@@ -124,10 +124,9 @@ public:
 		Module.PullDownMenu.Reset();
 	}
 
-	virtual void AddModuleListeners(FLodexShell& Shell) override
+	virtual void AddModuleListeners() override
 	{
 		// The module's own version (a module may override it); it calls back into the shell to create the listeners.
-		check(&Shell == &Module.Shell);
 		Module.AddModuleListeners();
 	}
 

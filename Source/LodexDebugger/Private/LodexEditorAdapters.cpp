@@ -9,9 +9,6 @@
 #include "HAL/PlatformApplicationMisc.h"
 #include "Internationalization/Internationalization.h"
 #include "LodexInterop.h"
-#include "LodexWorldEvaluation.h"
-
-#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
 
 FLodexEditorActorSelection::FLodexEditorActorSelection()
 	: Selection(GEditor ? GEditor->GetSelectedActors() : nullptr)
@@ -54,17 +51,6 @@ void FLodexEditorOutput::CopyToClipboard(const std::string& Text)
 
 namespace LodexEditor
 {
-	void PrintSelectedActorLodestrings(const FString& Mode)
-	{
-		const FLodexUObjectGraph Graph;
-		const FLodexEditorActorSelection Selection;
-		FLodexEditorOutput Output;
-		FLodexClipboardCapture Capture(Output);
-		::PrintSelectedActorLodestrings(Graph, Selection, Capture, LodexInterop::ToUtf8(Mode));
-		// Logged and copied as before; then how many objects of the editor's world each one matches.
-		NotifyLodestringMatches(Capture.GetCopiedTexts());
-	}
-
 	FText MakeContextDescription(const char* ContextName)
 	{
 		return FInternationalization::ForUseOnlyByLocMacroAndGraphNodeTextLiterals_CreateText(

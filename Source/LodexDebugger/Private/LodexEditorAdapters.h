@@ -39,9 +39,6 @@ public:
 
 namespace LodexEditor
 {
-	/** Logs and copies the Lodestring of every selected actor in the editor, in the given mode. */
-	void PrintSelectedActorLodestrings(const FString& Mode);
-
 	/** A command set's description, localisable under the key of its context name, as the engine's contexts have it. */
 	FText MakeContextDescription(const char* ContextName);
 

@@ -5,8 +5,8 @@
 #include "Framework/MultiBox/MultiBoxExtender.h"
 #include "Styling/SlateColor.h"
 
-#include "LodexDebugger/Core/Paths/Lodestring.h"
-#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Lodestring/Lodestring.h"
+#include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Shell/LodexStyle.h"
 

@@ -6,7 +6,7 @@
 #include "Engine/Level.h"
 #include "Engine/World.h"
 #include "Framework/Notifications/NotificationManager.h"
-#include "LodexDebugger/Core/Evaluation/LodexBestCopy.h"
+#include "LodexDebugger/Core/Paths/LodexBestCopy.h"
 #include "LodexEditorAdapters.h"
 #include "LodexInterop.h"
 #include "Styling/AppStyle.h"
@@ -78,6 +78,17 @@ namespace LodexEditor
 		const FLodexUObjectGraph Graph;
 		const FLodexSceneIndex Index(Graph, FLodexWorldObjects(World));
 		LodexWorldEvaluationPrivate::ShowMatchNotice(Index, Lodestrings);
+	}
+
+	void PrintSelectedActorLodestrings(const FString& Mode)
+	{
+		const FLodexUObjectGraph Graph;
+		const FLodexEditorActorSelection Selection;
+		FLodexEditorOutput Output;
+		FLodexClipboardCapture Capture(Output);
+		::PrintSelectedActorLodestrings(Graph, Selection, Capture, LodexInterop::ToUtf8(Mode));
+		// Logged and copied as before; then how many objects of the editor's world each one matches.
+		NotifyLodestringMatches(Capture.GetCopiedTexts());
 	}
 
 	void CopyBestLodestringsOfSelection()

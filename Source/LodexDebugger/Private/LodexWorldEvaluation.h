@@ -3,8 +3,8 @@
 
 #include "CoreMinimal.h"
 
-#include "LodexDebugger/Core/Evaluation/LodexMatchNotice.h"
-#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
+#include "LodexDebugger/Core/Lodestring/LodexMatchNotice.h"
+#include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
 
 #include <string>
 #include <vector>
@@ -27,6 +27,12 @@ private:
 
 namespace LodexEditor
 {
+	/**
+	 * Logs and copies the Lodestring of every selected actor in the editor, in the given mode, then shows how many
+	 * objects of the editor's world each one matches (`NotifyLodestringMatches`).
+	 */
+	void PrintSelectedActorLodestrings(const FString& Mode);
+
 	/**
 	 * Evaluates each Lodestring against the editor's world and shows how many objects it matches in an editor
 	 * notification: as information when each matches exactly one, as a warning otherwise. The text and the

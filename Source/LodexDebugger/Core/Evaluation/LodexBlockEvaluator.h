@@ -1,10 +1,10 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodestringEvaluator.h"
-#include "LodestringProgram.h"
+#include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Lodestring/LodestringProgram.h"
 #include "LodexEvaluatorBlock.h"
-#include "LodexSceneIndex.h"
+#include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
 
 #include <atomic>
 #include <chrono>

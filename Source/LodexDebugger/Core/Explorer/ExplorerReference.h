@@ -2,8 +2,8 @@
 #pragma once
 
 #include "LodexReflection.h"
-#include "LodexDebugger/Core/Paths/Lodestring.h"
-#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Lodestring/Lodestring.h"
+#include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
 #include "LodexDebugger/Core/Text/LodexOutput.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "LodexReflection.h"
-#include "LodexDebugger/Core/Paths/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 
 #include <cstddef>

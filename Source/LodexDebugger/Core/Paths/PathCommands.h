@@ -1,8 +1,8 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "Lodestring.h"
-#include "LodexObjectGraph.h"
+#include "LodexDebugger/Core/Lodestring/Lodestring.h"
+#include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
 #include "LodexDebugger/Core/Text/LodexOutput.h"
 
 #include <cstddef>

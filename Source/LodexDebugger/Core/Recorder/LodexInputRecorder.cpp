@@ -2,7 +2,6 @@
 #include "LodexInputRecorder.h"
 
 #include "LodexInputLog.h"
-#include "LodexRecorderPanel.h"
 #include "LodexScriptLines.h"
 
 #include <algorithm>
@@ -66,7 +65,7 @@ namespace
 }
 
 FLodexInputRecorder::FLodexInputRecorder(
-	FLodexRecorderPanel& InPanel, ILodexRecorderHost& InHost, ILodexInputLogSink* InLog)
+	ILodexScriptSink& InPanel, ILodexRecorderHost& InHost, ILodexInputLogSink* InLog)
 	: Panel(InPanel)
 	, Host(InHost)
 	, Log(InLog)

@@ -10,8 +10,34 @@
 #include <string>
 #include <vector>
 
-class FLodexRecorderPanel;
 class ILodexInputLogSink;
+
+/** The add-line operation's modes. */
+enum class ELodexAddLineMode
+{
+	/** Appends the line. */
+	Append = 0,
+	/** A placeholder for a key press still going on, under the key's name. */
+	Placeholder = 1,
+	/** The finished line of a key press, under the key's name: it goes where the key's placeholder is. */
+	KeyLine = 2,
+};
+
+/**
+ * Where the input recorder writes its script: the recorder panel's add-line operation and the two things of the
+ * panel it reads (the "Use FPS" option, and whether the VR device line was written).
+ */
+class ILodexScriptSink
+{
+public:
+	virtual ~ILodexScriptSink() = default;
+	/** The add-line operation (docs/recorder.md): line, mode, and the key name for modes 1 and 2. */
+	virtual void AddLine(const std::string& Line, ELodexAddLineMode Mode, const std::string& KeyName) = 0;
+	virtual bool IsUsingFps() const = 0;
+	virtual bool IsDeviceAnnounced() const = 0;
+	virtual void SetDeviceAnnounced() = 0;
+};
+
 
 /** A key or analog event: the engine key's name ("SpaceBar", "Gamepad_LeftX"). */
 struct FLodexKeyInput
@@ -39,7 +65,7 @@ struct FLodexPointerInput
 class FLodexInputRecorder
 {
 public:
-	FLodexInputRecorder(FLodexRecorderPanel& InPanel, ILodexRecorderHost& InHost, ILodexInputLogSink* InLog);
+	FLodexInputRecorder(ILodexScriptSink& InPanel, ILodexRecorderHost& InHost, ILodexInputLogSink* InLog);
 	FLodexInputRecorder(const FLodexInputRecorder&) = delete;
 	FLodexInputRecorder& operator=(const FLodexInputRecorder&) = delete;
 
@@ -136,7 +162,7 @@ private:
 	void WriteVRPoses();
 	void AddLine(const std::string& Line);
 
-	FLodexRecorderPanel& Panel;
+	ILodexScriptSink& Panel;
 	ILodexRecorderHost& Host;
 	ILodexInputLogSink* Log;
 

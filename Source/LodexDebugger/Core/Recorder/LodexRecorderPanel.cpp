@@ -3,7 +3,7 @@
 
 #include "LodexScriptLines.h"
 
-#include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Lodestring/Lodestring.h"
 #include "LodexDebugger/Core/Text/LodexText.h"
 
 FLodexRecorderPanel::FLodexRecorderPanel(ILodexRecorderHost& InHost)

@@ -14,17 +14,6 @@
 
 class ILodexInputLogSink;
 
-/** The add-line operation's modes. */
-enum class ELodexAddLineMode
-{
-	/** Appends the line. */
-	Append = 0,
-	/** A placeholder for a key press still going on, under the key's name. */
-	Placeholder = 1,
-	/** The finished line of a key press, under the key's name: it goes where the key's placeholder is. */
-	KeyLine = 2,
-};
-
 /** The five quick-insert buttons, in the order of their row. */
 enum class ELodexQuickInsert
 {
@@ -66,7 +55,7 @@ struct FLodexSaveDialogInfo
  * store joined with "\r\n"; the joined text is kept up to date line by line, so that adding the n-th line does not
  * cost O(n).
  */
-class FLodexRecorderPanel
+class FLodexRecorderPanel final : public ILodexScriptSink
 {
 public:
 	explicit FLodexRecorderPanel(ILodexRecorderHost& InHost);
@@ -89,7 +78,7 @@ public:
 	FLodexInputRecorder* GetRecorder() { return Recorder.get(); }
 
 	/** The add-line operation (docs/recorder.md): line, mode, and the key name for modes 1 and 2. */
-	void AddLine(const std::string& Line, ELodexAddLineMode Mode, const std::string& KeyName);
+	void AddLine(const std::string& Line, ELodexAddLineMode Mode, const std::string& KeyName) override;
 
 	//~ The script
 	const std::vector<std::string>& GetLines() const { return Lines; }
@@ -103,14 +92,14 @@ public:
 	const std::map<std::string, std::size_t>& GetPlaceholders() const { return Placeholders; }
 
 	//~ Options
-	bool IsUsingFps() const { return bUseFps; }
+	bool IsUsingFps() const override { return bUseFps; }
 	void SetUseFps(bool bInUseFps);
 	const std::string& GetPathMode() const { return PathMode; }
 	void SetPathMode(const std::string& Mode) { PathMode = Mode; }
 	/** The combo box's entries: "Relative", then "Absolute". */
 	static const std::vector<std::string>& GetPathModes();
-	bool IsDeviceAnnounced() const { return bDeviceAnnounced; }
-	void SetDeviceAnnounced() { bDeviceAnnounced = true; }
+	bool IsDeviceAnnounced() const override { return bDeviceAnnounced; }
+	void SetDeviceAnnounced() override { bDeviceAnnounced = true; }
 
 	//~ Quick-insert buttons
 	static const std::vector<FLodexQuickInsertInfo>& GetQuickInserts();

@@ -116,7 +116,7 @@ void FLodexShell::StartupModule(ILodexShellHost& Host)
 	Host.AddMenuExtenderToLevelEditor();
 	bMenuExtenderAdded = true;
 
-	Host.AddModuleListeners(*this);
+	Host.AddModuleListeners();
 	for (const ELodexListener Listener : ModuleListeners)
 	{
 		Host.StartListener(GetLodexListener(Listener));

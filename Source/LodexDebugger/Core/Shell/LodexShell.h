@@ -127,8 +127,6 @@ public:
 /** Builds the pull-down's content: the "Veltrane" section with its four separator hooks in order. */
 void BuildLodexPullDownContent(ILodexMenuBuilder& Builder);
 
-class FLodexShell;
-
 /** The editor calls the module's start-up and shut-down make, in the order the shell makes them. */
 class ILodexShellHost
 {
@@ -162,10 +160,10 @@ public:
 	virtual void ReleaseMenuExtender() = 0;
 
 	/**
-	 * The module's own `AddModuleListeners`, which a module may override; the module's version calls back
-	 * `Shell.AddModuleListeners(Host)` to create the five listeners.
+	 * The module's own `AddModuleListeners`, which a module may override; the module's version calls back into the
+	 * shell it holds, `Shell.AddModuleListeners(Host)`, to create the five listeners.
 	 */
-	virtual void AddModuleListeners(FLodexShell& Shell) = 0;
+	virtual void AddModuleListeners() = 0;
 	/** Creates the listener and appends it to the module's list (`ModuleListeners`). */
 	virtual void CreateListener(const FLodexListenerInfo& Listener) = 0;
 	/** Calls the listener's `OnStartupModule`. */

@@ -1,0 +1,454 @@
+// Copyright Lodex contributors.
+#include "ChildProcess.h"
+#include "LodestringCases.h"
+#include "Cli/LodexCli.h"
+#include "LodexRun.h"
+#include "TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+
+namespace
+{
+	/** The names in a folder. */
+	std::set<std::string> ListFolder(const std::string& Path)
+	{
+		std::set<std::string> Names;
+		for (const std::filesystem::directory_entry& Entry : std::filesystem::directory_iterator(Path))
+		{
+			Names.insert(Entry.path().filename().string());
+		}
+		return Names;
+	}
+
+	class LodexCli : public ::testing::Test
+	{
+	protected:
+		void SetUp() override
+		{
+			ASSERT_FALSE(Dir.Path.empty());
+			ScenePath = Dir.Write("scene.json", LodestringCases::Scene);
+		}
+		FTempDir Dir;
+		std::string ScenePath;
+	};
+
+	TEST_F(LodexCli, PathPrintsEveryShapeExactly)
+	{
+		for (const LodestringCases::FRow& Row : LodestringCases::Rows)
+		{
+			const FLodexRun Run = RunLodex({"path", "--scene", ScenePath, "--mode", Row.Mode, Row.Object});
+			EXPECT_EQ(Run.Exit, 0) << Run.Err;
+			EXPECT_EQ(Run.Out, std::string(Row.Expected) + "\n") << Row.Object << ", \"" << Row.Mode << "\"";
+			EXPECT_EQ(Run.Err, "");
+		}
+	}
+
+	TEST_F(LodexCli, PathTakesSeveralObjectsByIdOrNameAndDefaultsToAbsolute)
+	{
+		const FLodexRun Run = RunLodex({"path", "--scene", ScenePath, "hinge", "Fog", "House"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n\n/*[@name = 'House']\n");
+		const FLodexRun Empty = RunLodex({"path", "--scene", ScenePath, "--mode", "", "door"});
+		EXPECT_EQ(Empty.Exit, 0) << Empty.Err;
+		EXPECT_EQ(Empty.Out, "\n");
+	}
+
+	TEST_F(LodexCli, PathRefusesUnknownAndAmbiguousObjects)
+	{
+		const FLodexRun Unknown = RunLodex({"path", "--scene", ScenePath, "door", "Nobody"});
+		EXPECT_EQ(Unknown.Exit, 1);
+		EXPECT_EQ(Unknown.Out, "") << "nothing is printed when one object is wrong";
+		EXPECT_EQ(Unknown.Err, "lodex: " + ScenePath + ": no object has the id or name 'Nobody'\n");
+		const FLodexRun Ambiguous = RunLodex({"path", "--scene", ScenePath, "Comp"});
+		EXPECT_EQ(Ambiguous.Exit, 1);
+		EXPECT_EQ(Ambiguous.Err, "lodex: " + ScenePath + ": 3 objects are named 'Comp'; name one by its id\n");
+	}
+
+	TEST_F(LodexCli, CopyLogsEveryActorAndLeavesTheLastOnTheClipboard)
+	{
+		const std::string Clipboard = Dir.File("clipboard.txt");
+		const FLodexRun Run =
+			RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard, "a", "bob"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : /*[@name = 'A'] \nLogTemp: Lodestring : /*[@name = 'Bob's'] \n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "/*[@name = 'Bob's']");
+		EXPECT_EQ(ListFolder(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
+
+		const FLodexRun Relative =
+			RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door"});
+		EXPECT_EQ(Relative.Out, "LogTemp: Lodestring : //Door \n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "//Door");
+	}
+
+	TEST_F(LodexCli, CopyWithEmptySelectionLeavesTheClipboardUntouched)
+	{
+		const std::string Clipboard = Dir.Write("clipboard.txt", "earlier text\n");
+		const FLodexRun Run = RunLodex({"copy", "--scene", ScenePath, "--mode", "Absolute", "--clipboard", Clipboard});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
+	}
+
+	TEST_F(LodexCli, CopyToAClipboardFileThatCannotBeWrittenKeepsTheLogSaysSoOnceAndLeavesNothingBehind)
+	{
+		std::filesystem::create_directory(Dir.File("folder"));
+		const struct
+		{
+			std::string Clipboard;
+			std::string Error;
+		} Rows[] = {
+			{Dir.File("missing-folder/clipboard.txt"),
+				Dir.File("missing-folder/clipboard.txt") + ": cannot write the file (No such file or directory)"},
+			{Dir.File("folder"), Dir.File("folder") + ": is a folder, not a file; nothing was written"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const std::set<std::string> Before = ListFolder(Dir.Path);
+			const FLodexRun Run = RunLodex(
+				{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Row.Clipboard, "a", "door"});
+			EXPECT_EQ(Run.Exit, 1);
+			EXPECT_EQ(Run.Out, "LogTemp: Lodestring : //A \nLogTemp: Lodestring : //Door \n");
+			// The failure once, then how many objects each copied Lodestring matches.
+			EXPECT_EQ(Run.Err, "lodex: " + Row.Error + "\n//A matches 1 object\n//Door matches 1 object\n");
+			EXPECT_EQ(ListFolder(Dir.Path), Before);
+		}
+		EXPECT_TRUE(ListFolder(Dir.File("folder")).empty());
+	}
+
+	TEST_F(LodexCli, UsageErrorsSayWhatIsWrongThenPrintTheWholeCommandsUsageAndExitTwo)
+	{
+		const struct
+		{
+			std::vector<std::string> Call;
+			std::string FirstLine;
+			std::string Usage;
+		} Rows[] = {
+			{{}, "lodex: A subcommand is required", "Usage: lodex [OPTIONS] SUBCOMMAND"},
+			{{"frobnicate", "door"},
+				"lodex: unknown command 'frobnicate' (the commands are path, copy, demo, install, record, repl, debug, "
+				"lint, explore)",
+				"Usage: lodex [OPTIONS] SUBCOMMAND"},
+			{{"path", "door"}, "lodex: --scene is required", "Usage: lodex path [OPTIONS] objects..."},
+			{{"path", "--scene", ScenePath}, "lodex: objects is required", "Usage: lodex path [OPTIONS] objects..."},
+			{{"path", "--scene", ScenePath, "--colour", "red", "door"},
+				"lodex: The following argument was not expected: --colour", "Usage: lodex path [OPTIONS] objects..."},
+			{{"copy", "--scene", ScenePath, "door"}, "lodex: --mode is required",
+				"Usage: lodex copy [OPTIONS] [objects...]"},
+			{{"copy", "--scene", ScenePath, "--mode", "absolute", "door"},
+				"lodex: --mode: absolute not in {Relative,Absolute,best}", "Usage: lodex copy [OPTIONS] [objects...]"},
+			{{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", "", "door"},
+				"lodex: --clipboard: needs a file name", "Usage: lodex copy [OPTIONS] [objects...]"},
+			{{"install"}, "lodex: --project is required", "Usage: lodex install [OPTIONS]"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FLodexRun Run = RunLodex(Row.Call);
+			EXPECT_EQ(Run.Exit, 2) << ::testing::PrintToString(Row.Call);
+			EXPECT_EQ(Run.Out, "");
+			EXPECT_EQ(Run.Err.substr(0, Run.Err.find('\n')), Row.FirstLine) << ::testing::PrintToString(Row.Call);
+			EXPECT_NE(Run.Err.find("\n" + Row.Usage + "\n"), std::string::npos) << Run.Err;
+		}
+	}
+
+	TEST_F(LodexCli, VersionAndHelpEverywhere)
+	{
+		const FLodexRun Version = RunLodex({"--version"});
+		EXPECT_EQ(Version.Exit, 0);
+		EXPECT_EQ(Version.Out, "lodex 0.1.0\n");
+		for (const std::vector<std::string>& Call : std::vector<std::vector<std::string>>{
+				 {"--help"}, {"path", "--help"}, {"copy", "--help"}, {"demo", "--help"}})
+		{
+			const FLodexRun Run = RunLodex(Call);
+			EXPECT_EQ(Run.Exit, 0) << ::testing::PrintToString(Call);
+			EXPECT_NE(Run.Out.find("Usage:"), std::string::npos) << Run.Out;
+		}
+		EXPECT_NE(RunLodex({"copy", "--help"}).Out.find("--clipboard"), std::string::npos);
+	}
+
+	TEST_F(LodexCli, ANullReferenceMeansNone)
+	{
+		const std::string Scene = Dir.Write("null.json", R"({"objects": [
+			{"id": "h", "kind": "actor", "name": "House", "outer": null, "attachParent": null},
+			{"id": "d", "kind": "actor", "name": "Door", "outer": null, "attachParent": "h", "rootWidget": null},
+			{"id": "w", "kind": "widget", "name": "W", "widgetParent": null}]})");
+		const FLodexRun Run = RunLodex({"path", "--scene", Scene, "h", "d", "w"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "/*[@name = 'House']\n/*[@name = 'House']/*[@name = 'Door']\n/*[@name = 'W']\n");
+	}
+
+	TEST_F(LodexCli, BadSceneFilesFailWithOneLineAndNoOutput)
+	{
+		const std::string Broken =
+			Dir.Write("broken.json", "{\"objects\": [\n  {\"id\": \"a\" \"kind\": \"actor\"}\n]}");
+		const std::string Dangling =
+			Dir.Write("dangling.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "outer": "x"}]})");
+		struct FRow
+		{
+			std::string Path;
+			std::string Error;
+		};
+		const FRow Rows[] = {
+			{Broken,
+				"lodex: " + Broken +
+					":2:19: syntax error while parsing object - unexpected string literal; expected '}'\n"},
+			{Dangling, "lodex: " + Dangling + ": objects[0] (id 'a'): field 'outer': no object has the id 'x'\n"},
+			{Dir.File("absent.json"), "lodex: " + Dir.File("absent.json") + ": cannot open the file\n"},
+			{Dir.Path, "lodex: " + Dir.Path + ": is a folder, not a scene file\n"},
+		};
+		for (const FRow& Row : Rows)
+		{
+			const FLodexRun Run = RunLodex({"copy", "--scene", Row.Path, "--mode", "Absolute", "a"});
+			EXPECT_EQ(Run.Exit, 1);
+			EXPECT_EQ(Run.Out, "");
+			EXPECT_EQ(Run.Err, Row.Error);
+		}
+	}
+
+	/**
+	 * Whatever a scene file holds, in any field (one Lodex ignores included), the binary ends with one line naming
+	 * the file, and where known the line and column: never with the JSON library's uncaught exception.
+	 */
+	TEST(LodexBinary, WhatTheJsonLibraryRejectsIsOneLineNamingTheFile)
+	{
+		FTempDir Dir;
+		const std::string Start = "{\"objects\": [{\"id\": \"a\", \"kind\": \"actor\", \"name\": \"A\",\n \"extra\": ";
+		const struct
+		{
+			std::string Value;
+			std::string Error;
+		} Rows[] = {
+			{"1e999", "2:11: number out of the range of a double: 1e999"},
+			{"[0, -1e999]", "2:15: number out of the range of a double: -1e999"},
+			{std::string(400, '7'),
+				"2:11: number out of the range of a double: 77777777777777777777... (400 characters)"},
+			{"\"\\ud800\"",
+				"2:18: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF must be "
+				"followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'"},
+			{std::string("\"a\0b\"", 5), "2:13: a NUL byte; the file must be UTF-8 text"},
+			{"\"\xFF\"",
+				"2:12: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last read: "
+				"'\"\\xFF'"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const std::string Scene = Dir.Write("scene.json", Start + Row.Value + "}]}");
+			const std::vector<std::string> Calls[] = {{"path", "--scene", Scene, "a"},
+				{"copy", "--scene", Scene, "--mode", "Absolute", "--clipboard", Dir.File("clip"), "a"}};
+			for (const std::vector<std::string>& Call : Calls)
+			{
+				const FProcessRun Run = ChildProcess::RunLodex(Call);
+				EXPECT_EQ(Run.Signal, 0) << Row.Value;
+				EXPECT_EQ(Run.Exit, 1) << Row.Value;
+				EXPECT_EQ(Run.Out, "");
+				EXPECT_EQ(Run.Err, "lodex: " + Scene + ":" + Row.Error + "\n") << Row.Value;
+			}
+		}
+		EXPECT_FALSE(FTempDir::Exists(Dir.File("clip")));
+	}
+
+	/** The line of Text that starts with Start, without its end. */
+	std::string LineStartingWith(const std::string& Text, const std::string& Start)
+	{
+		const std::size_t At = Text.find("\n" + Start);
+		return At == std::string::npos ? std::string() : Text.substr(At + 1, Text.find('\n', At + 1) - At - 1);
+	}
+
+	int CountOccurrences(const std::string& Text, const std::string& Part)
+	{
+		int Count = 0;
+		for (std::size_t At = Text.find(Part); At != std::string::npos; At = Text.find(Part, At + Part.size()))
+		{
+			++Count;
+		}
+		return Count;
+	}
+
+	TEST(LodexBinary, DemoShowsTheSampleAsATableTheCommandRunAndWhatTheModuleAddsFromAnyFolder)
+	{
+		const FProcessRun Run = ChildProcess::RunLodex({"demo"}, {}, [] { (void)!chdir("/"); });
+		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out.substr(0, Run.Out.find("PersistentLevel")),
+			"Lodestrings of every object of the sample level\n\n"
+			"Object                  Kind        Absolute                                                              "
+			"  Relative                                      Tag\n"
+			"----------------------  ----------  "
+			"----------------------------------------------------------------------  "
+			"--------------------------------------------  ------------------------------------------------------\n");
+		EXPECT_EQ(LineStartingWith(Run.Out, "PersistentLevel"),
+			"PersistentLevel         other       (empty)                                                               "
+			"  (empty)                                       (empty)");
+		// A name with a non-ASCII letter is padded by characters, not bytes.
+		EXPECT_EQ(LineStartingWith(Run.Out, "Tür"),
+			"Tür                     actor       /*[@name = 'Tür']                                                     "
+			"  //Tür                                         /*[@tag = '用户']");
+		for (const char* Expected :
+			{
+				"\n\"Lodestring Absolute\" (MenuTool.MenuCommand2) on the selection Door, Lamp_2\n\n"
+				"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = "
+				"'Lamp_2'] \n\nClipboard: /*[@name = 'Lamp_2']\n\n",
+				"\nWhat the module adds to the level editor\n\nLodexDebugger\n",
+				"│   ├── TabTool: \"Lodestring Debugger\"\n│   │   ├── tooltip \"Lodestring Debugger Window\"\n"
+				"│   │   ├── group \"Menu Root\"\n│   │   └── holds a new TabToolPanel each time it opens\n",
+				"│   │   └── holds a new RecorderToolPanel each time it opens\n",
+				"│   │   └── holds a new ReplToolPanel each time it opens\n",
+				"│       └── holds a new DetailsToolPanel each time it opens\n",
+				R"x(│   └── "VELT Lode String Debugger", after "Window" (tooltip "Open the Lode String Debugger menu")
+│       └── section "Veltrane"
+│           ├── "Lodestring Debugger" opens the tab TabTool (tooltip "Lodestring Debugger Window")
+│           ├── ──── separator LODEX
+│           ├── "Input Recorder" opens the tab RecorderTool (tooltip "Record User Input")
+│           ├── ──── separator RECORDER_TOOL
+│           ├── "Lodex REPL" opens the tab ReplTool (tooltip "Quickly test your Lodestring queries in a REPL (Read, Examine, Print, Loop)")
+│           ├── ──── separator REPL_TOOL
+│           ├── "Object Explorer" opens the tab DetailsTool (tooltip "Explore the values, componenets, and available methods in selected objects")
+│           ├── ──── separator DETAILS_TOOL
+│           ├── "Export Scene Snapshot" runs the console command Lodex.ExportSnapshot (tooltip "Write the level, with the reflection of its classes, as a scene snapshot for the lodex tool")
+│           └── "Copy Best Lodestring" runs the console command Lodex.CopyBestLodestring (tooltip "Log and copy the shortest, most stable Lodestring that finds each selected actor alone, with its match count")
+├── Tabs (nomad tab spawners)
+)x",
+				"├── Console commands\n│   ├── Lodex.ExportSnapshot [FILE] (",
+				"│   └── Lodex.CopyBestLodestring (Logs and copies the best Lodestring of each selected actor",
+				R"x(
+    ├── Components tree menu of the object explorer (extends the tool menu "Kismet.SubobjectEditorContextMenu"), once an Object Explorer tab has opened
+    │   └── section "VelTrane", heading "VelTrane"
+    │       └── sub-menu "Lodestring" (tooltip "Get the Lodestring for the selected component")
+    │           └── section "VelTrane"
+    │               ├── "Lodestring Relative" prints the Relative Lodestring (tooltip "Get the Lodestring Relative")
+    │               └── "Lodestring Absolute" prints the Absolute Lodestring (tooltip "Get the Lodestring Absolute")
+    └── Lists of the object explorer (built by the list's context-menu handler), once an Object Explorer tab has opened
+        └── section "Veltrane", heading "VelTrane"
+            └── sub-menu "Lodestring" (tooltip "Print the Lodestring reference")
+                ├── "Lodestring Relative" (DetailToolA.DetailCommand1) prints the Relative Lodestring (tooltip "Print the Lodestring to the console")
+                └── "Lodestring Absolute" (DetailToolA.DetailCommand2) prints the Absolute Lodestring (tooltip "Print the Lodestring to the console")
+)x",
+				R"x(
+    ├── Scene outliner actor menu (before the hook "LevelEditor.SceneOutlinerContextMenu")
+    │   └── section "Veltrane", heading "VelTrane"
+    │       └── sub-menu "Lodestring" (tooltip "Print the Lodestring reference for use in Veltrane tests.")
+    │           ├── "Lodestring Relative" (MenuTool.MenuCommand1) prints the Relative Lodestring (tooltip "Print the Lodestring to the console")
+    │           └── "Lodestring Absolute" (MenuTool.MenuCommand2) prints the Absolute Lodestring (tooltip "Print the Lodestring to the console")
+    ├── Level viewport actor menu (before the hook "ActorType")
+)x",
+				"\nUnloading the module\n\nLogTemp: Warning: ShutdownModule() called\n\nTab spawners left: 0\n"
+				"Menu extenders left in the level editor: 0\nConsole commands left: 0\n",
+				"/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')             //Door/fn:component('Hinge')",
+				"/*[@name = 'Tür']",
+				"/*[@tag = 'light' or @tag = 'shop'] matches 2 objects: not unique\n  /*[@name = 'Lamp_2']\n  /*[@name "
+				"= "
+				"'Bob's Sign']\n",
+				"\n[10] /*[@name = 'House']/*[@name = 'Door']<VELT.Highlight>/fn:component('Hinge')</>\n    Operation: "
+				"Components named 'Hinge' of 1 object: 1 found\n",
+				"Step Over from the start stops at 1, 5, 9, 10, 11;",
+			})
+		{
+			EXPECT_NE(Run.Out.find(Expected), std::string::npos) << Expected;
+		}
+		EXPECT_EQ(CountOccurrences(Run.Out, "group \"Menu Root\"\n"), 4);
+		EXPECT_EQ(CountOccurrences(Run.Out, "debugPanel"), 0);
+	}
+
+	/** A folder holding one clipboard tool, a shell script. */
+	std::string MakeClipboardTool(const FTempDir& Dir, const char* Name, const std::string& Script)
+	{
+		const std::string Tool = Dir.Write(Name, "#!/bin/sh\n" + Script + "\n");
+		std::filesystem::permissions(Tool, std::filesystem::perms::owner_all);
+		return Dir.Path;
+	}
+
+	TEST(LodexBinary, ClipboardWithoutAToolOrWithOneThatFailsSaysNotCopiedOnceAndKeepsTheLog)
+	{
+		FTempDir Dir;
+		// The Lodestrings are longer than a pipe holds: a tool that quits without reading breaks the pipe.
+		const std::string Long(200000, 'L');
+		const std::string Scene = Dir.Write("scene.json",
+			"{\"objects\": [{\"id\": \"a\", \"kind\": \"actor\", "
+			"\"name\": \"" +
+				Long +
+				"\"}, {\"id\": \"b\", \"kind\": "
+				"\"actor\", \"name\": \"B\"}]}");
+		const std::string Log =
+			"LogTemp: Lodestring : /*[@name = '" + Long + "'] \nLogTemp: Lodestring : /*[@name = 'B'] \n";
+		const std::string Advice = "; use --clipboard FILE to keep the copied text\n";
+		FTempDir Failing;
+		FTempDir Quitting;
+		FTempDir Working;
+		const struct
+		{
+			ChildProcess::FEnvironment Environment;
+			std::string Notice;
+		} Rows[] = {
+			{{{"DISPLAY", std::nullopt}, {"WAYLAND_DISPLAY", std::nullopt}, {"PATH", "/nonexistent"}},
+				"lodex: not copied to the clipboard: no clipboard tool is reachable (tried wl-copy, xclip, xsel, "
+				"pbcopy, clip.exe)" +
+					Advice},
+			{{{"DISPLAY", ":99"}, {"WAYLAND_DISPLAY", std::nullopt},
+				 {"PATH", MakeClipboardTool(Failing, "xclip", "exit 1")}},
+				"lodex: not copied to the clipboard: xclip failed (exit status 1)" + Advice},
+			{{{"DISPLAY", ":99"}, {"WAYLAND_DISPLAY", std::nullopt},
+				 {"PATH", MakeClipboardTool(Quitting, "xclip", "exit 0")}},
+				"lodex: not copied to the clipboard: xclip did not take the text (Broken pipe)" + Advice},
+			{{{"DISPLAY", ":99"}, {"WAYLAND_DISPLAY", std::nullopt},
+				 {"PATH", MakeClipboardTool(Working, "xsel", "/bin/cat >/dev/null")}},
+				""},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FProcessRun Run =
+				ChildProcess::RunLodex({"copy", "--scene", Scene, "--mode", "Absolute", "a", "b"}, Row.Environment);
+			EXPECT_EQ(Run.Signal, 0) << Row.Notice;
+			EXPECT_EQ(Run.Exit, 0) << Run.Err;
+			EXPECT_TRUE(Run.Out == Log) << Run.Out.size() << " bytes";
+			EXPECT_TRUE(Run.Err ==
+				Row.Notice + "/*[@name = '" + Long + "'] matches 1 object\n/*[@name = 'B'] matches 1 object\n")
+				<< Run.Err.substr(0, 300);
+		}
+	}
+
+	TEST(LodexBinary, AClipboardFileWriteThatFailsPartWayKeepsTheEarlierFileAndLeavesNothingBehind)
+	{
+		FTempDir Dir;
+		const std::string Scene = Dir.Write("scene.json",
+			"{\"objects\": [{\"id\": \"a\", \"kind\": \"actor\", \"name\": \"" + std::string(40000, 'N') + "\"}]}");
+		const std::string Clipboard = Dir.Write("clipboard.txt", "earlier text\n");
+		const FProcessRun Run =
+			ChildProcess::RunLodex({"copy", "--scene", Scene, "--mode", "Relative", "--clipboard", Clipboard, "a"}, {},
+				ChildProcess::LimitFileSize(16 * 1024));
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_TRUE(Run.Out == "LogTemp: Lodestring : //" + std::string(40000, 'N') + " \n") << "the log line stands";
+		EXPECT_TRUE(Run.Err ==
+			"lodex: " + Clipboard + ": cannot write the file (File too large)\n//" + std::string(40000, 'N') +
+				" matches 1 object\n")
+			<< Run.Err.substr(0, 300);
+		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
+		EXPECT_EQ(ListFolder(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
+	}
+}
+
+namespace
+{
+	TEST(LodexBest, PathAndCopyGiveTheShortestStableLodestringThatFindsEachObjectAlone)
+	{
+		const std::string Sample = std::string(LODEX_SOURCE_DIR) + "/samples/level.json";
+		// The house by its tag, the knob by its name, the hinge below its door, a lamp's light below the lamp's tag.
+		const FLodexRun Path =
+			RunLodex({"path", "--scene", Sample, "--mode", "best", "house", "knob", "hinge", "level"});
+		EXPECT_EQ(Path.Exit, 0) << Path.Err;
+		EXPECT_EQ(Path.Out, "//*[@tag = 'bldg']\n//Knob\n//Door/fn:component('Hinge')\n\n");
+		EXPECT_EQ(Path.Err, "lodex: PersistentLevel takes no step in a Lodestring\n");
+
+		FTempDir Dir;
+		const std::string Clipboard = Dir.File("clipboard.txt");
+		const FLodexRun Copy =
+			RunLodex({"copy", "--scene", Sample, "--mode", "best", "--clipboard", Clipboard, "house", "knob"});
+		EXPECT_EQ(Copy.Exit, 0) << Copy.Err;
+		EXPECT_EQ(Copy.Out,
+			"LogTemp: Best Lodestring : //*[@tag = 'bldg'] (matches 1 object)\n"
+			"LogTemp: Best Lodestring : //Knob (matches 1 object)\n");
+		EXPECT_EQ(Copy.Err, "//*[@tag = 'bldg'] matches 1 object\n//Knob matches 1 object\n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "//*[@tag = 'bldg']\r\n//Knob");
+	}
+}

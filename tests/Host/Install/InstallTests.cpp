@@ -1,0 +1,448 @@
+// Copyright Lodex contributors.
+#include "ChildProcess.h"
+#include "LodexTool.h"
+#include "TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <sstream>
+#include <unistd.h>
+#include <utility>
+
+namespace
+{
+	namespace fs = std::filesystem;
+
+	// The plug-in's descriptor: keys out of alphabetical order, a key after "Modules", numbers and escapes as
+	// written by hand, and a non-ASCII letter.
+	const std::string DescriptorStart =
+		"{\n\t\"FileVersion\": 3,\n\t\"Version\": 1.50,\n\t\"VersionName\": \"1.5\",\n\t\"Description\": "
+		"\"Int\\u00e9gration .NET, intégration\",\n\t\"Modules\": [\n\t\t{\n\t\t\t\"Name\": \"UnrealCLR\",\n\t\t\t"
+		"\"Type\": \"Runtime\",\n\t\t\t\"LoadingPhase\": \"PreLoadingScreen\",\n\t\t\t\"WhitelistPlatforms\": "
+		"[\n\t\t\t\t\"Win64\",\n\t\t\t\t\"Linux\"\n\t\t\t]\n\t\t}";
+	const std::string DescriptorEnd = "\n\t],\n\t\"CanContainContent\": false,\n\t\"Size\": 1E+2\n}";
+	const std::string LodexEntry = "{\n\t\t\t\"Name\": \"LodexDebugger\",\n\t\t\t\"Type\": \"Editor\",\n\t\t\t"
+								   "\"LoadingPhase\": \"PostEngineInit\"\n\t\t}";
+	const std::string CompactEntry =
+		"{\"Name\": \"LodexDebugger\", \"Type\": \"Editor\", \"LoadingPhase\": \"PostEngineInit\"}";
+	const std::string Descriptor = DescriptorStart + DescriptorEnd;
+	const std::string InstalledDescriptor = DescriptorStart + ",\n\t\t" + LodexEntry + DescriptorEnd;
+	const std::string AddedEntry =
+		"{\"Name\":\"LodexDebugger\",\"Type\":\"Editor\",\"LoadingPhase\":\"PostEngineInit\"} to \"Modules\" of "
+		"UnrealCLR.uplugin (the descriptor as it was is ";
+
+	/** The files an install puts into the plug-in folder, in the order it reports them, with their text. */
+	const std::vector<std::pair<std::string, std::string>> ModuleFiles{
+		{"Source/LodexDebugger/Core/LodexShell.cpp", "// shell\n"},
+		{"Source/LodexDebugger/LodexDebugger.Build.cs", "// rules\n"},
+		{"Source/LodexDebugger/Private/LodexDebugger.cpp", "// module\n"}, {"Resources/Record_icon.png", "Record"},
+		{"Resources/Download_icon.png", "Download"}, {"Resources/Stop_icon.png", "Stop"},
+		{"Resources/Info_icon.png", "Info"}, {"Resources/Reset_icon.png", "Reset"}};
+
+	std::string Listed(const std::string& Verb)
+	{
+		std::string Lines;
+		for (const auto& File : ModuleFiles)
+		{
+			Lines += "  " + Verb + " " + File.first + "\n";
+		}
+		return Lines;
+	}
+
+	/** The output of a quiet success; otherwise the exit code, then standard error, then standard output. */
+	std::string Printed(const FProcessRun& Run)
+	{
+		return Run.Exit == 0 && Run.Err.empty() ? Run.Out
+												: "exit " + std::to_string(Run.Exit) + ": " + Run.Err + Run.Out;
+	}
+
+	void Write(const std::string& Path, const std::string& Text)
+	{
+		fs::create_directories(fs::path(Path).parent_path());
+		std::ofstream(Path, std::ios::binary) << Text;
+	}
+
+	/** Gives a folder and everything in it to another user and group. */
+	void ChownTree(const std::string& Root, uid_t Id)
+	{
+		ASSERT_EQ(lchown(Root.c_str(), Id, Id), 0);
+		for (const fs::directory_entry& Entry : fs::recursive_directory_iterator(Root))
+		{
+			ASSERT_EQ(lchown(Entry.path().c_str(), Id, Id), 0) << Entry.path();
+		}
+	}
+
+	/** A game project with the UnrealCLR plug-in, and a small Lodex source tree beside it. */
+	struct FProject
+	{
+		FProject()
+		{
+			Write(Project + "/Game.uproject", "{\"FileVersion\": 3}");
+			Write(Plugin + "/UnrealCLR.uplugin", Descriptor);
+			for (const auto& [Relative, Text] : ModuleFiles)
+			{
+				Write(Source + "/" + Relative, Text);
+			}
+			// Build outputs, editor state and other resources are not the module's.
+			for (const char* Other :
+				{"Source/LodexDebugger/Binaries/Linux/libLodex.so", "Source/LodexDebugger/Intermediate/Build/x.o",
+					"Source/LodexDebugger/.vs/state", "Resources/Unused.png"})
+			{
+				Write(Source + "/" + Other, "not the module's");
+			}
+		}
+
+		std::vector<std::string> Arguments(std::vector<std::string> Extra = {}) const
+		{
+			std::vector<std::string> Args{"install", "--project", Project, "--source", Source};
+			Args.insert(Args.end(), Extra.begin(), Extra.end());
+			return Args;
+		}
+
+		FProcessRun Install(std::vector<std::string> Extra = {}) const
+		{
+			std::ostringstream Out;
+			std::ostringstream Err;
+			const int Exit = RunLodexCli(Arguments(std::move(Extra)), Out, Err);
+			return {Exit, 0, Out.str(), Err.str()};
+		}
+
+		/** Every file and folder under the project folder, by its path relative to it, with a file's bytes. */
+		std::map<std::string, std::string> ProjectFiles() const
+		{
+			std::map<std::string, std::string> Files;
+			for (const fs::directory_entry& Entry : fs::recursive_directory_iterator(Project))
+			{
+				const std::string Relative = Entry.path().lexically_relative(Project).generic_string();
+				Files[Relative] = Entry.is_symlink() ? "link to " + fs::read_symlink(Entry.path()).string()
+					: Entry.is_regular_file()        ? FTempDir::Read(Entry.path())
+													 : "(folder)";
+			}
+			return Files;
+		}
+
+		/** Runs the install: it says "lodex: " and the path under the temporary folder, and changes nothing. */
+		void ExpectRefusal(const std::string& PathAndText, std::vector<std::string> Extra = {}) const
+		{
+			const bool bProject = fs::is_directory(Project);
+			const auto Before = bProject ? ProjectFiles() : std::map<std::string, std::string>();
+			EXPECT_EQ(Printed(Install(std::move(Extra))), "exit 1: lodex: " + Dir.Path + "/" + PathAndText + "\n");
+			EXPECT_EQ(bProject ? ProjectFiles() : Before, Before);
+		}
+
+		FTempDir Dir;
+		std::string Project = Dir.Path + "/Game";
+		std::string Source = Dir.Path + "/lodex";
+		std::string Plugin = Project + "/Plugins/UnrealCLR";
+	};
+
+	class LodexInstall
+		: public ::testing::Test
+		, public FProject
+	{
+	};
+
+	TEST_F(LodexInstall, FreshInstallCopiesTheModuleAndIconsAndAddsOnlyTheModuleEntryToTheDescriptor)
+	{
+		EXPECT_EQ(Printed(Install()),
+			"Installing LodexDebugger from " + Source + " into " + Plugin + "\n" + Listed("copied") + "  added " +
+				AddedEntry + "in UnrealCLR.uplugin.bak)\n" +
+				"Done: 8 file(s) copied, 0 replaced, 0 already up to date; "
+				"UnrealCLR.uplugin now lists LodexDebugger.\n");
+		std::map<std::string, std::string> Expected{{"Game.uproject", "{\"FileVersion\": 3}"}, {"Plugins", "(folder)"},
+			{"Plugins/UnrealCLR", "(folder)"}, {"Plugins/UnrealCLR/UnrealCLR.uplugin", InstalledDescriptor},
+			{"Plugins/UnrealCLR/UnrealCLR.uplugin.bak", Descriptor}};
+		for (const auto& [Relative, Text] : ModuleFiles)
+		{
+			Expected["Plugins/UnrealCLR/" + Relative] = Text;
+			for (fs::path Folder = fs::path(Relative).parent_path(); !Folder.empty(); Folder = Folder.parent_path())
+			{
+				Expected["Plugins/UnrealCLR/" + Folder.generic_string()] = "(folder)";
+			}
+		}
+		EXPECT_EQ(ProjectFiles(), Expected);
+	}
+
+	TEST_F(LodexInstall, DryRunListsWhatItWouldDoAndChangesNothing)
+	{
+		const auto Before = ProjectFiles();
+		EXPECT_EQ(Printed(Install({"--dry-run"})),
+			"Dry run: installing LodexDebugger from " + Source + " into " + Plugin + " would\n" + Listed("copy") +
+				"  add " + AddedEntry + "kept in UnrealCLR.uplugin.bak)\nNothing was changed.\n");
+		EXPECT_EQ(ProjectFiles(), Before);
+	}
+
+	TEST_F(LodexInstall, SecondRunAndDryRunAfterAnInstallChangeNothingAndSaySo)
+	{
+		ASSERT_EQ(Install().Exit, 0);
+		const auto Before = ProjectFiles();
+		EXPECT_EQ(Printed(Install()),
+			"LodexDebugger is already installed in " + Plugin + " and up to date; nothing was changed.\n");
+		EXPECT_EQ(Printed(Install({"--dry-run"})),
+			"Dry run: installing LodexDebugger from " + Source + " into " + Plugin +
+				" would\n  change nothing: the module is installed and up to date\nNothing was changed.\n");
+		EXPECT_EQ(ProjectFiles(), Before);
+	}
+
+	TEST_F(LodexInstall, ChangedBytesOfTheSameLengthAreReplacedNewFilesCopiedAndFilesNoLongerInTheSourceKept)
+	{
+		ASSERT_EQ(Install().Exit, 0);
+		Write(Source + "/Source/LodexDebugger/Core/LodexShell.cpp", "// SHELL\n"); // same length, other bytes
+		Write(Source + "/Source/LodexDebugger/Core/LodexStyle.cpp", "// style\n");
+		Write(Plugin + "/Source/LodexDebugger/Old/Gone.cpp", "// old\n");
+		Write(Plugin + "/Source/LodexDebugger/Intermediate/Build/y.o", "build output");
+		const std::string Keep = "  keep Source/LodexDebugger/Old/Gone.cpp (not in the source tree; "
+								 "remove it by hand if it is not wanted)\n";
+		EXPECT_EQ(Printed(Install({"--dry-run"})),
+			"Dry run: installing LodexDebugger from " + Source + " into " + Plugin +
+				" would\n"
+				"  replace Source/LodexDebugger/Core/LodexShell.cpp\n"
+				"  copy Source/LodexDebugger/Core/LodexStyle.cpp\n"
+				"  leave 7 file(s) that are already up to date\n" +
+				Keep + "Nothing was changed.\n");
+		EXPECT_EQ(Printed(Install()),
+			"Installing LodexDebugger from " + Source + " into " + Plugin +
+				"\n"
+				"  replaced Source/LodexDebugger/Core/LodexShell.cpp\n"
+				"  copied Source/LodexDebugger/Core/LodexStyle.cpp\n" +
+				Keep +
+				"Done: 1 file(s) copied, 1 replaced, 7 already up to date; "
+				"UnrealCLR.uplugin already listed LodexDebugger.\n");
+		EXPECT_EQ(FTempDir::Read(Plugin + "/Source/LodexDebugger/Core/LodexShell.cpp"), "// SHELL\n");
+		EXPECT_TRUE(FTempDir::Exists(Plugin + "/Source/LodexDebugger/Old/Gone.cpp"));
+		EXPECT_EQ(FTempDir::Read(Plugin + "/UnrealCLR.uplugin"), InstalledDescriptor);
+		EXPECT_EQ(FTempDir::Read(Plugin + "/UnrealCLR.uplugin.bak"), Descriptor);
+	}
+
+	TEST_F(LodexInstall, ADescriptorThatListsTheModuleInAnyCaseIsNotTouched)
+	{
+		const std::pair<std::string, std::string> Rows[] = {
+			{"LodexDebugger\", \"Type\": \"Editor", ""},
+			{"LodexDebugger\", \"Type\": \"Runtime", "\"LodexDebugger\" with Type \"Runtime\""},
+			{"lodexdebugger\", \"Type\": \"Editor", "\"lodexdebugger\" with Type \"Editor\""},
+		};
+		for (const auto& [Entry, Note] : Rows)
+		{
+			const std::string Listed =
+				"{\"Modules\": [{\"Name\": \"" + Entry + "\", \"LoadingPhase\": \"Default\"}], \"Version\": 1.50}";
+			Write(Plugin + "/UnrealCLR.uplugin", Listed);
+			const FProcessRun Run = Install();
+			EXPECT_EQ(Run.Exit, 0) << Run.Err;
+			const std::string Said =
+				"note: " + Plugin + "/UnrealCLR.uplugin already lists " + Note + "; it is left as it is\n";
+			EXPECT_EQ(Run.Out.find(Said) != std::string::npos, !Note.empty()) << Run.Out;
+			EXPECT_EQ(FTempDir::Read(Plugin + "/UnrealCLR.uplugin"), Listed);
+			EXPECT_FALSE(FTempDir::Exists(Plugin + "/UnrealCLR.uplugin.bak"));
+		}
+	}
+
+	TEST_F(LodexInstall, TheEntryIsAddedIntoTheDescriptorsTextAsItsNeighboursAreWrittenAndNothingElseChanges)
+	{
+		const std::string Bom = "\xEF\xBB\xBF";
+		const std::pair<std::string, std::string> Rows[] = {
+			{"{\"FileVersion\": 3}", "{\"FileVersion\": 3, \"Modules\": [" + CompactEntry + "]}"},
+			{"{}", "{\"Modules\": [" + CompactEntry + "]}"},
+			{Bom + "{\"Modules\": []}\n", Bom + "{\"Modules\": [" + CompactEntry + "]}\n"},
+			{"{\"Modules\": [{\"Name\": \"A\"}, {\"Name\": \"B\"}], \"N\": 0.10}",
+				"{\"Modules\": [{\"Name\": \"A\"}, {\"Name\": \"B\"}, " + CompactEntry + "], \"N\": 0.10}"},
+			{"{\n\t\"Version\": 1.50,\n\t\"Big\": 1e2\n}\n",
+				"{\n\t\"Version\": 1.50,\n\t\"Big\": 1e2,\n\t\"Modules\": [\n\t\t" + LodexEntry + "\n\t]\n}\n"},
+			{"{\r\n\t\"Modules\": [ ]\r\n}\r\n",
+				"{\r\n\t\"Modules\": [\r\n\t\t{\r\n\t\t\t\"Name\": \"LodexDebugger\",\r\n\t\t\t\"Type\": "
+				"\"Editor\",\r\n\t\t\t\"LoadingPhase\": \"PostEngineInit\"\r\n\t\t}\r\n\t]\r\n}\r\n"},
+			{"{\n  \"Modules\": [\n    {\"Name\": \"UnrealCLR\"}\n  ]\n}",
+				"{\n  \"Modules\": [\n    {\"Name\": \"UnrealCLR\"},\n    {\n      \"Name\": \"LodexDebugger\",\n      "
+				"\"Type\": \"Editor\",\n      \"LoadingPhase\": \"PostEngineInit\"\n    }\n  ]\n}"},
+			{"{\"Modules\": [], \"Modules\": [{\"Name\": \"A\"}]}",
+				"{\"Modules\": [], \"Modules\": [{\"Name\": \"A\"}, " + CompactEntry + "]}"},
+		};
+		for (const auto& [Original, Expected] : Rows)
+		{
+			Write(Plugin + "/UnrealCLR.uplugin", Original);
+			EXPECT_EQ(Install().Exit, 0) << Original;
+			EXPECT_EQ(FTempDir::Read(Plugin + "/UnrealCLR.uplugin"), Expected) << Original;
+			EXPECT_EQ(FTempDir::Read(Plugin + "/UnrealCLR.uplugin.bak"), Original);
+		}
+	}
+
+	TEST_F(LodexInstall, TakesTheModuleFromTheTreeLodexWasBuiltFromByDefault)
+	{
+		std::ostringstream Out;
+		std::ostringstream Err;
+		ASSERT_EQ(RunLodexCli({"install", "--project", Project}, Out, Err), 0) << Err.str();
+		for (const std::string Relative : {"/Source/LodexDebugger/Core/Shell/LodexShell.h", "/Resources/Info_icon.png"})
+		{
+			EXPECT_EQ(FTempDir::Read(Plugin + Relative), FTempDir::Read(LODEX_SOURCE_DIR + Relative)) << Relative;
+		}
+		EXPECT_EQ(FTempDir::Read(Plugin + "/UnrealCLR.uplugin"), InstalledDescriptor);
+	}
+
+	TEST(LodexInstallRefusal, SaysWhyInOneLineAndChangesNothing)
+	{
+		// A path under the temporary folder, removed (no text), made a folder ("/") or written, and what the
+		// install then says.
+		const char* const Rows[][3] = {
+			{"Game", nullptr, "Game: no such folder"},
+			{"Game", "a file", "Game: is a file, not a folder; give the game project's folder"},
+			{"Game/Game.uproject", nullptr, "Game: no .uproject file in the folder; give the game project's folder"},
+			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", nullptr,
+				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin: not found; the project needs the UnrealCLR plug-in in "
+				"Plugins/UnrealCLR first"},
+			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "{\n\t\"Modules\": [\n\t\t{\"Name\": \"Tür\",}\n\t]\n}",
+				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin:3:18: not valid JSON: syntax error while parsing "
+				"object key - unexpected '}'; expected string literal"},
+			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "{\"Modules\": [], \"Size\": -1e999}",
+				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin:1:25: not valid JSON: number out of the range of a "
+				"double: -1e999"},
+			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "[1, 2]",
+				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin: the descriptor is a JSON array, not an object"},
+			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "{\"Modules\": \"UnrealCLR\"}",
+				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin: \"Modules\" is a JSON string, not a list"},
+			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin.bak/", "",
+				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin.bak: is a folder where the install keeps the "
+				"descriptor's backup; nothing was changed"},
+			{"lodex/Source/LodexDebugger/LodexDebugger.Build.cs", nullptr,
+				"lodex: not a Lodex source tree (no Source/LodexDebugger/LodexDebugger.Build.cs); "
+				"give one with --source"},
+			{"lodex/Resources/Stop_icon.png", nullptr,
+				"lodex/Resources/Stop_icon.png: icon not found in the source tree"},
+			{"Game/Plugins/UnrealCLR/Source", "a file",
+				"Game/Plugins/UnrealCLR/Source: is a file where the install needs a folder"},
+			{"Game/Plugins/UnrealCLR/Resources/Info_icon.png/", "",
+				"Game/Plugins/UnrealCLR/Resources/Info_icon.png: is a folder where the install needs to put a file; "
+				"nothing was changed"},
+		};
+		for (const auto& Row : Rows)
+		{
+			FProject Project;
+			const std::string Path = Project.Dir.Path + "/" + Row[0];
+			if (Row[1] == nullptr)
+			{
+				fs::remove_all(Path);
+			}
+			else if (Path.back() == '/')
+			{
+				fs::create_directories(Path);
+			}
+			else
+			{
+				fs::remove_all(Path);
+				Write(Path, Row[1]);
+			}
+			Project.ExpectRefusal(Row[2]);
+			Project.ExpectRefusal(Row[2], {"--dry-run"});
+		}
+	}
+
+	TEST_F(LodexInstall, ALinkThatLeadsNowhereInTheSourceIsRefusedByTheDryRunAndTheInstall)
+	{
+		fs::create_symlink("Missing.cpp", Source + "/Source/LodexDebugger/Private/Dangling.cpp");
+		const std::string Said =
+			"lodex/Source/LodexDebugger/Private/Dangling.cpp: is a link to nothing (Missing.cpp); the install cannot "
+			"copy it";
+		ExpectRefusal(Said, {"--dry-run"});
+		ExpectRefusal(Said);
+	}
+
+	TEST_F(LodexInstall, NothingIsWrittenThroughALinkAndALinkedDescriptorIsUpdatedWhereItPoints)
+	{
+		// The descriptor lives elsewhere (a shared checkout of the plug-in); an icon's place holds a link to a
+		// file of another project.
+		const std::string Shared = Dir.Path + "/shared/UnrealCLR.uplugin";
+		Write(Shared, Descriptor);
+		fs::remove(Plugin + "/UnrealCLR.uplugin");
+		fs::create_symlink(Shared, Plugin + "/UnrealCLR.uplugin");
+		const std::string Other = Dir.Path + "/other/Info_icon.png";
+		Write(Other, "another project's icon");
+		Write(Plugin + "/Resources/Record_icon.png", "Record");
+		fs::create_directories(Plugin + "/Resources");
+		fs::create_symlink(Other, Plugin + "/Resources/Info_icon.png");
+
+		const FProcessRun Run = Install();
+		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_NE(Run.Out.find("  replaced Resources/Info_icon.png (a link there becomes a copy of the file)\n"),
+			std::string::npos)
+			<< Run.Out;
+		EXPECT_EQ(FTempDir::Read(Other), "another project's icon");
+		EXPECT_FALSE(fs::is_symlink(Plugin + "/Resources/Info_icon.png"));
+		EXPECT_EQ(FTempDir::Read(Plugin + "/Resources/Info_icon.png"), "Info");
+		EXPECT_TRUE(fs::is_symlink(Plugin + "/UnrealCLR.uplugin"));
+		EXPECT_EQ(FTempDir::Read(Shared), InstalledDescriptor);
+		EXPECT_EQ(FTempDir::Read(Plugin + "/UnrealCLR.uplugin.bak"), Descriptor);
+		for (const fs::directory_entry& Entry : fs::directory_iterator(Dir.Path + "/shared"))
+		{
+			EXPECT_EQ(Entry.path().filename(), "UnrealCLR.uplugin") << "left beside the descriptor";
+		}
+	}
+
+	TEST_F(LodexInstall, TheDescriptorKeepsItsPermissionsAndOwner)
+	{
+		const std::string Path = Plugin + "/UnrealCLR.uplugin";
+		fs::permissions(Path, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+		const bool bRoot = geteuid() == 0;
+		if (bRoot)
+		{
+			ASSERT_EQ(chown(Path.c_str(), ChildProcess::UnprivilegedId, ChildProcess::UnprivilegedId), 0);
+		}
+		struct stat Before;
+		ASSERT_EQ(stat(Path.c_str(), &Before), 0);
+		ASSERT_EQ(Install().Exit, 0);
+		struct stat After;
+		ASSERT_EQ(stat(Path.c_str(), &After), 0);
+		EXPECT_EQ(FTempDir::Read(Path), InstalledDescriptor);
+		EXPECT_EQ(After.st_mode & 07777, 0640u);
+		EXPECT_EQ(After.st_uid, Before.st_uid);
+		EXPECT_EQ(After.st_gid, Before.st_gid);
+		EXPECT_NE(After.st_ino, Before.st_ino) << "replaced whole, not written in place";
+	}
+
+	TEST_F(LodexInstall, AReadOnlyDescriptorIsRefusedToAnOrdinaryUser)
+	{
+		const std::string Path = Plugin + "/UnrealCLR.uplugin";
+		fs::permissions(Path, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+		if (geteuid() == 0)
+		{
+			ChownTree(Dir.Path, ChildProcess::UnprivilegedId);
+		}
+		const auto Before = ProjectFiles();
+		const FProcessRun Run = ChildProcess::RunUnprivileged([&] { return Install(); });
+		EXPECT_EQ(Printed(Run), "exit 1: lodex: " + Path + ": the descriptor is read-only; nothing was changed\n");
+		EXPECT_EQ(ProjectFiles(), Before);
+	}
+
+	TEST_F(LodexInstall, ASourceFileThatCannotBeReadIsRefusedByTheDryRunAndTheInstall)
+	{
+		const std::string Unreadable = Source + "/Source/LodexDebugger/Private/LodexDebugger.cpp";
+		fs::permissions(Unreadable, fs::perms::none);
+		if (geteuid() == 0)
+		{
+			ChownTree(Dir.Path, ChildProcess::UnprivilegedId);
+		}
+		const auto Before = ProjectFiles();
+		for (const char* Extra : {"--dry-run", ""})
+		{
+			const FProcessRun Run = ChildProcess::RunUnprivileged(
+				[&] { return Install(*Extra ? std::vector<std::string>{Extra} : std::vector<std::string>{}); });
+			EXPECT_EQ(Printed(Run), "exit 1: lodex: " + Unreadable + ": cannot read the file (Permission denied)\n");
+		}
+		EXPECT_EQ(ProjectFiles(), Before);
+	}
+
+	TEST_F(LodexInstall, AWriteThatFailsPartWayLeavesTheProjectExactlyAsItWas)
+	{
+		// A source file bigger than the file-size limit: its copy fails after others were written.
+		Write(Source + "/Source/LodexDebugger/Private/Zz_Large.cpp", std::string(64 * 1024, 'x'));
+		Write(Plugin + "/Resources/Stop_icon.png", "an older Stop icon");
+		const auto Before = ProjectFiles();
+		const FProcessRun Run = ChildProcess::RunLodex(Arguments(), {}, ChildProcess::LimitFileSize(16 * 1024));
+		EXPECT_EQ(Run.Exit, 1) << Run.Err;
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_EQ(Run.Err,
+			"lodex: " + Plugin +
+				"/Source/LodexDebugger/Private/Zz_Large.cpp: cannot write the file (File too large); nothing was "
+				"changed\n");
+		EXPECT_EQ(ProjectFiles(), Before);
+	}
+}

@@ -1,0 +1,309 @@
+// Copyright Lodex contributors.
+#include "Lint/CSharpLiterals.h"
+#include "LintLevel.h"
+#include "LodestringCases.h"
+#include "Cli/LodexCli.h"
+#include "LodexRun.h"
+#include "TempDir.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdlib>
+
+namespace
+{
+	std::string Found(const std::string& Source)
+	{
+		std::string Text;
+		for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
+		{
+			Text += std::to_string(Literal.Line) + ":" + std::to_string(Literal.Column) + " " + Literal.Method + " [" +
+				Literal.Value + "]\n";
+		}
+		return Text;
+	}
+
+	TEST(CSharpLiterals, FindsTheLiteralsPassedToApiCalls)
+	{
+		struct FRow
+		{
+			const char* Source;
+			const char* Expected;
+		};
+		const FRow Rows[] = {
+			{R"(api.Click("/*[@name = 'Door']");)", "1:11 Click [/*[@name = 'Door']]\n"},
+			{"api.CallMethod(\"//Door\", \"Open\", new object[]{});\nint x = api.CallMethod<int>(\"//Lamp\", \"Dim\", "
+			 "new object[]{ 2 });",
+				"1:16 CallMethod [//Door]\n1:26 CallMethod [Open]\n2:29 CallMethod [//Lamp]\n2:39 CallMethod [Dim]\n"},
+			{R"(api.Find(@"/*[@name = 'Say ""hi""']");)", "1:10 Find [/*[@name = 'Say \"hi\"']]\n"},
+			{R"(api.Find("a\"b\\c\t\u00FC\x41\U0001F600\uD83D\uDE00");)",
+				"1:10 Find [a\"b\\c\t\xC3\xBC"
+				"A\xF0\x9F\x98\x80\xF0\x9F\x98\x80]\n"},
+			{R"(api?.Find(path: "//Door", timeout: 5);)", "1:17 Find [//Door]\n"},
+			{R"(api.Get<List<int>, string>("//Door");)", "1:28 Get [//Door]\n"},
+			{"api.Find(\"\"\"//Bob's \"Sign\" x\"\"\");", "1:10 Find [//Bob's \"Sign\" x]\n"},
+			{"api.Find(\n    \"\"\"\n    //Door\n    \"\"\");", "2:5 Find [//Door]\n"},
+			{"var s = \"//Door\"u8; api.Find(\"//Lamp\"u8);", "1:30 Find [//Lamp]\n"},
+			{"/* api.Find(\"//Hidden\"); */ api.Find(\"//Shown\"); // api.Find(\"//Hidden\")", "1:38 Find [//Shown]\n"},
+			{"char q = '\"'; api.Find(\"//Door\");", "1:24 Find [//Door]\n"},
+			{"\xEF\xBB\xBF"
+			 "api.Find(\"//T\xC3\xBCr\"); api.Find(\"//X\");",
+				"1:10 Find [//T\xC3\xBCr]\n1:29 Find [//X]\n"},
+			// Arguments that are not one literal alone are left out; calls inside them are found.
+			{R"(api.Find("//Door" + suffix); api.Find($"//{name}"); api.Find(Paths.Door);)", ""},
+			{R"(api.Click(api.Find("//Door"));)", "1:20 Find [//Door]\n"},
+			{R"(api.Click(api.Find("//Door"), "//Lamp");)",
+				"1:20 Find [//Door]\n1:31 Click [//Lamp]\n"}, // in source order
+			{R"(Log($"found {api.Find("//Door")} at {x:N2}"); api.Find("//Lamp");)",
+				"1:23 Find [//Door]\n1:56 Find [//Lamp]\n"},
+			{R"(Log($@"a ""quoted"" {api.Find(@"//Door")}"); myapi.Find("//No"); api.Find;)", "1:31 Find [//Door]\n"},
+			{R"(api.Find("unterminated)", ""}, // the literal runs to the end of its line
+		};
+		for (const FRow& Row : Rows)
+		{
+			EXPECT_EQ(Found(Row.Source), Row.Expected) << Row.Source;
+		}
+	}
+
+	TEST(CSharpLiterals, BrokenSourceIsScannedAsFarAsItGoes)
+	{
+		for (const char* Source : {"api.Find(", "api.Find(\"", "api.", "$\"{", "@\"", "\"\"\"", "/*", "'", "api.Find<",
+				 "api.Find(@\"x\"", "$@\"{api.Find(\"//x\")"})
+		{
+			EXPECT_NO_FATAL_FAILURE(FindApiStringArguments(Source)) << Source;
+		}
+		EXPECT_EQ(Found("api.Find(\"//Door\""), "");
+	}
+
+	class LodexLint : public ::testing::Test
+	{
+	protected:
+		void SetUp() override
+		{
+			ASSERT_FALSE(Dir.Path.empty());
+			ScenePath = Dir.Write("scene.json", LodestringCases::Scene);
+		}
+		FTempDir Dir;
+		std::string ScenePath;
+	};
+
+	TEST_F(LodexLint, ReportsEachLodestringThatIsNotUniqueWithItsFileAndLine)
+	{
+		const std::string Good = Dir.Write("Good.cs",
+			"api.Click(\"/*[@name = 'House']/*[@name = 'Door']\");\napi.CallMethod(\"//Bob's\", \"Wave\", new "
+			"object[]{});\n");
+		const std::string Bad = Dir.Write("Bad.cs",
+			"// api.Click(\"//Nobody\") in a comment is not a call\n"
+			"api.Click(\"//Nobody\");\n"
+			"api.Click(@\"//*[@tag = 't1']\");\n"
+			"api.Click(\"/*[@nam = 'A']\");\n"
+			"api.Click(\"//A\");\n");
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Good, Bad});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Err, "");
+		// The column is where the part of the locator at fault begins: the locator, or the unknown attribute.
+		EXPECT_EQ(Run.Out,
+			Bad + ":2:12: error: //Nobody matches no object [no-match]\n" + Bad +
+				":3:13: error: //*[@tag = 't1'] matches 2 objects: not unique [ambiguous]\n" + Bad +
+				":3:13: note: match 1 of 2: /A\n" + Bad + ":3:13: note: match 2 of 2: /A1\n" + Bad +
+				":4:15: error: /*[@nam = 'A'] cannot be read: Unknown attribute: only @name and @tag can be compared "
+				"[unreadable]\n"
+				"Checked 6 Lodestrings in 2 files: 3 errors, 0 warnings\n");
+
+		const FLodexRun Clean = RunLodex({"lint", "--scene", ScenePath, Good});
+		EXPECT_EQ(Clean.Exit, 0);
+		EXPECT_EQ(Clean.Out, "Checked 2 Lodestrings in 1 file: no errors, no warnings\n");
+	}
+
+	TEST_F(LodexLint, FoldersAreSearchedForCSharpFilesInNameOrder)
+	{
+		ASSERT_EQ(std::system(("mkdir -p '" + Dir.File("tests/a") + "' '" + Dir.File("tests/b") + "'").c_str()), 0);
+		Dir.Write("tests/b/Second.cs", "api.Click(\"//Nobody\");");
+		Dir.Write("tests/a/First.cs", "api.Click(\"//Ghost\");");
+		Dir.Write("tests/Notes.txt", "api.Click(\"//Ignored\");");
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Dir.File("tests")});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Out,
+			Dir.File("tests") + "/a/First.cs:1:12: error: //Ghost matches no object [no-match]\n" + Dir.File("tests") +
+				"/b/Second.cs:1:12: error: //Nobody matches no object [no-match]\nChecked 2 Lodestrings in 2 files: 2 "
+				"errors, 0 warnings\n");
+	}
+
+	TEST_F(LodexLint, EachProblemIsOneLineOfText)
+	{
+		// Control characters are shown as C# escapes; a literal whose bytes are not UTF-8 cannot name an object.
+		const std::string Odd = Dir.Write("Odd.cs",
+			"api.Click(@\"//Door\nwith a line break\");\n"
+			"api.Click(\"//Door\\t\\0\\u0001\\r\");\n"
+			"api.Click(\"//T\xFCr\");\n"
+			"api.Click(\"/*[@name = 'House']/*[@name = 'Door']\");\n");
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Odd});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Out,
+			Odd + ":1:13: error: //Door\\nwith a line break matches no object [no-match]\n" + Odd +
+				":3:12: error: //Door\\t\\0\\u0001\\r matches no object [no-match]\n" + Odd +
+				":4:12: error: the Lodestring is not UTF-8 text; save the file as UTF-8 [unreadable]\n"
+				"Checked 4 Lodestrings in 1 file: 3 errors, 0 warnings\n");
+	}
+
+	TEST_F(LodexLint, AnUnreadableFileStopsWithOneLineAndNoReport)
+	{
+		const std::string Good = Dir.Write("Good.cs", "api.Click(\"//Nobody\");");
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Good, Dir.File("Absent.cs")});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_EQ(Run.Err, "lodex: " + Dir.File("Absent.cs") + ": cannot open the file\n");
+
+		const FLodexRun NoScene = RunLodex({"lint", "--scene", Dir.File("absent.json"), Good});
+		EXPECT_EQ(NoScene.Exit, 1);
+		EXPECT_EQ(NoScene.Err, "lodex: " + Dir.File("absent.json") + ": cannot open the file\n");
+
+		const FLodexRun Usage = RunLodex({"lint", "--scene", ScenePath});
+		EXPECT_EQ(Usage.Exit, 2);
+		EXPECT_NE(Usage.Err.find("Usage:"), std::string::npos);
+	}
+
+	/** A test class that passes a locator of each kind of brittleness, and one that is sound, to `api`. */
+	const char* const BrittleTests = "public class DoorTests\n"
+									 "{\n"
+									 "    public void Opens()\n"
+									 "    {\n"
+									 "        api.Click(\"//Cube_2\");\n"
+									 "        api.Click(\"//House/*[@tag = 'red']\");\n"
+									 "        api.Click(\"/*[@name = 'L1']/*[@name = 'L2']/*[@name = 'L3']/*[@name = "
+									 "'L4']/*[@name = 'L5']/*[@name = 'L6']\");\n"
+									 "        api.Click(\"//*[@tag = 'pair']\");\n"
+									 "        var Twins = api.GetAllObjects(\"//*[@tag = 'pair']\");\n"
+									 "        api.Click(\"//Door\");\n"
+									 "    }\n"
+									 "}\n";
+
+	class LodexLintRules : public ::testing::Test
+	{
+	protected:
+		void SetUp() override
+		{
+			ASSERT_FALSE(Dir.Path.empty());
+			ScenePath = Dir.Write("level.json", LintLevel::Scene);
+			Tests = Dir.Write("DoorTests.cs", BrittleTests);
+		}
+		FTempDir Dir;
+		std::string ScenePath;
+		std::string Tests;
+	};
+
+	TEST_F(LodexLintRules, StrictFlagsEachRuleWithItsSuggestionAndFails)
+	{
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, "--strict", Tests});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(Run.Out,
+			Tests +
+				":5:22: warning: the name 'Cube_2' ends in a generated instance number, which can change from one run "
+				"to the next; suggested: //*[@tag = 'crate'] [generated-suffix]\n" +
+				Tests +
+				":6:29: warning: the predicate [@tag = 'red'] matches 2 objects of the scene: the path finds one only "
+				"by where it looks; suggested: //Door [shared-tag]\n" +
+				Tests +
+				":7:20: warning: the path names 6 levels from the root (more than 5): re-attaching any of them "
+				"breaks it; suggested: //L6 [deep-absolute]\n" +
+				Tests + ":8:20: error: //*[@tag = 'pair'] matches 2 objects: not unique [ambiguous]\n" + Tests +
+				":8:20: note: match 1 of 2: /*[@name = 'Twin'] (matches 2 objects: not unique)\n" + Tests +
+				":8:20: note: match 2 of 2: /*[@name = 'Twin'] (matches 2 objects: not unique)\n"
+				"Checked 6 Lodestrings in 1 file: 1 error, 3 warnings (warnings fail with --strict)\n");
+	}
+
+	TEST_F(LodexLintRules, WarningsAloneFailOnlyWithStrict)
+	{
+		const std::string Warned = Dir.Write("Warned.cs", "api.Click(\"//Cube_2\");");
+		const FLodexRun Lenient = RunLodex({"lint", "--scene", ScenePath, Warned});
+		EXPECT_EQ(Lenient.Exit, 0);
+		EXPECT_EQ(
+			Lenient.Out.substr(Lenient.Out.rfind("Checked")), "Checked 1 Lodestring in 1 file: 0 errors, 1 warning\n");
+		EXPECT_EQ(RunLodex({"lint", "--scene", ScenePath, "--strict", Warned}).Exit, 1);
+
+		// The depth allowed is the user's to set.
+		const FLodexRun Deeper = RunLodex({"lint", "--scene", ScenePath, "--strict", "--max-depth", "6",
+			Dir.Write("Deep.cs",
+				"api.Click(\"/*[@name = 'L1']/*[@name = 'L2']/*[@name = 'L3']/*[@name = "
+				"'L4']/*[@name = 'L5']/*[@name = 'L6']\");")});
+		EXPECT_EQ(Deeper.Exit, 0) << Deeper.Out;
+
+		for (const std::vector<std::string>& Bad :
+			{std::vector<std::string>{"--max-depth", "0"}, {"--max-depth", "deep"}, {"--format", "xml"}})
+		{
+			std::vector<std::string> Args = {"lint", "--scene", ScenePath, Warned};
+			Args.insert(Args.end(), Bad.begin(), Bad.end());
+			const FLodexRun Usage = RunLodex(Args);
+			EXPECT_EQ(Usage.Exit, 2) << Bad[0] << " " << Bad[1];
+			EXPECT_NE(Usage.Err.find("Usage:"), std::string::npos) << Usage.Err;
+		}
+	}
+
+	TEST_F(LodexLintRules, JsonListsTheSameFindingsForTools)
+	{
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, "--format", "json", Tests});
+		EXPECT_EQ(Run.Exit, 1);
+		const nlohmann::json Json = nlohmann::json::parse(Run.Out);
+		EXPECT_EQ(Json["files"], 1);
+		EXPECT_EQ(Json["checked"], 6);
+		EXPECT_EQ(Json["errors"], 1);
+		EXPECT_EQ(Json["warnings"], 3);
+		EXPECT_EQ(Json["passed"], false);
+		ASSERT_EQ(Json["diagnostics"].size(), 4u);
+		const nlohmann::json& First = Json["diagnostics"][0];
+		EXPECT_EQ(First["file"], Tests);
+		EXPECT_EQ(First["line"], 5);
+		EXPECT_EQ(First["column"], 22);
+		EXPECT_EQ(First["severity"], "warning");
+		EXPECT_EQ(First["rule"], "generated-suffix");
+		EXPECT_EQ(First["lodestring"], "//Cube_2");
+		EXPECT_EQ(First["method"], "Click");
+		EXPECT_EQ(First["matches"], 1);
+		EXPECT_EQ(First["suggestion"], "//*[@tag = 'crate']");
+		const nlohmann::json& Ambiguous = Json["diagnostics"][3];
+		EXPECT_EQ(Ambiguous["rule"], "ambiguous");
+		EXPECT_TRUE(Ambiguous["suggestion"].is_null());
+		EXPECT_EQ(Ambiguous["notes"].size(), 2u);
+		EXPECT_EQ(Ambiguous["matches"], 2);
+	}
+
+	TEST_F(LodexLintRules, ColumnsFollowTheSourceThroughEscapesAndLineBreaks)
+	{
+		// "\u002F" is one "/" of the locator; a verbatim literal's line break moves the finding to the next line.
+		const std::string Source = "api.Click(\"\\u002F/Cube_2\");\n"
+								   "api.Click(@\"//Door\n//Cube_2\");\n"
+								   "api.Click(\"\"\"//Cube_2\"\"\");\n";
+		const FLodexRun Run =
+			RunLodex({"lint", "--scene", ScenePath, "--format", "json", Dir.Write("Escaped.cs", Source)});
+		const nlohmann::json Json = nlohmann::json::parse(Run.Out);
+		ASSERT_EQ(Json["diagnostics"].size(), 4u) << Run.Out;
+		// The name after the escape: "api.Click(\"" is 11 characters, the escape 6, then "/".
+		EXPECT_EQ(Json["diagnostics"][0]["line"], 1);
+		EXPECT_EQ(Json["diagnostics"][0]["column"], 19);
+		EXPECT_EQ(Json["diagnostics"][1]["rule"], "no-match");
+		EXPECT_EQ(Json["diagnostics"][1]["column"], 13);
+		EXPECT_EQ(Json["diagnostics"][2]["rule"], "generated-suffix");
+		EXPECT_EQ(Json["diagnostics"][2]["line"], 3);
+		EXPECT_EQ(Json["diagnostics"][2]["column"], 3);
+		// A raw literal's lines lose their indentation: its findings point at the literal.
+		EXPECT_EQ(Json["diagnostics"][3]["line"], 4);
+		EXPECT_EQ(Json["diagnostics"][3]["column"], 11);
+	}
+
+	TEST_F(LodexLint, CopyTellsOnStandardErrorHowManyObjectsEachCopiedLodestringMatches)
+	{
+		const std::string Clipboard = Dir.File("clipboard.txt");
+		const FLodexRun Run = RunLodex(
+			{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door", "comp", "cycA"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out,
+			"LogTemp: Lodestring : //Door \nLogTemp: Lodestring : //A/fn:component('Comp') \nLogTemp: "
+			"Lodestring : //CycA \n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "//CycA");
+		EXPECT_EQ(Run.Err,
+			"//Door matches 1 object\n//A/fn:component('Comp') matches 2 objects: not unique\n//CycA "
+			"matches 1 object\n");
+	}
+}

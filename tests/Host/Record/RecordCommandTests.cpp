@@ -1,0 +1,195 @@
+// Copyright Lodex contributors.
+#include "ChildProcess.h"
+#include "Cli/LodexCli.h"
+#include "LodexRun.h"
+#include "TempDir.h"
+
+#include "LodexDebugger/Core/Text/LodexText.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace
+{
+	std::size_t CountDirectoryEntries(const std::string& Folder)
+	{
+		std::size_t Count = 0;
+		for (const auto& Entry : std::filesystem::directory_iterator(Folder))
+		{
+			(void)Entry;
+			++Count;
+		}
+		return Count;
+	}
+
+	const std::string SourceDir = LODEX_SOURCE_DIR;
+	const std::string SampleLog = SourceDir + "/samples/session.jsonl";
+	const std::string SampleScene = SourceDir + "/samples/level.json";
+
+	std::string SampleScript()
+	{
+		return LodexText::Join(
+			LodexText::SplitDroppingEmpty(FTempDir::Read(SourceDir + "/tests/fixtures/recorder/session.txt"), "\n"),
+			"\r\n");
+	}
+
+	TEST(LodexRecord, PrintsTheScriptExactlyAsThePanelHoldsItAfterStop)
+	{
+		const FLodexRun Run = RunLodex({"record", "--input", SampleLog, "--scene", SampleScene});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(Run.Out, SampleScript()) << "lines joined with \"\\r\\n\", nothing added at the end";
+	}
+
+	TEST(LodexRecord, FpsWritesEveryDurationInTheFpsForm)
+	{
+		const FLodexRun Run = RunLodex({"record", "--fps", "--input", SampleLog});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_NE(Run.Out.find("api.KeyPress(new KeyCode[] { KeyCode.SpaceBar}, (int)(api.GetLastFPS() * 0.25));"),
+			std::string::npos)
+			<< Run.Out;
+		EXPECT_NE(Run.Out.find("api.Click(MouseButtons.LEFT, new Vector2(520, 332), (int)(api.GetLastFPS() * 0.1)); "),
+			std::string::npos)
+			<< Run.Out;
+		EXPECT_EQ(Run.Out.find("); // api.GetLastFPS()"), std::string::npos) << Run.Out;
+	}
+
+	TEST(LodexRecord, OutSavesTheScriptWholeReplacingAnOlderFile)
+	{
+		FTempDir Dir;
+		const std::string Target = Dir.Write("RecordedInput.txt", "an older script");
+		const FLodexRun Run = RunLodex({"record", "--input", SampleLog, "--out", Target});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_EQ(Run.Err, "");
+		EXPECT_EQ(FTempDir::Read(Target), SampleScript());
+		EXPECT_EQ(CountDirectoryEntries(Dir.File("")), 1u) << "the file written first was renamed over the target";
+	}
+
+	TEST(LodexRecord, AFailedSaveSaysSoInOneLineAndLeavesWhatWasThere)
+	{
+		FTempDir Dir;
+		// A folder where the file should go: refused before anything is written beside it.
+		ASSERT_EQ(mkdir(Dir.File("Taken").c_str(), 0755), 0);
+		Dir.Write("Taken/keep.txt", "kept");
+		const FLodexRun Taken = RunLodex({"record", "--input", SampleLog, "--out", Dir.File("Taken")});
+		EXPECT_EQ(Taken.Exit, 1);
+		EXPECT_EQ(Taken.Out, "");
+		EXPECT_EQ(Taken.Err, "lodex: " + Dir.File("Taken") + ": is a folder, not a file; nothing was written\n");
+		EXPECT_EQ(std::count(Taken.Err.begin(), Taken.Err.end(), '\n'), 1);
+		EXPECT_EQ(FTempDir::Read(Dir.File("Taken") + "/keep.txt"), "kept");
+		EXPECT_EQ(CountDirectoryEntries(Dir.File("")), 1u) << "nothing was left beside the folder";
+
+		const std::string Nowhere = Dir.File("no/such/folder/RecordedInput.txt");
+		const FLodexRun Missing = RunLodex({"record", "--input", SampleLog, "--out", Nowhere});
+		EXPECT_EQ(Missing.Exit, 1);
+		EXPECT_EQ(Missing.Err.rfind("lodex: " + Nowhere + ": cannot write the file (", 0), 0u) << Missing.Err;
+		EXPECT_EQ(std::count(Missing.Err.begin(), Missing.Err.end(), '\n'), 1);
+	}
+
+	TEST(LodexRecord, ABadLogOrSceneIsOneLineOnStandardErrorAndNothingOnStandardOutput)
+	{
+		FTempDir Dir;
+		const std::string Broken = Dir.Write("broken.jsonl",
+			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"tick\", \"delta\": 0.1}\n"
+			"{\"frame\": 2, \"type\": \"tick\", \"delta\": 0.1}\n");
+		const std::string Unknown =
+			Dir.Write("unknown.jsonl", "{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"tap\"}\n");
+		const std::string NeedsScene = Dir.Write("scene.jsonl",
+			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"button\", \"name\": "
+			"\"WaitForObject\", "
+			"\"object\": \"door\", \"mode\": \"Absolute\"}\n");
+		const std::string BadScene = Dir.Write("bad.json", "{\"objects\": 3}");
+		const struct
+		{
+			std::vector<std::string> Args;
+			std::string Error;
+		} Rows[] = {
+			{{"record", "--input", Broken},
+				"lodex: " + Broken + ":3: frame 2 comes after frame 3: frames must never decrease\n"},
+			{{"record", "--input", Unknown}, "lodex: " + Unknown + ":2: unknown type 'tap'\n"},
+			{{"record", "--input", NeedsScene},
+				"lodex: " + NeedsScene +
+					":2: button 'WaitForObject' needs --scene FILE to find its object (or a 'lodestring' field)\n"},
+			{{"record", "--input", Dir.File("absent.jsonl")},
+				"lodex: " + Dir.File("absent.jsonl") + ": cannot open the file\n"},
+			// A folder opens but cannot be read: it is not taken for an empty log.
+			{{"record", "--input", Dir.Path}, "lodex: " + Dir.Path + ": cannot read the file\n"},
+			{{"record", "--input", SampleLog, "--scene", BadScene},
+				"lodex: " + BadScene + ": field 'objects' must be an array, found number\n"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FLodexRun Run = RunLodex(Row.Args);
+			EXPECT_EQ(Run.Exit, 1) << Row.Error;
+			EXPECT_EQ(Run.Out, "");
+			EXPECT_EQ(Run.Err, Row.Error);
+		}
+		const std::string Out = Dir.File("never.txt");
+		EXPECT_EQ(RunLodex({"record", "--input", Broken, "--out", Out}).Exit, 1);
+		EXPECT_FALSE(FTempDir::Exists(Out)) << "nothing is written for a bad log";
+	}
+
+	/**
+	 * Whatever a log line holds, in any field (one Lodex ignores included), the binary ends with one line naming the
+	 * file, the line and the column: never with the JSON library's exception, never reading past a NUL byte.
+	 */
+	TEST(LodexRecord, WhatTheJsonLibraryRejectsIsOneLineNamingTheLineAndColumn)
+	{
+		FTempDir Dir;
+		const std::string Start =
+			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 1, \"type\": \"tick\", \"delta\": 0.1, \"x\": ";
+		const struct
+		{
+			std::string Value;
+			std::string Error;
+		} Rows[] = {
+			{"1e999}", "2:49: number out of the range of a double: 1e999"},
+			{"[0, -1e999]}", "2:53: number out of the range of a double: -1e999"},
+			{std::string(400, '7') + "}",
+				"2:49: number out of the range of a double: 77777777777777777777... (400 characters)"},
+			{"\"\\ud800\"}",
+				"2:56: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF must be "
+				"followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'"},
+			{std::string("\"a\0b\"}", 6), "2:51: a NUL byte; the file must be UTF-8 text"},
+			{std::string("0}\0{\"frame\": 0}", 15), "2:51: a NUL byte; the file must be UTF-8 text"},
+			{"\"\xFF\"}",
+				"2:50: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last read: "
+				"'\"\\xFF'"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const std::string Log = Dir.Write("log.jsonl", Start + Row.Value + "\n");
+			const FProcessRun Run = ChildProcess::RunLodex({"record", "--input", Log});
+			EXPECT_EQ(Run.Signal, 0) << Row.Value;
+			EXPECT_EQ(Run.Exit, 1) << Row.Value;
+			EXPECT_EQ(Run.Out, "");
+			EXPECT_EQ(Run.Err, "lodex: " + Log + ":" + Row.Error + "\n") << Row.Value;
+		}
+	}
+
+	TEST(LodexRecord, WithoutAnInputLogItIsAUsageError)
+	{
+		const FLodexRun Run = RunLodex({"record", "--fps"});
+		EXPECT_EQ(Run.Exit, 2);
+		EXPECT_EQ(Run.Out, "");
+		EXPECT_NE(Run.Err.find("--input"), std::string::npos) << Run.Err;
+	}
+
+	TEST(LodexRecord, TheDemoShowsTheRecordedSampleSessionAndItsScript)
+	{
+		const FLodexRun Run = RunLodex({"demo"});
+		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		const std::size_t Section = Run.Out.find("\nA recorded session: the sample input log (samples/session.jsonl), "
+												 "136 events from frame 1000 to 1450 on the host \"rig-3\"");
+		ASSERT_NE(Section, std::string::npos) << Run.Out;
+		std::string Expected = FTempDir::Read(SourceDir + "/tests/fixtures/recorder/session.txt");
+		const std::string Lead = "one line a line (`lodex record` prints it with \"\\r\\n\" between lines):\n\n";
+		const std::size_t Script = Run.Out.find(Lead, Section);
+		ASSERT_NE(Script, std::string::npos) << Run.Out;
+		EXPECT_EQ(Run.Out.substr(Script + Lead.size(), Expected.size()), Expected) << "one script line a line";
+	}
+}

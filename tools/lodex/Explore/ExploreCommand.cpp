@@ -1,0 +1,68 @@
+// Copyright Lodex contributors.
+#include "ExplorerHost.h"
+#include "Cli/LodexCli.h"
+#include "LodexTool.h"
+#include "Scenes/SceneSnapshot.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+namespace
+{
+	class FExploreCommand final : public ILodexCommand
+	{
+	public:
+		CLI::App* Register(CLI::App& Parent) override
+		{
+			CLI::App* Sub = Parent.add_subcommand("explore",
+				"Open the Object Explorer on a scene: user actions from standard input, one a line (\"help\" lists "
+				"them); what the panel shows, its log lines and the clipboard on standard output");
+			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON), with classes")->required();
+			return Sub;
+		}
+
+		int Run(FLodexCliIo& Io) override
+		{
+			FSceneSnapshot Scene;
+			std::string Error;
+			if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+			{
+				Io.Err << "lodex: " << Error << "\n";
+				return LodexExitFailure;
+			}
+			std::istream& In = Io.In != nullptr ? *Io.In : std::cin;
+			FHeadlessExplorer Explorer(Scene, Io.Out);
+			bool bAllDone = true;
+			std::string Line;
+			for (std::size_t LineNumber = 1; std::getline(In, Line); ++LineNumber)
+			{
+				if (!Line.empty() && Line.back() == '\r')
+				{
+					Line.pop_back();
+				}
+				if (Line.find_first_not_of(" \t") != std::string::npos)
+				{
+					Io.Out << "> " << Line << "\n";
+				}
+				if (!Explorer.RunAction(Line, Error))
+				{
+					// A line that cannot be carried out changes nothing; the session goes on.
+					Io.Out.flush();
+					Io.Err << "lodex: line " << LineNumber << ": " << Error << "\n";
+					bAllDone = false;
+				}
+				Io.Out.flush();
+			}
+			return bAllDone ? LodexExitOk : LodexExitFailure;
+		}
+
+	private:
+		std::string ScenePath;
+	};
+}
+
+std::unique_ptr<ILodexCommand> MakeExploreCommand()
+{
+	return std::make_unique<FExploreCommand>();
+}

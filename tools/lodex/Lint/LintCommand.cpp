@@ -1,0 +1,257 @@
+// Copyright Lodex contributors.
+#include "LintCommand.h"
+
+#include "CSharpLiterals.h"
+#include "Cli/LodexCli.h"
+#include "LodexTool.h"
+#include "Scenes/SceneEvaluation.h"
+#include "Scenes/SceneSnapshot.h"
+#include "Cli/WholeFile.h"
+
+#include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
+#include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace
+{
+	const char* SeverityText(ELodexLintSeverity Severity)
+	{
+		return Severity == ELodexLintSeverity::Error ? "error" : "warning";
+	}
+
+	std::string Counted(std::size_t Count, const char* One, const char* Many)
+	{
+		return std::to_string(Count) + " " + (Count == 1 ? One : Many);
+	}
+}
+
+void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
+	const std::string& Source, const FLodexLintOptions& Options, FLodexLintReport& Report)
+{
+	++Report.Files;
+	for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
+	{
+		if (Literal.Value.empty() || Literal.Value[0] != '/')
+		{
+			continue; // not a Lodestring: a method name, a value
+		}
+		++Report.Checked;
+		FLodexLintOptions CallOptions = Options;
+		CallOptions.bExpectsOneObject = LodexLintExpectsOneObject(Literal.Method);
+		const FLodexLintResult Result = LintLodestring(Index, Finder, Literal.Value, CallOptions);
+		for (const FLodexLintFinding& Finding : Result.Findings)
+		{
+			FLodexLintDiagnostic Diagnostic;
+			Diagnostic.File = FileName;
+			// Where the part of the locator it is about begins in the file (an escape: where the escape begins).
+			if (Finding.Span.Begin < Literal.ValueOffsets.size())
+			{
+				const FCSharpPosition Position =
+					GetCSharpSourcePosition(Source, Literal.ValueOffsets[Finding.Span.Begin]);
+				Diagnostic.Line = Position.Line;
+				Diagnostic.Column = Position.Column;
+			}
+			else
+			{
+				Diagnostic.Line = Literal.Line;
+				Diagnostic.Column = Literal.Column;
+			}
+			Diagnostic.Severity = Finding.Severity;
+			Diagnostic.Rule = Finding.Rule;
+			Diagnostic.Message = Finding.Message;
+			Diagnostic.Lodestring = ShowLodestringOnOneLine(Literal.Value);
+			Diagnostic.Method = Literal.Method;
+			Diagnostic.MatchCount = Result.MatchCount;
+			Diagnostic.Suggestion = ShowLodestringOnOneLine(Finding.Suggestion);
+			Diagnostic.Notes = Finding.Notes;
+			(Finding.Severity == ELodexLintSeverity::Error ? Report.Errors : Report.Warnings) += 1;
+			Report.Diagnostics.push_back(std::move(Diagnostic));
+		}
+	}
+}
+
+bool LintReportFails(const FLodexLintReport& Report, bool bStrict)
+{
+	return Report.Errors > 0 || (bStrict && Report.Warnings > 0);
+}
+
+std::string FormatLintReportText(const FLodexLintReport& Report, bool bStrict)
+{
+	std::string Text;
+	for (const FLodexLintDiagnostic& Diagnostic : Report.Diagnostics)
+	{
+		const std::string Where =
+			Diagnostic.File + ":" + std::to_string(Diagnostic.Line) + ":" + std::to_string(Diagnostic.Column) + ": ";
+		Text += Where + SeverityText(Diagnostic.Severity) + ": " + Diagnostic.Message;
+		if (!Diagnostic.Suggestion.empty())
+		{
+			Text += "; suggested: " + Diagnostic.Suggestion;
+		}
+		Text += " [" + Diagnostic.Rule + "]\n";
+		for (const std::string& Note : Diagnostic.Notes)
+		{
+			Text += Where + "note: " + Note + "\n";
+		}
+	}
+	Text += "Checked " + Counted(Report.Checked, "Lodestring", "Lodestrings") + " in " +
+		Counted(Report.Files, "file", "files") + ": ";
+	if (Report.Errors == 0 && Report.Warnings == 0)
+	{
+		Text += "no errors, no warnings\n";
+		return Text;
+	}
+	Text += Counted(Report.Errors, "error", "errors") + ", " + Counted(Report.Warnings, "warning", "warnings");
+	Text += bStrict && Report.Warnings > 0 ? " (warnings fail with --strict)\n" : "\n";
+	return Text;
+}
+
+std::string FormatLintReportJson(const FLodexLintReport& Report, bool bStrict)
+{
+	nlohmann::ordered_json Diagnostics = nlohmann::ordered_json::array();
+	for (const FLodexLintDiagnostic& Diagnostic : Report.Diagnostics)
+	{
+		nlohmann::ordered_json Item;
+		Item["file"] = Diagnostic.File;
+		Item["line"] = Diagnostic.Line;
+		Item["column"] = Diagnostic.Column;
+		Item["severity"] = SeverityText(Diagnostic.Severity);
+		Item["rule"] = Diagnostic.Rule;
+		Item["message"] = Diagnostic.Message;
+		Item["lodestring"] = Diagnostic.Lodestring;
+		Item["method"] = Diagnostic.Method;
+		Item["matches"] = Diagnostic.MatchCount;
+		Item["suggestion"] =
+			Diagnostic.Suggestion.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(Diagnostic.Suggestion);
+		Item["notes"] = Diagnostic.Notes;
+		Diagnostics.push_back(std::move(Item));
+	}
+	nlohmann::ordered_json Json;
+	Json["files"] = Report.Files;
+	Json["checked"] = Report.Checked;
+	Json["errors"] = Report.Errors;
+	Json["warnings"] = Report.Warnings;
+	Json["strict"] = bStrict;
+	Json["passed"] = !LintReportFails(Report, bStrict);
+	Json["diagnostics"] = std::move(Diagnostics);
+	// A locator that is not UTF-8 is shown with U+FFFD where its bytes are not text.
+	return Json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+namespace
+{
+	struct FTestFile
+	{
+		std::string Path;
+		std::string Text;
+	};
+
+	/** The files named, and the ".cs" files under the folders named (in name order); false on the first unreadable one.
+	 */
+	bool ReadTestFiles(const std::vector<std::string>& Paths, std::vector<FTestFile>& OutFiles, std::string& OutError)
+	{
+		std::vector<std::string> Files;
+		for (const std::string& Path : Paths)
+		{
+			std::error_code Error;
+			if (!std::filesystem::is_directory(Path, Error))
+			{
+				Files.push_back(Path);
+				continue;
+			}
+			std::vector<std::string> Found;
+			std::filesystem::recursive_directory_iterator It(Path, Error);
+			for (; !Error && It != std::filesystem::recursive_directory_iterator(); It.increment(Error))
+			{
+				if (It->is_regular_file(Error) && It->path().extension() == ".cs")
+				{
+					Found.push_back(It->path().string());
+				}
+			}
+			if (Error)
+			{
+				OutError = Path + ": cannot read the folder";
+				return false;
+			}
+			std::sort(Found.begin(), Found.end());
+			Files.insert(Files.end(), Found.begin(), Found.end());
+		}
+		for (const std::string& Path : Files)
+		{
+			std::string Text;
+			if (!ReadWholeFile(Path, Text, OutError))
+			{
+				return false;
+			}
+			OutFiles.push_back({Path, std::move(Text)});
+		}
+		return true;
+	}
+
+	class FLintCommand final : public ILodexCommand
+	{
+	public:
+		CLI::App* Register(CLI::App& Parent) override
+		{
+			CLI::App* Sub = Parent.add_subcommand("lint",
+				"Check the Lodestrings that C# tests pass to api calls: each must match exactly one object of the "
+				"scene");
+			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
+			Sub->add_option("tests", Tests, "C# files, or folders searched for .cs files")->required();
+			Sub->add_flag("--strict", bStrict, "Warnings fail the run as errors do");
+			Sub->add_option("--max-depth", Options.MaxAbsoluteDepth,
+				   "The most steps from the root, before any //, a locator may name without a warning")
+				->check(CLI::PositiveNumber)
+				->default_val(Options.MaxAbsoluteDepth);
+			Sub->add_option("--format", Format, "text (file:line:col: lines) or json")
+				->check(CLI::IsMember({"text", "json"}))
+				->default_val(Format);
+			return Sub;
+		}
+
+		int Run(FLodexCliIo& Io) override
+		{
+			FSceneSnapshot Scene;
+			std::string Error;
+			if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+			{
+				Io.Err << "lodex: " << Error << "\n";
+				return LodexExitFailure;
+			}
+			std::vector<FTestFile> Files;
+			if (!ReadTestFiles(Tests, Files, Error))
+			{
+				Io.Err << "lodex: " << Error << "\n";
+				return LodexExitFailure;
+			}
+
+			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
+			const FLodexBestLocatorFinder Finder(*Index);
+			FLodexLintReport Report;
+			for (const FTestFile& File : Files)
+			{
+				LintCSharpSource(*Index, Finder, File.Path, File.Text, Options, Report);
+			}
+			Io.Out << (Format == "json" ? FormatLintReportJson(Report, bStrict)
+										: FormatLintReportText(Report, bStrict));
+			return LintReportFails(Report, bStrict) ? LodexExitFailure : LodexExitOk;
+		}
+
+	private:
+		std::string ScenePath;
+		std::vector<std::string> Tests;
+		bool bStrict = false;
+		FLodexLintOptions Options;
+		std::string Format = "text";
+	};
+}
+
+std::unique_ptr<ILodexCommand> MakeLintCommand()
+{
+	return std::make_unique<FLintCommand>();
+}

@@ -1,0 +1,321 @@
+// Copyright Lodex contributors.
+#include "SceneSnapshot.h"
+
+#include "Cli/JsonErrors.h"
+#include "Cli/WholeFile.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <unordered_map>
+
+namespace
+{
+	using FJson = nlohmann::json;
+
+	const char* JsonTypeName(const FJson& Value)
+	{
+		return Value.type_name();
+	}
+
+	std::string DescribeObject(std::size_t Index, const std::string& Id)
+	{
+		std::string Text = "objects[" + std::to_string(Index) + "]";
+		if (!Id.empty())
+		{
+			Text += " (id '" + Id + "')";
+		}
+		return Text;
+	}
+}
+
+const std::vector<std::string>& FSceneSnapshot::GetKinds()
+{
+	static const std::vector<std::string> Kinds{"actor", "widgetTree", "widget", "userWidget", "component", "other"};
+	return Kinds;
+}
+
+bool FSceneSnapshot::Parse(
+	const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
+{
+	FJson Root;
+	if (!ParseJsonFile(Text, SourceName, "", Root, OutError))
+	{
+		return false;
+	}
+	try
+	{
+		return ReadObjects(Root, SourceName, Out, OutError);
+	}
+	catch (const FJson::exception& Error)
+	{
+		OutError = SourceName + ": " + DescribeJsonParseReason(Error.what());
+		return false;
+	}
+}
+
+bool FSceneSnapshot::ReadObjects(
+	const nlohmann::json& Root, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
+{
+	auto Fail = [&](const std::string& Message)
+	{
+		OutError = SourceName + ": " + Message;
+		return false;
+	};
+
+	if (!Root.is_object())
+	{
+		return Fail(std::string("expected a JSON object at the top, found ") + JsonTypeName(Root));
+	}
+	const auto ObjectsIt = Root.find("objects");
+	if (ObjectsIt == Root.end())
+	{
+		return Fail("missing field 'objects'");
+	}
+	if (!ObjectsIt->is_array())
+	{
+		return Fail(std::string("field 'objects' must be an array, found ") + JsonTypeName(*ObjectsIt));
+	}
+
+	const FJson& Entries = *ObjectsIt;
+	FSceneSnapshot Scene;
+	Scene.Objects.resize(Entries.size());
+	std::unordered_map<std::string, std::size_t> IndexById;
+
+	// First pass: the plain fields and the ids.
+	for (std::size_t Index = 0; Index < Entries.size(); ++Index)
+	{
+		const FJson& Entry = Entries[Index];
+		FSceneObject& Object = Scene.Objects[Index];
+		if (!Entry.is_object())
+		{
+			return Fail(DescribeObject(Index, "") + ": expected an object, found " + JsonTypeName(Entry));
+		}
+		auto ReadString = [&](const char* Field, std::string& OutValue, bool bRequired)
+		{
+			const auto It = Entry.find(Field);
+			if (It == Entry.end())
+			{
+				return !bRequired ? true : Fail(DescribeObject(Index, Object.Id) + ": missing field '" + Field + "'");
+			}
+			if (!It->is_string())
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field + "' must be a string, found " +
+					JsonTypeName(*It));
+			}
+			OutValue = It->get<std::string>();
+			const std::string ControlCharacter = FindControlCharacter(OutValue);
+			if (!ControlCharacter.empty())
+			{
+				OutValue.clear();
+				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field +
+					"' must be one line of text: it holds the control character " + ControlCharacter);
+			}
+			return true;
+		};
+		if (!ReadString("id", Object.Id, true) || !ReadString("kind", Object.Kind, true) ||
+			!ReadString("name", Object.Name, true))
+		{
+			return false;
+		}
+		if (Object.Id.empty())
+		{
+			return Fail(DescribeObject(Index, "") + ": field 'id' must not be empty");
+		}
+		const std::vector<std::string>& Kinds = GetKinds();
+		if (std::find(Kinds.begin(), Kinds.end(), Object.Kind) == Kinds.end())
+		{
+			return Fail(DescribeObject(Index, Object.Id) + ": field 'kind': unknown kind '" + Object.Kind +
+				"' (expected actor, widgetTree, widget, userWidget, component or other)");
+		}
+		if (!IndexById.emplace(Object.Id, Index).second)
+		{
+			return Fail(DescribeObject(Index, Object.Id) + ": field 'id': duplicate id, first used by objects[" +
+				std::to_string(IndexById[Object.Id]) + "]");
+		}
+		const auto TagsIt = Entry.find("tags");
+		if (TagsIt != Entry.end())
+		{
+			if (!TagsIt->is_array())
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field 'tags' must be an array of strings, found " +
+					JsonTypeName(*TagsIt));
+			}
+			Object.bHasTags = true;
+			for (std::size_t TagIndex = 0; TagIndex < TagsIt->size(); ++TagIndex)
+			{
+				const FJson& Tag = (*TagsIt)[TagIndex];
+				if (!Tag.is_string())
+				{
+					return Fail(DescribeObject(Index, Object.Id) + ": field 'tags'[" + std::to_string(TagIndex) +
+						"] must be a string, found " + JsonTypeName(Tag));
+				}
+				const std::string ControlCharacter = FindControlCharacter(Tag.get_ref<const std::string&>());
+				if (!ControlCharacter.empty())
+				{
+					return Fail(DescribeObject(Index, Object.Id) + ": field 'tags'[" + std::to_string(TagIndex) +
+						"] must be one line of text: it holds the control character " + ControlCharacter);
+				}
+				Object.Tags.push_back(Tag.get<std::string>());
+			}
+		}
+	}
+
+	// Second pass: references, now that every id is known.
+	struct FReferenceField
+	{
+		const char* Name;
+		const FSceneObject* FSceneObject::*Member;
+	};
+	static const FReferenceField ReferenceFields[] = {
+		{"outer", &FSceneObject::Outer},
+		{"attachParent", &FSceneObject::AttachParent},
+		{"widgetParent", &FSceneObject::WidgetParent},
+		{"rootWidget", &FSceneObject::RootWidget},
+	};
+	for (std::size_t Index = 0; Index < Entries.size(); ++Index)
+	{
+		const FJson& Entry = Entries[Index];
+		FSceneObject& Object = Scene.Objects[Index];
+		for (const FReferenceField& Field : ReferenceFields)
+		{
+			const auto It = Entry.find(Field.Name);
+			if (It == Entry.end() || It->is_null())
+			{
+				continue;
+			}
+			if (!It->is_string())
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field.Name +
+					"' must be the id of an object (a string), found " + JsonTypeName(*It));
+			}
+			const std::string Target = It->get<std::string>();
+			const auto Found = IndexById.find(Target);
+			if (Found == IndexById.end() && !FindControlCharacter(Target).empty())
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field.Name +
+					"' must be one line of text: it holds the control character " + FindControlCharacter(Target));
+			}
+			if (Found == IndexById.end())
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field.Name + "': no object has the id '" +
+					Target + "'");
+			}
+			Object.*(Field.Member) = &Scene.Objects[Found->second];
+		}
+	}
+
+	// Reflection: the classes and each object's class.
+	std::string ReflectionError;
+	std::vector<const FSceneClass*> ObjectClasses;
+	if (!ParseSceneReflection(Root, Entries, Scene.Classes, ObjectClasses, ReflectionError))
+	{
+		return Fail(ReflectionError);
+	}
+	for (std::size_t Index = 0; Index < Scene.Objects.size() && Index < ObjectClasses.size(); ++Index)
+	{
+		Scene.Objects[Index].Class = ObjectClasses[Index];
+	}
+
+	Out = std::move(Scene);
+	return true;
+}
+
+bool FSceneSnapshot::LoadFile(const std::string& Path, FSceneSnapshot& Out, std::string& OutError)
+{
+	std::error_code Code;
+	if (std::filesystem::is_directory(Path, Code))
+	{
+		OutError = Path + ": is a folder, not a scene file";
+		return false;
+	}
+	std::string Text;
+	if (!ReadWholeFile(Path, Text, OutError))
+	{
+		return false;
+	}
+	return Parse(Text, Path, Out, OutError);
+}
+
+FLodexObject FSceneSnapshot::FindObject(const std::string& IdOrName, std::string& OutError) const
+{
+	const FSceneObject* ByName = nullptr;
+	std::size_t NameMatches = 0;
+	for (const FSceneObject& Object : Objects)
+	{
+		if (Object.Id == IdOrName)
+		{
+			return Handle(Object);
+		}
+		if (Object.Name == IdOrName)
+		{
+			ByName = ByName ? ByName : &Object;
+			++NameMatches;
+		}
+	}
+	if (NameMatches == 1)
+	{
+		return Handle(*ByName);
+	}
+	if (NameMatches == 0)
+	{
+		OutError = "no object has the id or name '" + IdOrName + "'";
+	}
+	else
+	{
+		OutError = std::to_string(NameMatches) + " objects are named '" + IdOrName + "'; name one by its id";
+	}
+	return FLodexObject();
+}
+
+bool FSceneSnapshot::IsOfClass(FLodexObject Object, ELodexClass Class) const
+{
+	const std::string& Kind = Resolve(Object).Kind;
+	switch (Class)
+	{
+		case ELodexClass::Actor:
+			return Kind == "actor";
+		case ELodexClass::WidgetTree:
+			return Kind == "widgetTree";
+		case ELodexClass::Widget:
+			return Kind == "widget" || Kind == "userWidget";
+		case ELodexClass::UserWidget:
+			return Kind == "userWidget";
+		case ELodexClass::ActorComponent:
+			return Kind == "component";
+	}
+	return false;
+}
+
+std::string FSceneSnapshot::GetName(FLodexObject Object) const
+{
+	return Resolve(Object).Name;
+}
+
+FLodexObject FSceneSnapshot::GetOuter(FLodexObject Object) const
+{
+	return FLodexObject(Resolve(Object).Outer);
+}
+
+FLodexObject FSceneSnapshot::GetAttachParent(FLodexObject Object) const
+{
+	return FLodexObject(Resolve(Object).AttachParent);
+}
+
+FLodexObject FSceneSnapshot::GetWidgetParent(FLodexObject Object) const
+{
+	return FLodexObject(Resolve(Object).WidgetParent);
+}
+
+FLodexObject FSceneSnapshot::GetRootWidget(FLodexObject Object) const
+{
+	return FLodexObject(Resolve(Object).RootWidget);
+}
+
+bool FSceneSnapshot::GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const
+{
+	const FSceneObject& Scene = Resolve(Object);
+	OutTags = Scene.Tags;
+	return Scene.bHasTags;
+}

@@ -1,0 +1,85 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "SceneClasses.h"
+
+#include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** One object of a scene snapshot file. References to other objects are resolved to pointers. */
+struct FSceneObject
+{
+	std::string Id;
+	std::string Kind;
+	std::string Name;
+	const FSceneObject* Outer = nullptr;
+	const FSceneObject* AttachParent = nullptr;
+	const FSceneObject* WidgetParent = nullptr;
+	const FSceneObject* RootWidget = nullptr;
+	bool bHasTags = false;
+	std::vector<std::string> Tags;
+	/** The object's class; null in files without reflection. */
+	const FSceneClass* Class = nullptr;
+};
+
+/**
+ * A level described by a JSON file: {"objects": [{"id", "kind", "name", "outer", "attachParent",
+ * "widgetParent", "rootWidget", "tags"}, ...]}. It answers the object-graph questions the Lodestring
+ * builder asks, the way the editor's objects do. With "classes" (and each object's "class") it also holds the
+ * reflection the object explorer reads; FSceneReflection answers for it.
+ */
+class FSceneSnapshot final : public ILodexObjectGraph
+{
+public:
+	FSceneSnapshot() = default;
+	FSceneSnapshot(const FSceneSnapshot&) = delete;
+	FSceneSnapshot& operator=(const FSceneSnapshot&) = delete;
+	FSceneSnapshot(FSceneSnapshot&&) = default;
+	FSceneSnapshot& operator=(FSceneSnapshot&&) = default;
+
+	/**
+	 * Parses a snapshot. On failure returns false and sets OutError to one line that starts with
+	 * SourceName (and, for malformed JSON, the line and column).
+	 */
+	static bool Parse(
+		const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError);
+
+	/** Reads and parses a snapshot file. */
+	static bool LoadFile(const std::string& Path, FSceneSnapshot& Out, std::string& OutError);
+
+	/** The kinds a snapshot object may have. */
+	static const std::vector<std::string>& GetKinds();
+
+	const std::vector<FSceneObject>& GetObjects() const { return Objects; }
+
+	/** The classes of the file's "classes" (see SceneClasses.h); empty for a file without reflection. */
+	const std::vector<FSceneClass>& GetClasses() const { return Classes; }
+
+	/** The object with this id, or else the one object with this name; null and a message otherwise. */
+	FLodexObject FindObject(const std::string& IdOrName, std::string& OutError) const;
+
+	static FLodexObject Handle(const FSceneObject& Object) { return FLodexObject(&Object); }
+	static const FSceneObject& Resolve(FLodexObject Object) { return *static_cast<const FSceneObject*>(Object.Ptr); }
+
+	//~ Begin ILodexObjectGraph Interface
+	bool IsOfClass(FLodexObject Object, ELodexClass Class) const override;
+	std::string GetName(FLodexObject Object) const override;
+	FLodexObject GetOuter(FLodexObject Object) const override;
+	FLodexObject GetAttachParent(FLodexObject Object) const override;
+	FLodexObject GetWidgetParent(FLodexObject Object) const override;
+	FLodexObject GetRootWidget(FLodexObject Object) const override;
+	bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override;
+	//~ End ILodexObjectGraph Interface
+
+private:
+	static bool ReadObjects(
+		const nlohmann::json& Root, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError);
+
+	std::vector<FSceneObject> Objects;
+	std::vector<FSceneClass> Classes;
+};
