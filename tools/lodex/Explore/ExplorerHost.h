@@ -98,6 +98,8 @@ private:
 	/** What the engine's list views do on their next tick: drop a selected item they no longer show. */
 	void TickListViews();
 	FListView& GetListView(ELodexExplorerList List);
+	/** The title of a list, as the panel shows it: "Properties" or "Methods". */
+	static const char* ListTitle(ELodexExplorerList List);
 	std::string& GetSearchBox(ELodexExplorerList List);
 
 	const FSceneSnapshot& Scene;
