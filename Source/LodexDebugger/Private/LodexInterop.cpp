@@ -7,6 +7,8 @@
 #include "Components/PanelWidget.h"
 #include "Components/Widget.h"
 #include "Containers/StringConv.h"
+#include "Editor.h"
+#include "Engine/World.h"
 #include "GameFramework/Actor.h"
 #include "UObject/Class.h"
 #include "UObject/UnrealType.h"
@@ -151,6 +153,29 @@ FLodexObject FLodexUObjectGraph::GetRootWidget(FLodexObject Object) const
 {
 	const UWidgetTree* Tree = Cast<UWidgetTree>(LodexInterop::ToUObject(Object));
 	return LodexInterop::ToLodexObject(Tree ? Tree->RootWidget.Get() : nullptr);
+}
+
+ELodexPlacement FLodexUObjectGraph::GetPlacement(FLodexObject Object) const
+{
+	UObject* Engine = LodexInterop::ToUObject(Object);
+	AActor* Actor = Cast<AActor>(Engine);
+	if (Actor == nullptr)
+	{
+		const UActorComponent* Component = Cast<UActorComponent>(Engine);
+		Actor = Component ? Component->GetOwner() : nullptr;
+	}
+	const UWorld* World = Actor ? Actor->GetWorld() : nullptr;
+	if (World == nullptr)
+	{
+		return ELodexPlacement::Unknown;
+	}
+	if (!World->IsGameWorld())
+	{
+		return ELodexPlacement::Placed;
+	}
+	return Actor->IsNetStartupActor() || EditorUtilities::GetEditorWorldCounterpartActor(Actor) != nullptr
+		? ELodexPlacement::Placed
+		: ELodexPlacement::Spawned;
 }
 
 bool FLodexUObjectGraph::GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const

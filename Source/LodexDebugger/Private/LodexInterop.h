@@ -56,6 +56,13 @@ public:
 	virtual FLodexObject GetWidgetParent(FLodexObject Object) const override;
 	virtual FLodexObject GetRootWidget(FLodexObject Object) const override;
 	virtual bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override;
+	/**
+	 * In the editor's world every actor is saved with its level. In a game world an actor was loaded with its level
+	 * when the level marked it a network start-up actor as it initialised (`AActor::IsNetStartupActor`), or, in
+	 * play-in-editor, when the editor's world holds the actor it was copied from; any other was spawned at play
+	 * time. A component counts as its owner does.
+	 */
+	virtual ELodexPlacement GetPlacement(FLodexObject Object) const override;
 	//~ End ILodexObjectGraph Interface
 };
 

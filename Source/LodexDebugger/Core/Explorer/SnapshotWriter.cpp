@@ -292,6 +292,11 @@ namespace LodexSnapshot
 				}
 				Out += "]";
 			}
+			const ELodexPlacement Placement = Graph.GetPlacement(Object);
+			if (Placement != ELodexPlacement::Unknown)
+			{
+				Out += Placement == ELodexPlacement::Placed ? ", \"placed\": true" : ", \"placed\": false";
+			}
 			if (ObjectClasses[Index])
 			{
 				AppendField(Out, "class", ClassNames[ClassIndexOf[ObjectClasses[Index].Ptr]]);

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,21 @@ enum class ELodexObjectKind
 };
 
 /**
+ * Where an object's name comes from, which says whether the name is the same on every run of the game: an object
+ * saved with its level keeps the name it was saved with (an edit of the level may renumber it), an object spawned
+ * at play time is named as it is made, and its instance number depends on what was spawned before it.
+ */
+enum class ELodexPlacement : std::uint8_t
+{
+	/** The host cannot tell. */
+	Unknown,
+	/** Saved with its level (placed in the editor, or a component of such an actor). */
+	Placed,
+	/** Made at play time. */
+	Spawned,
+};
+
+/**
  * The view of the host's object graph that the Lodestring builder walks. Every call receives a
  * non-null object and must not change it.
  */
@@ -76,4 +92,7 @@ public:
 	 * object has no array property of that name.
 	 */
 	virtual bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const = 0;
+
+	/** Whether the object was saved with its level or spawned at play time; Unknown when the host cannot tell. */
+	virtual ELodexPlacement GetPlacement(FLodexObject /*Object*/) const { return ELodexPlacement::Unknown; }
 };
