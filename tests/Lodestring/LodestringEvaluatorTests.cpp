@@ -90,6 +90,7 @@ namespace
 		{"/[@name = 'A']", "Expected *, a name, fn:component('name') or @property after /", 0, 2},
 		{"/*[@name = 'A'", "The quoted value is not closed: it ends at a ' followed by ], or or and", 11, 14},
 		{"/*[@nam = 'A']", "Unknown attribute: only @name and @tag can be compared", 3, 7},
+		{"/*[@nam\t= 'A']", "Unknown attribute: only @name and @tag can be compared", 3, 7},
 		{"/*[@name 'A']", "Expected = after @name", 9, 10},
 		{"/*[@tag == 'A']", "Expected a quoted value after =", 9, 10},
 		{"/*[@name = A]", "Expected a quoted value after =", 11, 12},
@@ -136,6 +137,16 @@ namespace
 			{"//Bob's Sign/fn:component('Hinge')", "Bob's Sign|c:Hinge"},
 			{"/fn:component('a)')", "c:a)"},
 			{"/*[@name = 'A']/@Prop", "*[A]|@:Prop"},
+			// "or" and "and" are words only when no letter, digit or "_" follows.
+			{"/*[@name = 'a' order']", "*[a' order]"},
+			{"/*[@name = 'a' or2' or @name = 'b']", "*[a' or2,b]"},
+			{"/*[@name = 'a' andy' and @tag = 'b']", "*[a' andy,b]"},
+			{"/*[@name = 'a' and_']", "*[a' and_]"},
+			{"/*[@name = 'a' or\t@name = 'b' and @tag = 'c']", "*[a,b,c]"},
+			// A tab is a blank wherever one may stand; a bare name keeps its own.
+			{"/*[\t@name\t=\t'A'\t]", "*[A]"},
+			{"/fn:component(\t'Hinge'\t)", "c:Hinge"},
+			{"//Bob's\tSign", "Bob's\tSign"},
 		};
 		for (const FRow& Row : Rows)
 		{

@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <unistd.h>
@@ -163,15 +165,6 @@ namespace
 			}
 		}
 		EXPECT_EQ(ProjectFiles(), Expected);
-	}
-
-	TEST_F(LodexInstall, DryRunListsWhatItWouldDoAndChangesNothing)
-	{
-		const auto Before = ProjectFiles();
-		EXPECT_EQ(Printed(Install({"--dry-run"})),
-			"Dry run: installing LodexDebugger from " + Source + " into " + Plugin + " would\n" + Listed("copy") +
-				"  add " + AddedEntry + "kept in UnrealCLR.uplugin.bak)\nNothing was changed.\n");
-		EXPECT_EQ(ProjectFiles(), Before);
 	}
 
 	TEST_F(LodexInstall, SecondRunAndDryRunAfterAnInstallChangeNothingAndSaySo)
@@ -430,19 +423,223 @@ namespace
 		EXPECT_EQ(ProjectFiles(), Before);
 	}
 
-	TEST_F(LodexInstall, AWriteThatFailsPartWayLeavesTheProjectExactlyAsItWas)
+	TEST(LodexInstallProject, AFolderIsAGameProjectWhenItHoldsAUprojectFile)
 	{
-		// A source file bigger than the file-size limit: its copy fails after others were written.
-		Write(Source + "/Source/LodexDebugger/Private/Zz_Large.cpp", std::string(64 * 1024, 'x'));
-		Write(Plugin + "/Resources/Stop_icon.png", "an older Stop icon");
-		const auto Before = ProjectFiles();
-		const FProcessRun Run = ChildProcess::RunLodex(Arguments(), {}, ChildProcess::LimitFileSize(16 * 1024));
-		EXPECT_EQ(Run.Exit, 1) << Run.Err;
-		EXPECT_EQ(Run.Out, "");
-		EXPECT_EQ(Run.Err,
-			"lodex: " + Plugin +
-				"/Source/LodexDebugger/Private/Zz_Large.cpp: cannot write the file (File too large); nothing was "
-				"changed\n");
-		EXPECT_EQ(ProjectFiles(), Before);
+		// What the project folder holds besides Plugins ("/" at the end: a folder), and whether it is a project.
+		const struct
+		{
+			std::vector<const char*> Entries;
+			bool bProject;
+		} Rows[] = {
+			{{"Game.uproject"}, true},
+			{{"Notes.txt", "Game.uproject.bak", "Config/DefaultGame.ini"}, false},
+			{{"Game.uproject/"}, false},
+			{{"Game.uproject/", "Other.uproject"}, true},
+		};
+		for (const auto& Row : Rows)
+		{
+			FProject Project;
+			fs::remove(Project.Project + "/Game.uproject");
+			std::string Shown;
+			for (const std::string Entry : Row.Entries)
+			{
+				const std::string Path = Project.Project + "/" + Entry;
+				if (Entry.back() == '/')
+				{
+					fs::create_directories(Path);
+				}
+				else
+				{
+					Write(Path, "{\"FileVersion\": 3}");
+				}
+				Shown += Entry + " ";
+			}
+			const FProcessRun Run = Project.Install({"--dry-run"});
+			EXPECT_EQ(Run.Exit, Row.bProject ? 0 : 1) << Shown;
+			EXPECT_EQ(Run.Err,
+				Row.bProject ? ""
+							 : "lodex: " + Project.Project +
+						": no .uproject file in the folder; give the game project's folder\n")
+				<< Shown;
+		}
+	}
+
+	TEST(LodexInstallDryRun, ListsWhatItWouldDoWithHowManyFilesItWouldLeaveAndChangesNothing)
+	{
+		// How many of the module's files are in place already, and the dry run's lines after the copies.
+		const std::pair<std::size_t, std::string> Rows[] = {
+			{0, ""},
+			{1, "  leave 1 file(s) that are already up to date\n"},
+			{ModuleFiles.size(), "  leave 8 file(s) that are already up to date\n"},
+		};
+		for (const auto& [InPlace, Leave] : Rows)
+		{
+			FProject Project;
+			std::string Copies;
+			for (std::size_t File = 0; File < ModuleFiles.size(); ++File)
+			{
+				const auto& [Relative, Text] = ModuleFiles[File];
+				if (File < InPlace)
+				{
+					Write(Project.Plugin + "/" + Relative, Text);
+				}
+				else
+				{
+					Copies += "  copy " + Relative + "\n";
+				}
+			}
+			const auto Before = Project.ProjectFiles();
+			EXPECT_EQ(Printed(Project.Install({"--dry-run"})),
+				"Dry run: installing LodexDebugger from " + Project.Source + " into " + Project.Plugin + " would\n" +
+					Copies + "  add " + AddedEntry + "kept in UnrealCLR.uplugin.bak)\n" + Leave +
+					"Nothing was changed.\n")
+				<< InPlace;
+			EXPECT_EQ(Project.ProjectFiles(), Before) << InPlace;
+		}
+	}
+
+	/** A link, its folders made first. */
+	void Link(const std::string& Path, const std::string& Target)
+	{
+		fs::create_directories(fs::path(Path).parent_path());
+		fs::create_symlink(Target, Path);
+	}
+
+	/** Folders of 200 letters, then a shorter one: Length characters in all, each folder after a "/". */
+	std::string FolderChain(std::size_t Length)
+	{
+		std::string Chain;
+		while (Length - Chain.size() > 210)
+		{
+			Chain += "/" + std::string(200, 'd');
+		}
+		return Chain + "/" + std::string(Length - Chain.size() - 1, 'e');
+	}
+
+	/**
+	 * A folder chain that fits below the module's source folder with a file in it, but not below its place in the
+	 * plug-in, which is longer.
+	 */
+	std::string ChainPastTheLongestPath(const FProject& P)
+	{
+		return FolderChain(PATH_MAX - 8 - (P.Source + "/Source/LodexDebugger/x.h").size());
+	}
+
+	TEST(LodexInstallFailure, AWriteOrRenameThatFailsAtAnyStepLeavesTheProjectByteForByteAsItWas)
+	{
+		const auto OlderStopIcon = [](FProject& P)
+		{
+			Write(P.Plugin + "/Resources/Stop_icon.png", "an older Stop icon");
+		};
+		const struct
+		{
+			const char* Step;
+			std::function<void(FProject&)> Setup;
+			/** A file-size limit for the install, or 0. */
+			rlim_t SizeLimit;
+			/** What it says after "lodex: " and the plug-in's folder. */
+			std::function<std::string(const FProject&)> Said;
+		} Rows[] = {
+			{"writing a module file past the file-size limit",
+				[&](FProject& P)
+				{
+					OlderStopIcon(P);
+					Write(P.Source + "/Source/LodexDebugger/Private/Zz_Large.cpp", std::string(64 * 1024, 'x'));
+				},
+				16 * 1024,
+				[](const FProject&)
+				{
+					return std::string("/Source/LodexDebugger/Private/Zz_Large.cpp: cannot write the file (File too "
+									   "large); nothing was changed");
+				}},
+			{"a module file whose temporary name is past the longest name",
+				[&](FProject& P)
+				{
+					OlderStopIcon(P);
+					Write(P.Source + "/Source/LodexDebugger/Private/" + std::string(250, 'n') + ".h", "// long\n");
+				},
+				0,
+				[](const FProject&)
+				{
+					return "/Source/LodexDebugger/Private/" + std::string(250, 'n') +
+						".h: cannot write the file (File name too long); nothing was changed";
+				}},
+			{"a folder past the longest path",
+				[&](FProject& P)
+				{
+					OlderStopIcon(P);
+					Write(P.Source + "/Source/LodexDebugger" + ChainPastTheLongestPath(P) + "/x.h", "// deep\n");
+				},
+				0,
+				[](const FProject& P)
+				{
+					// The first folder whose path is too long: every folder before it was made, and is removed.
+					const std::string Chain = ChainPastTheLongestPath(P);
+					std::string Folder = P.Plugin + "/Source/LodexDebugger";
+					for (std::size_t Part = 1; Folder.size() < PATH_MAX; Part = Chain.find('/', Part) + 1)
+					{
+						Folder += Chain.substr(Part - 1, Chain.find('/', Part) - Part + 1);
+					}
+					return Folder.substr(P.Plugin.size()) +
+						": cannot make the folder (File name too long); nothing was changed";
+				}},
+			{"writing the descriptor's backup", OlderStopIcon, 100,
+				[](const FProject&)
+				{
+					return std::string(
+						"/UnrealCLR.uplugin.bak: cannot write the file (File too large); nothing was changed");
+				}},
+			{"writing the descriptor", OlderStopIcon, Descriptor.size(),
+				[](const FProject&)
+				{
+					return std::string(
+						"/UnrealCLR.uplugin: cannot write the file (File too large); nothing was changed");
+				}},
+			// A link in the plug-in folder that the install replaces by a file lies on the way to a later change,
+			// whose rename then meets a file where a folder was.
+			{"renaming an icon into place",
+				[](FProject& P)
+				{
+					Write(P.Source + "/Source/LodexDebugger/Shared", "// shared\n");
+					Write(P.Plugin + "/Source/LodexDebugger/LodexDebugger.Build.cs", "// older rules\n");
+					fs::create_directories(P.Plugin + "/Art");
+					Link(P.Plugin + "/Source/LodexDebugger/Shared", P.Plugin + "/Art");
+					Link(P.Plugin + "/Resources", P.Plugin + "/Source/LodexDebugger/Shared");
+				},
+				0,
+				[](const FProject&)
+				{
+					return std::string("/Resources/Record_icon.png: cannot replace the file (Not a directory); the "
+									   "project was put back as it was");
+				}},
+			{"renaming the descriptor into place",
+				[&](FProject& P)
+				{
+					OlderStopIcon(P);
+					Write(P.Source + "/Source/LodexDebugger/Shared", "// shared\n");
+					fs::remove(P.Plugin + "/UnrealCLR.uplugin");
+					Write(P.Plugin + "/Elsewhere/UnrealCLR.uplugin", Descriptor);
+					Link(P.Plugin + "/Source/LodexDebugger/Shared", P.Plugin + "/Elsewhere");
+					Link(P.Plugin + "/UnrealCLR.uplugin", P.Plugin + "/Source/LodexDebugger/Shared/UnrealCLR.uplugin");
+				},
+				0,
+				[](const FProject&)
+				{
+					return std::string("/UnrealCLR.uplugin: cannot replace the file (Not a directory); the project was "
+									   "put back as it was");
+				}},
+		};
+		for (const auto& Row : Rows)
+		{
+			FProject Project;
+			Row.Setup(Project);
+			const auto Before = Project.ProjectFiles();
+			const FProcessRun Run = ChildProcess::RunLodex(Project.Arguments(), {},
+				Row.SizeLimit != 0 ? ChildProcess::LimitFileSize(Row.SizeLimit) : std::function<void()>());
+			EXPECT_EQ(Run.Exit, 1) << Row.Step;
+			EXPECT_EQ(Run.Out, "") << Row.Step;
+			EXPECT_EQ(Run.Err, "lodex: " + Project.Plugin + Row.Said(Project) + "\n") << Row.Step;
+			EXPECT_EQ(Project.ProjectFiles(), Before) << Row.Step;
+		}
 	}
 }

@@ -163,8 +163,9 @@ bool FStagedFile::Commit(std::string& OutError)
 	}
 	if (std::rename(Temporary.c_str(), ResolvedTarget.c_str()) != 0)
 	{
+		// Kept staged: the rename may have failed because a folder on its way is gone for now (a link replaced by
+		// a file), and the owner removes it once the folders are put back.
 		OutError = Target + ": cannot replace the file (" + DescribeErrno(errno) + ")";
-		Discard();
 		return false;
 	}
 	Temporary.clear();

@@ -38,7 +38,10 @@ public:
 	bool Stage(
 		const std::string& Target, const std::string& Text, const FAtomicFileOptions& Options, std::string& OutError);
 
-	/** Renames the staged file over its target and syncs the folder. */
+	/**
+	 * Renames the staged file over its target and syncs the folder. On failure the file stays staged, for Discard or
+	 * the destructor to remove.
+	 */
 	bool Commit(std::string& OutError);
 
 	/** Removes the staged file, if one is staged. */

@@ -1,0 +1,157 @@
+// Copyright Lodex contributors.
+#include "TestGraph.h"
+
+#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
+#include "LodexDebugger/Core/Evaluation/LodexLocatorLint.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+	using EKind = FTestGraph::EKind;
+
+	/**
+	 * A level whose walks leave it, as the editor's world gives them: the door hangs under a house of another
+	 * level, itself attached to an estate of a third; a bulb's outer is a socket (no step) of a post that no
+	 * level lists. The scene lists only the door, its hinge, the bulb and a lamp.
+	 */
+	class UnlistedParents : public ::testing::Test
+	{
+	protected:
+		/** The scene's objects, made before the index reads them. */
+		static FListedTestGraph& MakeScene(FListedTestGraph& Scene)
+		{
+			FTestGraph::FNode& Estate = Scene.Actor("Estate");
+			FTestGraph::FNode& House = Scene.Actor("House", &Estate, {"bldg"});
+			FTestGraph::FNode& Door = Scene.Listed(Scene.Actor("Door", &House));
+			Scene.Listed(Scene.Add(EKind::Component, "Hinge", &Door));
+			FTestGraph::FNode& Post = Scene.Actor("Post");
+			FTestGraph::FNode& Socket = Scene.Add(EKind::Other, "Socket", &Post);
+			Scene.Listed(Scene.Add(EKind::Component, "Bulb", &Socket));
+			Scene.Listed(Scene.Actor("Lamp"));
+			return Scene;
+		}
+
+		/** The absolute Lodestrings of the objects found, one a line. */
+		std::string Found(const std::string& Lodestring) const
+		{
+			const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Lodestring);
+			EXPECT_TRUE(Evaluation.bOk) << Lodestring << ": " << Evaluation.Error.Message;
+			std::string Text;
+			for (const FLodexMatch& Match : Evaluation.Matches)
+			{
+				Text += Index.GetAbsoluteLodestring(Match.Object) + "\n";
+			}
+			return Text;
+		}
+
+		FListedTestGraph Scene;
+		const FLodexSceneIndex Index{MakeScene(Scene), Scene};
+		const FLodexBestLocatorFinder Finder{Index};
+	};
+
+	// Every parent the walks meet is indexed, after the listed roots, in document order with its subtree.
+	TEST_F(UnlistedParents, TheIndexTakesInTheParentsItsWalksMeet)
+	{
+		std::string Tree;
+		for (std::uint32_t Object = 0; Object < Index.Num(); ++Object)
+		{
+			const std::uint32_t Parent = Index.GetParent(Object);
+			Tree += Index.GetName(Object) + (Index.IsNode(Object) ? "" : " (component)") + " under " +
+				(Parent == FLodexSceneIndex::None ? std::string("-") : Index.GetName(Parent)) + ", subtree to " +
+				std::to_string(Index.GetSubtreeEnd(Object)) + "\n";
+		}
+		EXPECT_EQ(Tree,
+			"Lamp under -, subtree to 1\n"
+			"Post under -, subtree to 3\n"
+			"Bulb (component) under Post, subtree to 3\n"
+			"Estate under -, subtree to 7\n"
+			"House under Estate, subtree to 7\n"
+			"Door under House, subtree to 7\n"
+			"Hinge (component) under Door, subtree to 7\n");
+	}
+
+	TEST_F(UnlistedParents, EvaluationWalksThroughThem)
+	{
+		const struct
+		{
+			const char* Lodestring;
+			const char* Found;
+		} Rows[] = {
+			{"/*", "/*[@name = 'Lamp']\n/*[@name = 'Post']\n/*[@name = 'Estate']\n"},
+			{"/Estate/House/Door/fn:component('Hinge')",
+				"/*[@name = 'Estate']/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n"},
+			{"//*[@tag = 'bldg']//*", "/*[@name = 'Estate']/*[@name = 'House']/*[@name = 'Door']\n"},
+			{"/*[@tag = 'bldg']", ""}, // the house is no root
+			{"/Post/fn:component('Bulb')", "/*[@name = 'Post']/fn:component('Bulb')\n"},
+			{"/fn:component('Bulb')", ""},
+			{"/Estate//fn:component('Hinge')",
+				"/*[@name = 'Estate']/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n"},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(Found(Row.Lodestring), Row.Found) << Row.Lodestring;
+		}
+	}
+
+	TEST_F(UnlistedParents, TheBestLocatorOfEachObjectFindsItAlone)
+	{
+		const struct
+		{
+			const char* Name;
+			const char* Best;
+		} Rows[] = {
+			{"Lamp", "/Lamp"},
+			{"Post", "/Post"},
+			{"Bulb", "/Post/fn:component('Bulb')"},
+			{"Estate", "/Estate"},
+			{"House", "//*[@tag = 'bldg']"},
+			{"Door", "//Door"},
+			{"Hinge", "//Door/fn:component('Hinge')"},
+		};
+		ASSERT_EQ(Index.Num(), std::size(Rows));
+		for (std::uint32_t Object = 0; Object < Index.Num(); ++Object)
+		{
+			const FLodexBestLocator Best = Finder.Find(Object);
+			EXPECT_EQ(Index.GetName(Object), Rows[Object].Name);
+			EXPECT_EQ(Best.Lodestring, Rows[Object].Best) << Rows[Object].Name;
+			EXPECT_EQ(Best.MatchCount, 1u) << Rows[Object].Name;
+			const FLodexEvaluation Check = EvaluateLodestring(Index, Best.Lodestring);
+			ASSERT_EQ(Check.Matches.size(), 1u) << Best.Lodestring;
+			EXPECT_EQ(Check.Matches[0].Object, Object) << Best.Lodestring;
+		}
+	}
+
+	TEST_F(UnlistedParents, LintCountsAndSuggestsThroughThem)
+	{
+		FLodexLintOptions Options;
+		Options.MaxAbsoluteDepth = 2;
+		const struct
+		{
+			const char* Lodestring;
+			std::size_t Count;
+			const char* Findings;
+		} Rows[] = {
+			{"//Door", 1, ""},
+			{"/Estate/House/Door", 1, "deep-absolute -> //Door\n"},
+			{"//*[@tag = 'bldg']/*", 1, ""},
+			{"/*", 3, "ambiguous\n"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FLodexLintResult Result = LintLodestring(Index, Finder, Row.Lodestring, Options);
+			EXPECT_EQ(Result.MatchCount, Row.Count) << Row.Lodestring;
+			std::string Findings;
+			for (const FLodexLintFinding& Finding : Result.Findings)
+			{
+				Findings +=
+					std::string(Finding.Rule) + (Finding.Suggestion.empty() ? "" : " -> " + Finding.Suggestion) + "\n";
+			}
+			EXPECT_EQ(Findings, Row.Findings) << Row.Lodestring;
+		}
+	}
+}
