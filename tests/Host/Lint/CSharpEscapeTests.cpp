@@ -1,5 +1,5 @@
 // Copyright Lodex contributors.
-#include "CSharpLiterals.h"
+#include "Lint/CSharpLiterals.h"
 
 #include <gtest/gtest.h>
 
