@@ -151,7 +151,7 @@ namespace
 		EXPECT_EQ(Printed(Install()),
 			"Installing LodexDebugger from " + Source + " into " + Plugin + "\n" + Listed("copied") + "  added " +
 				AddedEntry + "in UnrealCLR.uplugin.bak)\n" +
-				"Done: 8 file(s) copied, 0 replaced, 0 already up to date; "
+				"Done: 8 files copied, 0 replaced, 0 already up to date; "
 				"UnrealCLR.uplugin now lists LodexDebugger.\n");
 		std::map<std::string, std::string> Expected{{"Game.uproject", "{\"FileVersion\": 3}"}, {"Plugins", "(folder)"},
 			{"Plugins/UnrealCLR", "(folder)"}, {"Plugins/UnrealCLR/UnrealCLR.uplugin", InstalledDescriptor},
@@ -193,7 +193,7 @@ namespace
 				" would\n"
 				"  replace Source/LodexDebugger/Core/LodexShell.cpp\n"
 				"  copy Source/LodexDebugger/Core/LodexStyle.cpp\n"
-				"  leave 7 file(s) that are already up to date\n" +
+				"  leave 7 files already up to date\n" +
 				Keep + "Nothing was changed.\n");
 		EXPECT_EQ(Printed(Install()),
 			"Installing LodexDebugger from " + Source + " into " + Plugin +
@@ -201,7 +201,7 @@ namespace
 				"  replaced Source/LodexDebugger/Core/LodexShell.cpp\n"
 				"  copied Source/LodexDebugger/Core/LodexStyle.cpp\n" +
 				Keep +
-				"Done: 1 file(s) copied, 1 replaced, 7 already up to date; "
+				"Done: 1 file copied, 1 replaced, 7 already up to date; "
 				"UnrealCLR.uplugin already listed LodexDebugger.\n");
 		EXPECT_EQ(FTempDir::Read(Plugin + "/Source/LodexDebugger/Core/LodexShell.cpp"), "// SHELL\n");
 		EXPECT_TRUE(FTempDir::Exists(Plugin + "/Source/LodexDebugger/Old/Gone.cpp"));
@@ -469,8 +469,8 @@ namespace
 		// How many of the module's files are in place already, and the dry run's lines after the copies.
 		const std::pair<std::size_t, std::string> Rows[] = {
 			{0, ""},
-			{1, "  leave 1 file(s) that are already up to date\n"},
-			{ModuleFiles.size(), "  leave 8 file(s) that are already up to date\n"},
+			{1, "  leave 1 file already up to date\n"},
+			{ModuleFiles.size(), "  leave 8 files already up to date\n"},
 		};
 		for (const auto& [InPlace, Leave] : Rows)
 		{

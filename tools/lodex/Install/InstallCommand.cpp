@@ -25,6 +25,12 @@
 
 namespace
 {
+	/** "1 file", "8 files". */
+	std::string CountFiles(std::size_t Count)
+	{
+		return std::to_string(Count) + (Count == 1 ? " file" : " files");
+	}
+
 	namespace fs = std::filesystem;
 	using FOrderedJson = nlohmann::ordered_json;
 
@@ -595,7 +601,7 @@ namespace
 			}
 			else if (Same > 0)
 			{
-				Io.Out << "  leave " << Same << " file(s) that are already up to date\n";
+				Io.Out << "  leave " << CountFiles(Same) << " already up to date\n";
 			}
 			PrintNotes(Plan, Io);
 			Io.Out << "Nothing was changed.\n";
@@ -741,7 +747,7 @@ namespace
 					   << " (the descriptor as it was is in " << PluginDescriptorName << BackupSuffix << ")\n";
 			}
 			PrintNotes(Plan, Io);
-			Io.Out << "Done: " << Copied << " file(s) copied, " << Replaced << " replaced, "
+			Io.Out << "Done: " << CountFiles(Copied) << " copied, " << Replaced << " replaced, "
 				   << Plan.Files.size() - Copied - Replaced << " already up to date; " << PluginDescriptorName << " "
 				   << (Plan.NewDescriptorText ? "now lists " : "already listed ") << LodexModuleName << ".\n";
 			return LodexExitOk;
