@@ -185,16 +185,18 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 	}
 	if (!bReadable)
 	{
-		std::string SavedBy = Summary.SavedByEngineVersion.empty() || Summary.SavedByEngineVersion.rfind("0.0.0-", 0) == 0
-			? "an engine that did not record its version"
-			: "Unreal Engine " + Summary.SavedByEngineVersion;
 		std::string Versions = "package file version UE4 " + std::to_string(UE4);
 		if (Legacy <= -8)
 		{
 			Versions += " and UE5 " + std::to_string(UE5);
 		}
-		return Cursor.Fail(VersionOffset, "saved by " + SavedBy + " (" + Versions + ", legacy version " +
-			std::to_string(Legacy) + "); Lodex reads " + Describe());
+		Versions += ", legacy version " + std::to_string(Legacy);
+		const bool bSavedByKnown =
+			!Summary.SavedByEngineVersion.empty() && Summary.SavedByEngineVersion.rfind("0.0.0-", 0) != 0;
+		const std::string Saved = bSavedByKnown
+			? "saved by Unreal Engine " + Summary.SavedByEngineVersion + " (" + Versions + ")"
+			: "saved with " + Versions;
+		return Cursor.Fail(VersionOffset, Saved + "; Lodex reads " + Describe());
 	}
 	if ((Summary.PackageFlags & (PackageFlagCooked | PackageFlagFilterEditorOnly | PackageFlagUnversionedProperties)) != 0)
 	{
