@@ -222,10 +222,10 @@ FTestPackage::FData& FTestPackage::FData::Struct(const std::string& Name, const 
 	return *this;
 }
 
-FTestPackage::FData& FTestPackage::FData::Raw(
-	const std::string& Name, const std::string& Type, const std::string& Value, std::int32_t Size)
+FTestPackage::FData& FTestPackage::FData::Raw(const std::string& Name, const std::string& Type,
+	const std::string& Value, std::int32_t Size, const std::string& Inner)
 {
-	Properties.push_back(MakeProperty(Name, Type, nullptr,
+	Properties.push_back(MakeProperty(Name, Type, Inner.empty() ? nullptr : InnerType(Inner),
 		[=](FTestPackage&, FTestBytes& Out) { Out.Append(Value); }, Size));
 	return *this;
 }
@@ -337,9 +337,9 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	Layout.NameCountField = Out.Size();
 	Out.Int32(static_cast<std::int32_t>(Names.size()));
 	Out.Int32(static_cast<std::int32_t>(At.NameOffset));
-	if (!bEditorOnlyFiltered)
+	if (!bEditorOnlyFiltered && FileVersionUE4 >= 516)
 	{
-		Out.String("");
+		Out.String(""); // localization id
 	}
 	Out.Int32(0);
 	Out.Int32(0);
@@ -354,9 +354,9 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	Out.Int32(0);  // searchable names
 	Out.Int32(0);  // thumbnails
 	Out.Zeros(16); // GUID
-	if (!bEditorOnlyFiltered)
+	if (!bEditorOnlyFiltered && FileVersionUE4 >= 518)
 	{
-		Out.Zeros(16); // persistent GUID
+		Out.Zeros(FileVersionUE4 < 520 ? 32 : 16); // persistent GUID (and, in two versions, the owner's)
 	}
 	Out.Int32(1);
 	Out.Int32(static_cast<std::int32_t>(Exports.size()));
@@ -507,6 +507,10 @@ namespace
 			Components.push_back(Package.Export(ClassOf(Package, Component.Class), Index, Component.Name));
 		}
 		FTestPackage::FData& Data = Package.GetData(Index);
+		if (Actor.FirstProperties)
+		{
+			Actor.FirstProperties(Data);
+		}
 		Data.Struct("ActorGuid", "Guid", 16);
 		for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
 		{

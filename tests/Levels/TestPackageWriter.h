@@ -51,7 +51,8 @@ public:
 		/** A struct value the reader must skip by its size, with a property GUID in its tag. */
 		FData& Struct(const std::string& Name, const std::string& StructName, std::size_t Size);
 		/** A property with any tag and value bytes (for wrong types and sizes). */
-		FData& Raw(const std::string& Name, const std::string& Type, const std::string& Value, std::int32_t Size);
+		FData& Raw(const std::string& Name, const std::string& Type, const std::string& Value, std::int32_t Size,
+			const std::string& InnerType = "");
 		/** After the properties' "None": the object GUID flag (0) and these bytes. */
 		FData& Native(std::function<void(FTestPackage&, FTestBytes&)> Writer);
 		/** Drops the "None" that ends the properties and everything after it (a truncated object). */
@@ -154,6 +155,8 @@ struct FTestActor
 	std::string Root;
 	/** Component names listed in InstanceComponents. */
 	std::vector<std::string> InstanceComponents;
+	/** Properties the actor's data starts with (for values a reader must reject). */
+	std::function<void(FTestPackage::FData&)> FirstProperties;
 	/** Whether the level's Actors array names the actor (an unlisted one is an object of the level all the same). */
 	bool bListed = true;
 };

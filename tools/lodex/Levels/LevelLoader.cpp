@@ -153,17 +153,17 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		const std::string TargetFile = FileOfPackage(Target);
 		if (TargetFile.empty())
 		{
-			OutError = File + ": a redirector to " + Target + ", which is not under " +
+			OutError = File + ": a redirector to " + OneLineText(Target) + ", which is not under " +
 				(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot));
 			return false;
 		}
 		if (Redirects + 1 == RedirectLimit || ReadLevels.count(Target) != 0)
 		{
-			OutError = File + ": a redirector to " + Target + ", which redirects back or on past " +
+			OutError = File + ": a redirector to " + OneLineText(Target) + ", which redirects back or on past " +
 				std::to_string(RedirectLimit) + " redirectors";
 			return false;
 		}
-		Out.Notes.push_back(File + ": a redirector to " + Target + "; followed it to " + TargetFile);
+		Out.Notes.push_back(OneLineText(File + ": a redirector to " + Target + "; followed it to " + TargetFile));
 		ReadLevels.insert(PackagePath);
 		File = TargetFile;
 		PackagePath = Target;
@@ -236,7 +236,7 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 		}
 		if (Actors.empty() && !OtherLevel.empty())
 		{
-			Out.Notes.push_back(Shown + ": an actor of " + OtherLevel + ", not of " + LevelPath + "; left out");
+			Out.Notes.push_back(OneLineText(Shown + ": an actor of " + OtherLevel + ", not of " + LevelPath + "; left out"));
 		}
 		Out.ExternalActorCount += Actors.size();
 		for (FLevelActor& Actor : Actors)
@@ -299,9 +299,9 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 		{
 			if (MissingClasses.insert(PackagePath).second)
 			{
-				Out.Notes.push_back("the Blueprint class " + ClassPath + " is not under " +
+				Out.Notes.push_back(OneLineText("the Blueprint class " + ClassPath + " is not under " +
 					(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) +
-					": the default tags of its actors are unknown");
+					": the default tags of its actors are unknown"));
 			}
 			break;
 		}
@@ -322,8 +322,8 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 	std::string PackagePath;
 	if (!FindContentRoot(Path, PackagePath))
 	{
-		Out.Notes.push_back(Path + ": not inside a Content folder; its external actors, sub-levels and Blueprint "
-			"classes are not looked up");
+		Out.Notes.push_back(OneLineText(Path + ": not inside a Content folder; its external actors, sub-levels and Blueprint "
+			"classes are not looked up"));
 	}
 	std::vector<FLoadedLevel> Levels;
 	std::vector<std::string> Pending;
@@ -338,7 +338,7 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 		{
 			Names += (Names.empty() ? "" : ", ") + Name;
 		}
-		Out.Notes.push_back(Levels[0].File + ": sub-levels left out: " + Names);
+		Out.Notes.push_back(OneLineText(Levels[0].File + ": sub-levels left out: " + Names));
 		Pending.clear();
 	}
 	// Sub-levels in the order the levels name them, each read once; theirs after them.
@@ -353,8 +353,8 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 		if (File.empty())
 		{
 			ReadLevels.insert(SubLevel);
-			Out.Notes.push_back("the sub-level " + SubLevel + " is not under " +
-				(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) + "; left out");
+			Out.Notes.push_back(OneLineText("the sub-level " + SubLevel + " is not under " +
+				(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) + "; left out"));
 			continue;
 		}
 		std::vector<std::string> More;

@@ -177,6 +177,7 @@ namespace
 			FObjectProperties ComponentProperties;
 			if (!CheckOneLine(Component.Name, ChildExport.Offset + 16, "the name of component '" + Component.Name + "'",
 					OutError) ||
+				!CheckOneLine(ClassName, ChildExport.Offset, "the class of component '" + Component.Name + "'", OutError) ||
 				!ReadObjectProperties(Package, Child, ComponentProperties, OutError))
 			{
 				bFailed = true;
@@ -335,7 +336,8 @@ namespace
 			OutError = Cursor.GetError();
 			return false;
 		}
-		if (!IsExport(OutLevel) || Package.OuterOf(OutLevel) != World || Package.ClassNameOf(OutLevel) != "Level")
+		if (!Package.IsObjectIndex(OutLevel) || !IsExport(OutLevel) || Package.OuterOf(OutLevel) != World ||
+			Package.ClassNameOf(OutLevel) != "Level")
 		{
 			OutError.Offset = LevelOffset;
 			OutError.Reason = "the world's persistent level is object " + std::to_string(OutLevel) +
@@ -389,6 +391,11 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 		return false;
 	}
 	Out.WorldPath = Package.ObjectPath(World);
+	if (!CheckOneLine(Package.ObjectName(World), Package.GetExports()[static_cast<std::size_t>(World - 1)].Offset + 16,
+			"the name of the world", OutError))
+	{
+		return false;
+	}
 	std::int32_t Level = 0;
 	if (!ReadWorld(Package, World, Level, Out, OutError))
 	{

@@ -137,8 +137,8 @@ bool BuildLevelScene(const std::vector<FLoadedLevel>& Levels, FLevelScene& Out, 
 		}
 		if (Parent == FSceneObjectLinks::NoObject)
 		{
-			Out.Notes.push_back(Entry.second->Package + ": actor '" + Entry.second->Actor.Name + "' is attached to '" +
-				ParentPath + "', which is not among the objects read; it is shown unattached");
+			Out.Notes.push_back(OneLineText(Entry.second->Package + ": actor '" + Entry.second->Actor.Name +
+				"' is attached to '" + ParentPath + "', which is not among the objects read; it is shown unattached"));
 		}
 		else if (Parent != Entry.first)
 		{
@@ -163,7 +163,7 @@ bool ReadLevelSceneBytes(std::string Bytes, const std::string& SourceName, const
 	}
 	if (!Contents.RedirectTarget.empty())
 	{
-		OutError = SourceName + ": a redirector to " + Contents.RedirectTarget + ", not a level";
+		OutError = SourceName + ": a redirector to " + OneLineText(Contents.RedirectTarget) + ", not a level";
 		return false;
 	}
 	std::vector<FLoadedLevel> Levels(1);

@@ -3,9 +3,31 @@
 
 #include <utility>
 
+std::string OneLineText(const std::string& Text)
+{
+	static const char Digits[] = "0123456789ABCDEF";
+	std::string Shown;
+	Shown.reserve(Text.size());
+	for (const char Character : Text)
+	{
+		const unsigned char Byte = static_cast<unsigned char>(Character);
+		if (Byte < 0x20 || Byte == 0x7F)
+		{
+			Shown += "\\x";
+			Shown += Digits[Byte >> 4];
+			Shown += Digits[Byte & 0xF];
+		}
+		else
+		{
+			Shown += Character;
+		}
+	}
+	return Shown;
+}
+
 std::string FPackageError::Describe(const std::string& SourceName) const
 {
-	return SourceName + ": byte " + std::to_string(Offset) + ": " + Reason;
+	return SourceName + ": byte " + std::to_string(Offset) + ": " + OneLineText(Reason);
 }
 
 FPackageCursor::FPackageCursor(const std::string& InBytes, std::size_t Begin, std::size_t InEnd, std::string InWhat)
@@ -46,8 +68,7 @@ bool FPackageCursor::Need(std::size_t Count)
 	{
 		if (End == Bytes.size())
 		{
-			return Fail(Position, "the file ends inside " + What + " (" + std::to_string(Bytes.size()) + " bytes, " +
-				std::to_string(Count) + " more needed)");
+			return Fail(Position, "the file ends at byte " + std::to_string(Bytes.size()) + ", inside " + What);
 		}
 		return Fail(Position, "a value runs past the end of " + What + " at byte " + std::to_string(End));
 	}

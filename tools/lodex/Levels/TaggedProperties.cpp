@@ -34,7 +34,7 @@ namespace
 	{
 		OutError.Offset = Property.TagOffset;
 		OutError.Reason = "property '" + Property.Name + "' is a " + Property.Type +
-			(Property.InnerType.empty() ? "" : " of " + Property.InnerType) + ", not a " + Expected;
+			(Property.InnerType.empty() ? "" : " of " + Property.InnerType) + "; Lodex reads it as " + Expected;
 		return false;
 	}
 
@@ -200,7 +200,7 @@ namespace PropertyValues
 	{
 		if (Property.Type != "ObjectProperty")
 		{
-			return WrongType(Property, "ObjectProperty", OutError);
+			return WrongType(Property, "an ObjectProperty", OutError);
 		}
 		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
 			DescribeValue(Property));
@@ -213,7 +213,7 @@ namespace PropertyValues
 	{
 		if (Property.Type != "ArrayProperty" || Property.InnerType != "ObjectProperty")
 		{
-			return WrongType(Property, "ArrayProperty of ObjectProperty", OutError);
+			return WrongType(Property, "an ArrayProperty of ObjectProperty", OutError);
 		}
 		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
 			DescribeValue(Property));
@@ -234,7 +234,7 @@ namespace PropertyValues
 	{
 		if (Property.Type != "ArrayProperty" || Property.InnerType != "NameProperty")
 		{
-			return WrongType(Property, "ArrayProperty of NameProperty", OutError);
+			return WrongType(Property, "an ArrayProperty of NameProperty", OutError);
 		}
 		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
 			DescribeValue(Property));
@@ -255,7 +255,7 @@ namespace PropertyValues
 	{
 		if (Property.Type != "StrProperty")
 		{
-			return WrongType(Property, "StrProperty", OutError);
+			return WrongType(Property, "a StrProperty", OutError);
 		}
 		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
 			DescribeValue(Property));
@@ -268,7 +268,7 @@ namespace PropertyValues
 	{
 		if (Property.Type != "SoftObjectProperty")
 		{
-			return WrongType(Property, "SoftObjectProperty", OutError);
+			return WrongType(Property, "a SoftObjectProperty", OutError);
 		}
 		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
 			DescribeValue(Property));
