@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 namespace
 {
@@ -579,14 +580,14 @@ std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 		Streaming.push_back(Sub);
 	}
 	std::vector<std::int32_t> Exported;
-	std::vector<std::pair<std::string, std::int32_t>> ByName; // "Actor.Component" -> export
+	std::map<std::string, std::int32_t> ByName; // "Actor.Component" -> export
 	for (const FTestActor& Actor : Map.Actors)
 	{
 		const std::int32_t Index = WriteActor(Package, Level, Actor);
 		Exported.push_back(Index);
 		for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
 		{
-			ByName.emplace_back(Actor.Name + "." + Actor.Components[Slot].Name, Index + 1 + static_cast<std::int32_t>(Slot));
+			ByName.emplace(Actor.Name + "." + Actor.Components[Slot].Name, Index + 1 + static_cast<std::int32_t>(Slot));
 		}
 	}
 	// Attach parents inside the map, now that every component has its index.
@@ -600,13 +601,11 @@ std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 			{
 				continue;
 			}
-			for (const auto& Entry : ByName)
+			const auto Found = ByName.find(Parent);
+			if (Found != ByName.end())
 			{
-				if (Entry.first == Parent)
-				{
-					Package.GetData(Exported[ActorSlot] + 1 + static_cast<std::int32_t>(Slot))
-						.Object("AttachParent", Entry.second);
-				}
+				Package.GetData(Exported[ActorSlot] + 1 + static_cast<std::int32_t>(Slot))
+					.Object("AttachParent", Found->second);
 			}
 		}
 	}

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string_view>
 #include <unordered_map>
 
 namespace
@@ -222,7 +223,7 @@ bool FSceneSnapshot::FromObjects(std::vector<FSceneObject> Objects, const std::v
 {
 	FSceneSnapshot Scene;
 	Scene.Objects = std::move(Objects);
-	std::unordered_map<std::string, std::size_t> IndexById;
+	std::unordered_map<std::string_view, std::size_t> IndexById; // views of the ids, which stay where they are
 	IndexById.reserve(Scene.Objects.size());
 	for (std::size_t Index = 0; Index < Scene.Objects.size(); ++Index)
 	{

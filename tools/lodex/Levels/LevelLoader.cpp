@@ -174,6 +174,7 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 	Level.PackagePath = PackagePath;
 	Level.WorldPath = Contents.WorldPath;
 	Level.File = File;
+	Level.Actors.reserve(Contents.Actors.size());
 	for (FLevelActor& Actor : Contents.Actors)
 	{
 		Level.Actors.push_back(FLoadedActor{std::move(Actor), PackagePath});
@@ -365,13 +366,7 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 		++Out.SubLevelCount;
 		Pending.insert(Pending.end(), More.begin(), More.end());
 	}
-	std::string SceneError;
-	if (!BuildLevelScene(Levels, Out, SceneError))
-	{
-		OutError = SceneError.rfind(Levels[0].File, 0) == 0 ? SceneError : Levels[0].File + ": " + SceneError;
-		return false;
-	}
-	return true;
+	return BuildLevelScene(std::move(Levels), Out, OutError);
 }
 
 bool ReadLevelScene(const std::string& Path, const FLevelReadOptions& Options, FLevelScene& Out, std::string& OutError)

@@ -109,7 +109,7 @@ namespace
 		{
 			return false;
 		}
-		if (const FTaggedProperty* Label = Properties.Find("ActorLabel"))
+		if (const FTaggedProperty* Label = Properties.Find(Package, "ActorLabel"))
 		{
 			if (!PropertyValues::ReadString(Package, *Label, Out.Label, OutError) ||
 				!CheckOneLine(Out.Label, Label->ValueOffset, "the label of actor '" + Out.Name + "'", OutError))
@@ -117,7 +117,7 @@ namespace
 				return false;
 			}
 		}
-		if (const FTaggedProperty* Tags = Properties.Find("Tags"))
+		if (const FTaggedProperty* Tags = Properties.Find(Package, "Tags"))
 		{
 			Out.bHasTags = true;
 			if (!PropertyValues::ReadNameArray(Package, *Tags, Out.Tags, OutError))
@@ -133,7 +133,7 @@ namespace
 			}
 		}
 		std::int32_t RootComponent = 0;
-		if (const FTaggedProperty* Root = Properties.Find("RootComponent"))
+		if (const FTaggedProperty* Root = Properties.Find(Package, "RootComponent"))
 		{
 			if (!PropertyValues::ReadObject(Package, *Root, RootComponent, OutError))
 			{
@@ -144,7 +144,7 @@ namespace
 		for (const char* ListName : {"InstanceComponents", "BlueprintCreatedComponents"})
 		{
 			std::vector<std::int32_t> List;
-			const FTaggedProperty* ListProperty = Properties.Find(ListName);
+			const FTaggedProperty* ListProperty = Properties.Find(Package, ListName);
 			if (ListProperty != nullptr && !PropertyValues::ReadObjectArray(Package, *ListProperty, List, OutError))
 			{
 				return false;
@@ -170,8 +170,8 @@ namespace
 				return;
 			}
 			FLevelComponent Component;
-			Component.Path = Package.ObjectPath(Child);
 			Component.Name = Package.ObjectName(Child);
+			Component.Path = Out.Path + "." + Component.Name;
 			Component.ClassName = ClassName;
 			const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
 			FObjectProperties ComponentProperties;
@@ -185,7 +185,7 @@ namespace
 			}
 			// The actor's attachment is its root component's; without a saved root, that of the one component
 			// attached outside the actor (the others attach inside it).
-			const FTaggedProperty* Parent = ComponentProperties.Find("AttachParent");
+			const FTaggedProperty* Parent = ComponentProperties.Find(Package, "AttachParent");
 			std::int32_t ParentIndex = 0;
 			if (Parent != nullptr && !PropertyValues::ReadObject(Package, *Parent, ParentIndex, OutError))
 			{
@@ -355,7 +355,7 @@ namespace
 			{
 				return false;
 			}
-			const FTaggedProperty* Asset = Properties.Find("WorldAsset");
+			const FTaggedProperty* Asset = Properties.Find(Package, "WorldAsset");
 			std::string Path;
 			if (Asset == nullptr)
 			{
@@ -386,7 +386,9 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 		{
 			return ReadRedirector(Package, Redirector, Out, OutError);
 		}
-		OutError.Offset = static_cast<std::size_t>(Package.GetSummary().ExportOffset);
+		// The export map, or, when it is empty, the summary's count of exports.
+		OutError.Offset = Package.GetExports().empty() ? Package.GetSummary().ExportCountOffset
+													   : Package.GetExports()[0].Offset;
 		OutError.Reason = "not a level: the package holds no World but " + DescribeTopLevelObjects(Package);
 		return false;
 	}
@@ -486,7 +488,7 @@ bool ReadClassDefaults(const FUnrealPackage& Package, const std::string& ClassNa
 	{
 		return false;
 	}
-	const FTaggedProperty* Tags = Properties.Find("Tags");
+	const FTaggedProperty* Tags = Properties.Find(Package, "Tags");
 	if (Tags == nullptr)
 	{
 		return true;

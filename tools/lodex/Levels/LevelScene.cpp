@@ -5,18 +5,9 @@
 #include "UnrealPackage.h"
 
 #include <fstream>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
-
-namespace
-{
-	/** The object path one step up: `/Game/M.M:PersistentLevel.A.B` gives `/Game/M.M:PersistentLevel.A`. */
-	std::string OuterPathOf(const std::string& Path)
-	{
-		const std::size_t Cut = Path.find_last_of(".:");
-		return Cut == std::string::npos ? std::string() : Path.substr(0, Cut);
-	}
-}
 
 bool IsUnrealPackageBytes(const std::string& Bytes)
 {
@@ -33,12 +24,8 @@ bool IsUnrealPackageFile(const std::string& Path)
 	return In.read(Head, 4) && IsUnrealPackageBytes(std::string(Head, 4));
 }
 
-bool BuildLevelScene(const std::vector<FLoadedLevel>& Levels, FLevelScene& Out, std::string& OutError)
+bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::string& OutError)
 {
-	std::vector<FSceneObject> Objects;
-	std::vector<FSceneObjectLinks> Links;
-	std::unordered_map<std::string, std::size_t> IndexByPath;
-	std::vector<std::pair<std::size_t, const FLoadedActor*>> Attached;
 	std::size_t Count = 0;
 	for (const FLoadedLevel& Level : Levels)
 	{
@@ -48,104 +35,106 @@ bool BuildLevelScene(const std::vector<FLoadedLevel>& Levels, FLevelScene& Out, 
 			Count += 1 + Loaded.Actor.Components.size();
 		}
 	}
-	Objects.reserve(Count);
+	std::vector<FSceneObject> Objects;
+	std::vector<FSceneObjectLinks> Links;
+	Objects.reserve(Count); // never reallocated: the views below point into the ids
 	Links.reserve(Count);
-	IndexByPath.reserve(Count);
-
-	auto Add = [&](FSceneObject Object, std::size_t Outer, const std::string& File)
+	struct FAttached
 	{
-		const auto Inserted = IndexByPath.emplace(Object.Id, Objects.size());
-		if (!Inserted.second)
-		{
-			OutError = File + ": the object '" + Object.Id + "' is read twice";
-			return false;
-		}
+		std::size_t Actor;
+		std::string Package;
+		std::string ParentPath;
+	};
+	std::vector<FAttached> Attached;
+	std::unordered_map<std::string_view, std::size_t> ActorByPath;
+
+	auto Add = [&](FSceneObject&& Object, std::size_t Outer)
+	{
 		FSceneObjectLinks Link;
 		Link.Outer = Outer;
+		Object.Origin = "placed";
 		Objects.push_back(std::move(Object));
 		Links.push_back(Link);
-		return true;
+		return Objects.size() - 1;
 	};
 
-	for (const FLoadedLevel& Level : Levels)
+	for (FLoadedLevel& Level : Levels)
 	{
 		FSceneObject LevelObject;
 		LevelObject.Id = Level.WorldPath + ":PersistentLevel";
 		LevelObject.Kind = "other";
 		LevelObject.Name = "PersistentLevel";
 		LevelObject.ClassName = "Level";
-		LevelObject.Origin = "placed";
 		LevelObject.Package = Level.PackagePath;
-		const std::size_t LevelIndex = Objects.size();
-		if (!Add(std::move(LevelObject), FSceneObjectLinks::NoObject, Level.File))
+		const std::size_t LevelIndex = Add(std::move(LevelObject), FSceneObjectLinks::NoObject);
+		ActorByPath.reserve(ActorByPath.size() + Level.Actors.size());
+		for (FLoadedActor& Loaded : Level.Actors)
 		{
-			return false;
-		}
-		for (const FLoadedActor& Loaded : Level.Actors)
-		{
-			const FLevelActor& Actor = Loaded.Actor;
+			FLevelActor& Actor = Loaded.Actor;
 			FSceneObject Object;
-			Object.Id = Actor.Path;
+			Object.Id = std::move(Actor.Path);
 			Object.Kind = "actor";
-			Object.Name = Actor.Name;
-			Object.ClassName = Actor.ClassName;
-			Object.Label = Actor.Label;
+			Object.Name = std::move(Actor.Name);
+			Object.ClassName = std::move(Actor.ClassName);
+			Object.Label = std::move(Actor.Label);
 			Object.bHasTags = true;
-			Object.Tags = Actor.Tags;
-			Object.Origin = "placed";
+			Object.Tags = std::move(Actor.Tags);
 			Object.Package = Loaded.Package;
-			const std::size_t ActorIndex = Objects.size();
-			if (!Add(std::move(Object), LevelIndex, Level.File))
+			const std::size_t ActorIndex = Add(std::move(Object), LevelIndex);
+			if (!ActorByPath.emplace(Objects[ActorIndex].Id, ActorIndex).second)
 			{
+				OutError = Level.File + ": the actor '" + OneLineText(Objects[ActorIndex].Id) + "' is read twice";
 				return false;
 			}
 			if (!Actor.AttachParentPath.empty())
 			{
-				Attached.emplace_back(ActorIndex, &Loaded);
+				Attached.push_back(FAttached{ActorIndex, Loaded.Package, std::move(Actor.AttachParentPath)});
 			}
-			for (const FLevelComponent& Component : Actor.Components)
+			for (FLevelComponent& Component : Actor.Components)
 			{
 				FSceneObject Child;
-				Child.Id = Component.Path;
+				Child.Id = std::move(Component.Path);
 				Child.Kind = "component";
-				Child.Name = Component.Name;
-				Child.ClassName = Component.ClassName;
-				Child.Origin = "placed";
+				Child.Name = std::move(Component.Name);
+				Child.ClassName = std::move(Component.ClassName);
 				Child.Package = Loaded.Package;
-				if (!Add(std::move(Child), ActorIndex, Level.File))
-				{
-					return false;
-				}
+				Add(std::move(Child), ActorIndex);
 			}
 		}
 	}
 
 	// An actor's attach parent is the owner of the component its root is attached to: the nearest actor up the
 	// component's object path.
-	for (const auto& Entry : Attached)
+	for (const FAttached& Entry : Attached)
 	{
-		const std::string& ParentPath = Entry.second->Actor.AttachParentPath;
 		std::size_t Parent = FSceneObjectLinks::NoObject;
-		for (std::string Path = ParentPath; !Path.empty() && Parent == FSceneObjectLinks::NoObject;
-			 Path = OuterPathOf(Path))
+		for (std::string_view Path = Entry.ParentPath; !Path.empty() && Parent == FSceneObjectLinks::NoObject;)
 		{
-			const auto Found = IndexByPath.find(Path);
-			if (Found != IndexByPath.end() && Objects[Found->second].Kind == "actor")
+			const auto Found = ActorByPath.find(Path);
+			if (Found != ActorByPath.end())
 			{
 				Parent = Found->second;
 			}
+			const std::size_t Cut = Path.find_last_of(".:");
+			Path = Cut == std::string_view::npos ? std::string_view() : Path.substr(0, Cut);
 		}
 		if (Parent == FSceneObjectLinks::NoObject)
 		{
-			Out.Notes.push_back(OneLineText(Entry.second->Package + ": actor '" + Entry.second->Actor.Name +
-				"' is attached to '" + ParentPath + "', which is not among the objects read; it is shown unattached"));
+			Out.Notes.push_back(OneLineText(Entry.Package + ": actor '" + Objects[Entry.Actor].Name +
+				"' is attached to '" + Entry.ParentPath + "', which is not among the objects read; it is shown unattached"));
 		}
-		else if (Parent != Entry.first)
+		else if (Parent != Entry.Actor)
 		{
-			Links[Entry.first].AttachParent = Parent;
+			Links[Entry.Actor].AttachParent = Parent;
 		}
 	}
-	return FSceneSnapshot::FromObjects(std::move(Objects), Links, Out.Scene, OutError);
+	std::string SceneError;
+	if (!FSceneSnapshot::FromObjects(std::move(Objects), Links, Out.Scene, SceneError))
+	{
+		OutError = (Levels.empty() ? std::string("level") : Levels[0].File) + ": " + OneLineText(SceneError);
+		return false;
+	}
+	return true;
 }
 
 bool ReadLevelSceneBytes(std::string Bytes, const std::string& SourceName, const std::string& PackagePath,
@@ -170,10 +159,11 @@ bool ReadLevelSceneBytes(std::string Bytes, const std::string& SourceName, const
 	Levels[0].PackagePath = PackagePath;
 	Levels[0].WorldPath = Contents.WorldPath;
 	Levels[0].File = SourceName;
+	Levels[0].Actors.reserve(Contents.Actors.size());
 	for (FLevelActor& Actor : Contents.Actors)
 	{
 		Levels[0].Actors.push_back(FLoadedActor{std::move(Actor), PackagePath});
 	}
 	Out.Files.push_back(SourceName);
-	return BuildLevelScene(Levels, Out, OutError);
+	return BuildLevelScene(std::move(Levels), Out, OutError);
 }

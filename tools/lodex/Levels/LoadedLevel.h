@@ -31,4 +31,4 @@ struct FLoadedLevel
  * Makes the scene of the levels, in order (see FLevelScene). Attach parents are found by object path, across
  * levels and packages; one that is not among the objects read is left out, with a note.
  */
-bool BuildLevelScene(const std::vector<FLoadedLevel>& Levels, FLevelScene& Out, std::string& OutError);
+bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::string& OutError);

@@ -3,10 +3,9 @@
 
 namespace
 {
-	bool ReadTagName(const FUnrealPackage& Package, FPackageCursor& Cursor, std::string& Out, const char* What)
+	bool ReadTagName(const FUnrealPackage& Package, FPackageCursor& Cursor, FPackageName& Name, const char* What)
 	{
 		const std::size_t Start = Cursor.Tell();
-		FPackageName Name;
 		if (!Cursor.ReadInt32(Name.Index) || !Cursor.ReadInt32(Name.Number))
 		{
 			return false;
@@ -15,6 +14,16 @@ namespace
 		{
 			return Cursor.Fail(Start, std::string(What) + ": name " + std::to_string(Name.Index) +
 				" is not in the name map");
+		}
+		return true;
+	}
+
+	bool ReadTagName(const FUnrealPackage& Package, FPackageCursor& Cursor, std::string& Out, const char* What)
+	{
+		FPackageName Name;
+		if (!ReadTagName(Package, Cursor, Name, What))
+		{
+			return false;
 		}
 		Out = Package.NameText(Name);
 		return true;
@@ -25,17 +34,26 @@ namespace
 		return "the data of export " + std::to_string(ExportIndex - 1) + " '" + Package.ObjectName(ExportIndex) + "'";
 	}
 
-	std::string DescribeValue(const FTaggedProperty& Property)
+	std::string DescribeValue(const FUnrealPackage& Package, const FTaggedProperty& Property)
 	{
-		return "the value of property '" + Property.Name + "'";
+		return "the value of property '" + Package.NameText(Property.Name) + "'";
 	}
 
-	bool WrongType(const FTaggedProperty& Property, const std::string& Expected, FPackageError& OutError)
+	bool WrongType(const FUnrealPackage& Package, const FTaggedProperty& Property, const std::string& Expected,
+		FPackageError& OutError)
 	{
+		const bool bInner = !Package.NameIs(Property.InnerType, "None");
 		OutError.Offset = Property.TagOffset;
-		OutError.Reason = "property '" + Property.Name + "' is a " + Property.Type +
-			(Property.InnerType.empty() ? "" : " of " + Property.InnerType) + "; Lodex reads it as " + Expected;
+		OutError.Reason = "property '" + Package.NameText(Property.Name) + "' is a " + Package.NameText(Property.Type) +
+			(bInner ? " of " + Package.NameText(Property.InnerType) : "") + "; Lodex reads it as " + Expected;
 		return false;
+	}
+
+	/** A cursor over the property's value alone. */
+	FPackageCursor ValueCursor(const FUnrealPackage& Package, const FTaggedProperty& Property)
+	{
+		return FPackageCursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
+			DescribeValue(Package, Property));
 	}
 
 	bool Finish(const FPackageCursor& Cursor, FPackageError& OutError)
@@ -83,11 +101,11 @@ namespace
 	}
 }
 
-const FTaggedProperty* FObjectProperties::Find(const std::string& Name) const
+const FTaggedProperty* FObjectProperties::Find(const FUnrealPackage& Package, const char* Name) const
 {
 	for (const FTaggedProperty& Property : Properties)
 	{
-		if (Property.Name == Name && Property.ArrayIndex == 0)
+		if (Property.ArrayIndex == 0 && Package.NameIs(Property.Name, Name))
 		{
 			return &Property;
 		}
@@ -102,6 +120,7 @@ bool ReadObjectProperties(
 	FPackageCursor Cursor(Package.GetBytes(), Export.SerialOffset, Export.SerialOffset + Export.SerialSize,
 		DescribeExport(Package, ExportIndex));
 	Out.Properties.clear();
+	const FPackageName NoneName = Package.GetNoneName(); // an element type is None for properties without one
 	for (;;)
 	{
 		FTaggedProperty Property;
@@ -110,49 +129,44 @@ bool ReadObjectProperties(
 		{
 			return Finish(Cursor, OutError);
 		}
-		if (Property.Name == "None")
+		if (Package.NameIs(Property.Name, "None"))
 		{
 			break;
 		}
 		std::int32_t Size = 0;
-		std::string Ignored;
-		const std::size_t TypeOffset = Cursor.Tell();
-		FPackageName TypeName;
-		if (!Cursor.ReadInt32(TypeName.Index) || !Cursor.ReadInt32(TypeName.Number) || !Cursor.Seek(TypeOffset) ||
-			!ReadTagName(Package, Cursor, Property.Type, "a property's type"))
+		FPackageName Ignored;
+		if (!ReadTagName(Package, Cursor, Property.Type, "a property's type"))
 		{
 			return Finish(Cursor, OutError);
 		}
 		const std::size_t SizeOffset = Cursor.Tell();
 		Cursor.ReadInt32(Size);
 		Cursor.ReadInt32(Property.ArrayIndex);
-		if (TypeName.Number == 0)
+		Property.InnerType = NoneName;
+		const FPackageName& Type = Property.Type;
+		if (Package.NameIs(Type, "StructProperty"))
 		{
-			const std::string& Type = Property.Type;
-			if (Type == "StructProperty")
-			{
-				ReadTagName(Package, Cursor, Ignored, "a struct property's struct");
-				Cursor.Skip(16); // the struct's GUID
-			}
-			else if (Type == "BoolProperty")
-			{
-				std::uint8_t Value = 0;
-				Cursor.ReadUInt8(Value);
-				Property.bBoolValue = Value != 0;
-			}
-			else if (Type == "ByteProperty" || Type == "EnumProperty")
-			{
-				ReadTagName(Package, Cursor, Ignored, "a property's enum");
-			}
-			else if (Type == "ArrayProperty" || Type == "SetProperty")
-			{
-				ReadTagName(Package, Cursor, Property.InnerType, "a property's element type");
-			}
-			else if (Type == "MapProperty")
-			{
-				ReadTagName(Package, Cursor, Property.InnerType, "a map property's key type");
-				ReadTagName(Package, Cursor, Ignored, "a map property's value type");
-			}
+			ReadTagName(Package, Cursor, Ignored, "a struct property's struct");
+			Cursor.Skip(16); // the struct's GUID
+		}
+		else if (Package.NameIs(Type, "BoolProperty"))
+		{
+			std::uint8_t Value = 0;
+			Cursor.ReadUInt8(Value);
+			Property.bBoolValue = Value != 0;
+		}
+		else if (Package.NameIs(Type, "ByteProperty") || Package.NameIs(Type, "EnumProperty"))
+		{
+			ReadTagName(Package, Cursor, Ignored, "a property's enum");
+		}
+		else if (Package.NameIs(Type, "ArrayProperty") || Package.NameIs(Type, "SetProperty"))
+		{
+			ReadTagName(Package, Cursor, Property.InnerType, "a property's element type");
+		}
+		else if (Package.NameIs(Type, "MapProperty"))
+		{
+			ReadTagName(Package, Cursor, Property.InnerType, "a map property's key type");
+			ReadTagName(Package, Cursor, Ignored, "a map property's value type");
 		}
 		std::uint8_t HasPropertyGuid = 0;
 		if (Cursor.ReadUInt8(HasPropertyGuid) && HasPropertyGuid != 0)
@@ -165,7 +179,7 @@ bool ReadObjectProperties(
 		}
 		if (Size < 0 || static_cast<std::size_t>(Size) > Cursor.Remaining())
 		{
-			Cursor.Fail(SizeOffset, "property '" + Property.Name + "' has a size of " + std::to_string(Size) +
+			Cursor.Fail(SizeOffset, "property '" + Package.NameText(Property.Name) + "' has a size of " + std::to_string(Size) +
 				" bytes, past the end of " + DescribeExport(Package, ExportIndex) + " at byte " +
 				std::to_string(Cursor.GetEnd()));
 			return Finish(Cursor, OutError);
@@ -198,12 +212,11 @@ namespace PropertyValues
 	bool ReadObject(const FUnrealPackage& Package, const FTaggedProperty& Property, std::int32_t& Out,
 		FPackageError& OutError)
 	{
-		if (Property.Type != "ObjectProperty")
+		if (!Package.NameIs(Property.Type, "ObjectProperty"))
 		{
-			return WrongType(Property, "an ObjectProperty", OutError);
+			return WrongType(Package, Property, "an ObjectProperty", OutError);
 		}
-		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
-			DescribeValue(Property));
+		FPackageCursor Cursor = ValueCursor(Package, Property);
 		ReadObjectIndex(Package, Cursor, Out);
 		return Finish(Cursor, OutError);
 	}
@@ -211,12 +224,11 @@ namespace PropertyValues
 	bool ReadObjectArray(const FUnrealPackage& Package, const FTaggedProperty& Property,
 		std::vector<std::int32_t>& Out, FPackageError& OutError)
 	{
-		if (Property.Type != "ArrayProperty" || Property.InnerType != "ObjectProperty")
+		if (!Package.NameIs(Property.Type, "ArrayProperty") || !Package.NameIs(Property.InnerType, "ObjectProperty"))
 		{
-			return WrongType(Property, "an ArrayProperty of ObjectProperty", OutError);
+			return WrongType(Package, Property, "an ArrayProperty of ObjectProperty", OutError);
 		}
-		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
-			DescribeValue(Property));
+		FPackageCursor Cursor = ValueCursor(Package, Property);
 		std::size_t Count = 0;
 		Out.clear();
 		if (ReadArrayCount(Cursor, 4, Count))
@@ -232,12 +244,11 @@ namespace PropertyValues
 	bool ReadNameArray(const FUnrealPackage& Package, const FTaggedProperty& Property, std::vector<std::string>& Out,
 		FPackageError& OutError)
 	{
-		if (Property.Type != "ArrayProperty" || Property.InnerType != "NameProperty")
+		if (!Package.NameIs(Property.Type, "ArrayProperty") || !Package.NameIs(Property.InnerType, "NameProperty"))
 		{
-			return WrongType(Property, "an ArrayProperty of NameProperty", OutError);
+			return WrongType(Package, Property, "an ArrayProperty of NameProperty", OutError);
 		}
-		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
-			DescribeValue(Property));
+		FPackageCursor Cursor = ValueCursor(Package, Property);
 		std::size_t Count = 0;
 		Out.clear();
 		if (ReadArrayCount(Cursor, 8, Count))
@@ -253,12 +264,11 @@ namespace PropertyValues
 	bool ReadString(const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out,
 		FPackageError& OutError)
 	{
-		if (Property.Type != "StrProperty")
+		if (!Package.NameIs(Property.Type, "StrProperty"))
 		{
-			return WrongType(Property, "a StrProperty", OutError);
+			return WrongType(Package, Property, "a StrProperty", OutError);
 		}
-		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
-			DescribeValue(Property));
+		FPackageCursor Cursor = ValueCursor(Package, Property);
 		Cursor.ReadString(Out);
 		return Finish(Cursor, OutError);
 	}
@@ -266,12 +276,11 @@ namespace PropertyValues
 	bool ReadSoftObjectPath(const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out,
 		FPackageError& OutError)
 	{
-		if (Property.Type != "SoftObjectProperty")
+		if (!Package.NameIs(Property.Type, "SoftObjectProperty"))
 		{
-			return WrongType(Property, "a SoftObjectProperty", OutError);
+			return WrongType(Package, Property, "a SoftObjectProperty", OutError);
 		}
-		FPackageCursor Cursor(Package.GetBytes(), Property.ValueOffset, Property.ValueOffset + Property.ValueSize,
-			DescribeValue(Property));
+		FPackageCursor Cursor = ValueCursor(Package, Property);
 		std::string SubPath;
 		if (ReadTagName(Package, Cursor, Out, "a soft object path") && Cursor.ReadString(SubPath) && !SubPath.empty())
 		{

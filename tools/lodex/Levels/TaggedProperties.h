@@ -15,10 +15,11 @@
  */
 struct FTaggedProperty
 {
-	std::string Name;
-	std::string Type;
-	/** The element type of an ArrayProperty, SetProperty or MapProperty (the key's, for a map). */
-	std::string InnerType;
+	/** Names of the package's name map (FUnrealPackage::NameText renders them); no text is copied. */
+	FPackageName Name;
+	FPackageName Type;
+	/** The element type of an ArrayProperty, SetProperty or MapProperty (the key's, for a map); None otherwise. */
+	FPackageName InnerType;
 	std::int32_t ArrayIndex = 0;
 	/** Where the tag starts, and its value (after the tag), in the file. */
 	std::size_t TagOffset = 0;
@@ -35,7 +36,7 @@ struct FObjectProperties
 	std::size_t End = 0;
 
 	/** The first property named Name at index 0, or null. */
-	const FTaggedProperty* Find(const std::string& Name) const;
+	const FTaggedProperty* Find(const FUnrealPackage& Package, const char* Name) const;
 };
 
 /**

@@ -144,6 +144,7 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 			Cursor.ReadInt32(Ignored);
 		}
 		ExportCountField = Cursor.Tell();
+		Summary.ExportCountOffset = ExportCountField;
 		Cursor.ReadInt32(Summary.ExportCount);
 		Cursor.ReadInt32(Summary.ExportOffset);
 		ImportCountField = Cursor.Tell();
@@ -289,6 +290,10 @@ bool FUnrealPackage::ReadNames(FPackageCursor& Cursor)
 		if (Name.empty())
 		{
 			return Cursor.Fail(Start, "the name map's entry " + std::to_string(Index) + " is empty");
+		}
+		if (NoneName.Index < 0 && Name == "None")
+		{
+			NoneName.Index = Index;
 		}
 		Names.push_back(std::move(Name));
 	}

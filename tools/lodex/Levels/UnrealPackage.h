@@ -70,6 +70,8 @@ struct FPackageSummary
 	std::int32_t ExportOffset = 0;
 	std::int32_t ImportCount = 0;
 	std::int32_t ImportOffset = 0;
+	/** Where the summary keeps the export count, for messages about the exports as a whole. */
+	std::size_t ExportCountOffset = 0;
 	/** "5.0.3-20979098+++UE5+Release-5.0", empty when the summary does not say. */
 	std::string SavedByEngineVersion;
 };
@@ -101,6 +103,13 @@ public:
 	std::string NameText(const FPackageName& Name) const;
 	/** The name map's entry, without instance number. */
 	const std::string& NameEntry(std::int32_t Index) const { return Names[static_cast<std::size_t>(Index)]; }
+	/** The name "None" (index -1 when the name map lacks it), which ends tagged properties. */
+	FPackageName GetNoneName() const { return NoneName; }
+	/** Whether Name is Text with no instance number. */
+	bool NameIs(const FPackageName& Name, const char* Text) const
+	{
+		return Name.Number == 0 && IsNameIndex(Name.Index) && Names[static_cast<std::size_t>(Name.Index)] == Text;
+	}
 	/** Whether Index is a name map entry; reading a name checks it. */
 	bool IsNameIndex(std::int32_t Index) const { return Index >= 0 && static_cast<std::size_t>(Index) < Names.size(); }
 
@@ -130,6 +139,7 @@ private:
 	bool CheckObjectIndex(FPackageCursor& Cursor, std::size_t Offset, std::int32_t Index, const std::string& What);
 	bool CheckOuterChains(FPackageCursor& Cursor);
 
+	FPackageName NoneName{-1, 0};
 	std::size_t NameCountField = 0;
 	std::size_t ExportCountField = 0;
 	std::size_t ImportCountField = 0;
