@@ -13,9 +13,24 @@
 
 namespace
 {
+	/** A temporary folder, removed with what it holds when the benchmarks end. */
+	struct FBenchFolder
+	{
+		~FBenchFolder()
+		{
+			std::error_code Code;
+			if (!Path.empty())
+			{
+				std::filesystem::remove_all(Path, Code);
+			}
+		}
+		std::string Path;
+	};
+
 	/** Content/Maps/Big.umap in a temporary folder: a row of actors, each attached to the one before it. */
 	const std::string& BigLevelFile(std::size_t Actors)
 	{
+		static FBenchFolder Folder;
 		static std::string File;
 		if (!File.empty())
 		{
@@ -26,6 +41,7 @@ namespace
 		{
 			return File;
 		}
+		Folder.Path = Root;
 		FTestMap Map;
 		Map.PackagePath = "/Game/Maps/Big";
 		Map.Actors.reserve(Actors);

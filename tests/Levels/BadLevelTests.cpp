@@ -280,6 +280,8 @@ namespace
 				"the end of the object's data at byte " + std::to_string(Good.Layout.ExportData[1])},
 			{World + 8, 7, "byte " + std::to_string(World + 8) + ": a boolean in the data of export 0 'Main' holds 7, "
 				"not 0 or 1"},
+			{Good.Layout.ExportEntries[1] + 20, 3, "byte " + std::to_string(Good.Layout.ExportEntries[1] + 16) +
+				": the world's persistent level is named 'PersistentLevel_2', not PersistentLevel"},
 			{Good.Layout.ExportData[2], 4242, "byte " + std::to_string(Good.Layout.ExportData[2]) + ": a property's "
 				"name: name 4242 is not in the name map"},
 		};

@@ -344,6 +344,13 @@ namespace
 				", not a level the world holds";
 			return false;
 		}
+		if (Package.ObjectName(OutLevel) != "PersistentLevel")
+		{
+			OutError.Offset = Package.GetExports()[static_cast<std::size_t>(OutLevel - 1)].Offset + 16;
+			OutError.Reason = "the world's persistent level is named '" + Package.ObjectName(OutLevel) +
+				"', not PersistentLevel";
+			return false;
+		}
 		for (const std::int32_t Level : Streaming)
 		{
 			FObjectProperties Properties;
