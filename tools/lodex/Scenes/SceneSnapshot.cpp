@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string_view>
 #include <unordered_map>
 
 namespace
@@ -218,6 +219,55 @@ bool FSceneSnapshot::ReadObjects(
 		Scene.Objects[Index].Class = ObjectClasses[Index];
 	}
 
+	Out = std::move(Scene);
+	return true;
+}
+
+bool FSceneSnapshot::FromObjects(std::vector<FSceneObject> Objects, const std::vector<FSceneObjectLinks>& Links,
+	FSceneSnapshot& Out, std::string& OutError)
+{
+	FSceneSnapshot Scene;
+	Scene.Objects = std::move(Objects);
+	std::unordered_map<std::string_view, std::size_t> IndexById; // views of the ids, which stay where they are
+	IndexById.reserve(Scene.Objects.size());
+	for (std::size_t Index = 0; Index < Scene.Objects.size(); ++Index)
+	{
+		FSceneObject& Object = Scene.Objects[Index];
+		if (Object.Id.empty())
+		{
+			OutError = DescribeObject(Index, "") + ": the id is empty";
+			return false;
+		}
+		const auto Inserted = IndexById.emplace(Object.Id, Index);
+		if (!Inserted.second)
+		{
+			OutError = DescribeObject(Index, Object.Id) + ": duplicate id, first used by objects[" +
+				std::to_string(Inserted.first->second) + "]";
+			return false;
+		}
+		Object.Outer = nullptr;
+		Object.AttachParent = nullptr;
+		Object.WidgetParent = nullptr;
+		Object.RootWidget = nullptr;
+		Object.Class = nullptr;
+		if (Index >= Links.size())
+		{
+			continue;
+		}
+		const FSceneObjectLinks& Link = Links[Index];
+		for (const std::size_t Target : {Link.Outer, Link.AttachParent})
+		{
+			if (Target != FSceneObjectLinks::NoObject && Target >= Scene.Objects.size())
+			{
+				OutError = DescribeObject(Index, Object.Id) + ": refers to objects[" + std::to_string(Target) +
+					"] of " + std::to_string(Scene.Objects.size());
+				return false;
+			}
+		}
+		Object.Outer = Link.Outer == FSceneObjectLinks::NoObject ? nullptr : &Scene.Objects[Link.Outer];
+		Object.AttachParent =
+			Link.AttachParent == FSceneObjectLinks::NoObject ? nullptr : &Scene.Objects[Link.AttachParent];
+	}
 	Out = std::move(Scene);
 	return true;
 }

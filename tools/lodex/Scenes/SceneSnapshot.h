@@ -25,6 +25,22 @@ struct FSceneObject
 	std::vector<std::string> Tags;
 	/** The object's class; null in files without reflection. */
 	const FSceneClass* Class = nullptr;
+	/** The editor label of an actor read from a level; empty when it has none. */
+	std::string Label;
+	/** The class name as text (`StaticMeshActor`, `BP_Door_C`), for objects read from a level. */
+	std::string ClassName;
+	/** "placed" for every object read from a level; empty in snapshot files. */
+	std::string Origin;
+	/** The package the object was read from (`/Game/Maps/Main`, or an external actor package); empty otherwise. */
+	std::string Package;
+};
+
+/** The references of one object built in code, by index into the same list; NoObject for none. */
+struct FSceneObjectLinks
+{
+	static constexpr std::size_t NoObject = static_cast<std::size_t>(-1);
+	std::size_t Outer = NoObject;
+	std::size_t AttachParent = NoObject;
 };
 
 /**
@@ -48,6 +64,14 @@ public:
 	 */
 	static bool Parse(
 		const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError);
+
+	/**
+	 * A scene made in code from objects and their references (Links[i] for Objects[i]; missing rows mean none).
+	 * The pointer fields of Objects are ignored and set from Links. Fails, with OutError naming the object by
+	 * index and id, on an empty or duplicate id or an index outside the list.
+	 */
+	static bool FromObjects(std::vector<FSceneObject> Objects, const std::vector<FSceneObjectLinks>& Links,
+		FSceneSnapshot& Out, std::string& OutError);
 
 	/** Reads and parses a snapshot file. */
 	static bool LoadFile(const std::string& Path, FSceneSnapshot& Out, std::string& OutError);

@@ -1,0 +1,116 @@
+// Copyright Lodex contributors.
+// Reading levels: a generated level of 100,000 actors with 3 components each, and any real levels named in
+// LODEX_BENCH_LEVELS (paths separated by ':'), each read as `lodex` reads a map.
+#include "Levels/LevelScene.h"
+#include "TestPackageWriter.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+
+namespace
+{
+	/** A temporary folder, removed with what it holds when the benchmarks end. */
+	struct FBenchFolder
+	{
+		~FBenchFolder()
+		{
+			std::error_code Code;
+			if (!Path.empty())
+			{
+				std::filesystem::remove_all(Path, Code);
+			}
+		}
+		std::string Path;
+	};
+
+	/** Content/Maps/Big.umap in a temporary folder: a row of actors, each attached to the one before it. */
+	const std::string& BigLevelFile(std::size_t Actors)
+	{
+		static FBenchFolder Folder;
+		static std::string File;
+		if (!File.empty())
+		{
+			return File;
+		}
+		std::string Root = (std::filesystem::temp_directory_path() / "lodex-bench-XXXXXX").string();
+		if (mkdtemp(Root.data()) == nullptr)
+		{
+			return File;
+		}
+		Folder.Path = Root;
+		FTestMap Map;
+		Map.PackagePath = "/Game/Maps/Big";
+		Map.Actors.reserve(Actors);
+		for (std::size_t Index = 0; Index < Actors; ++Index)
+		{
+			FTestActor Actor;
+			Actor.Name = "StaticMeshActor_" + std::to_string(Index);
+			Actor.Label = "Crate " + std::to_string(Index);
+			Actor.Components = {{"Root", "SceneComponent", Index > 0 ? Map.Actors.back().Name + ".Root" : ""},
+				{"Mesh", "StaticMeshComponent", ""}, {"Light", "PointLightComponent", ""}};
+			Actor.Root = "Root";
+			if (Index % 10 == 0)
+			{
+				Actor.bTags = true;
+				Actor.Tags = {"crate", "row_" + std::to_string(Index / 10)};
+			}
+			Map.Actors.push_back(std::move(Actor));
+		}
+		WriteTestFile(Root + "/Content", "Maps/Big.umap", WriteTestMap(Map));
+		File = Root + "/Content/Maps/Big.umap";
+		return File;
+	}
+
+	void ReadLevel(benchmark::State& State, const std::string& File, std::size_t ExpectedObjects)
+	{
+		std::size_t Objects = 0;
+		for (auto _ : State)
+		{
+			FLevelScene Scene;
+			std::string Error;
+			if (!ReadLevelScene(File, FLevelReadOptions(), Scene, Error))
+			{
+				State.SkipWithError(Error.c_str());
+				return;
+			}
+			Objects = Scene.Scene.GetObjects().size();
+			benchmark::DoNotOptimize(Objects);
+		}
+		if (ExpectedObjects != 0 && Objects != ExpectedObjects)
+		{
+			State.SkipWithError("the level gave another number of objects");
+		}
+		State.counters["objects"] = static_cast<double>(Objects);
+	}
+
+	void BM_ReadGeneratedLevel(benchmark::State& State)
+	{
+		const std::size_t Actors = static_cast<std::size_t>(State.range(0));
+		ReadLevel(State, BigLevelFile(Actors), 1 + Actors * 4);
+	}
+	BENCHMARK(BM_ReadGeneratedLevel)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+	/** One benchmark per file of LODEX_BENCH_LEVELS. */
+	const bool bRealLevelsRegistered = []
+	{
+		const char* List = std::getenv("LODEX_BENCH_LEVELS");
+		std::string Files = List != nullptr ? List : "";
+		for (std::size_t Start = 0; Start < Files.size();)
+		{
+			const std::size_t End = Files.find(':', Start) == std::string::npos ? Files.size() : Files.find(':', Start);
+			const std::string File = Files.substr(Start, End - Start);
+			if (!File.empty())
+			{
+				benchmark::RegisterBenchmark(("BM_ReadLevel/" + std::filesystem::path(File).filename().string()).c_str(),
+					[File](benchmark::State& State) { ReadLevel(State, File, 0); })
+					->Unit(benchmark::kMillisecond);
+			}
+			Start = End + 1;
+		}
+		return true;
+	}();
+}

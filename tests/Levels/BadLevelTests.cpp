@@ -1,0 +1,379 @@
+// Copyright Lodex contributors.
+// Bad input: every way a level file can be wrong gives one line naming the file and the byte offset, never a crash
+// or a read outside the file.
+#include "Levels/LevelScene.h"
+#include "TempDir.h"
+#include "TestPackageWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace
+{
+	const char* const Versions =
+		"package file versions UE4 522 and UE5 1000 to 1004 (legacy version -8), as Unreal Engine 5.0 saves them";
+
+	/** A small valid map: two actors, one with a component attached to the other's, and a sub-level. */
+	FTestMap SmallMap()
+	{
+		FTestMap Map;
+		FTestActor Base;
+		Base.Name = "Base";
+		Base.Components = {{"Root", "SceneComponent"}};
+		Base.Root = "Root";
+		Base.Label = "Base";
+		Base.bTags = true;
+		Base.Tags = {"anchor"};
+		FTestActor Cube;
+		Cube.Name = "Cube_2";
+		Cube.Components = {{"Mesh", "StaticMeshComponent", "Base.Root"}};
+		Cube.Root = "Mesh";
+		Map.Actors = {Base, Cube};
+		Map.SubLevels = {"/Game/Maps/Sub"};
+		return Map;
+	}
+
+	std::string ReadError(const std::string& Bytes)
+	{
+		FLevelScene Scene;
+		std::string Error;
+		EXPECT_FALSE(ReadLevelSceneBytes(Bytes, "level.umap", "/Game/Maps/Main", Scene, Error)) << "read without error";
+		return Error;
+	}
+
+	void PatchInt32(std::string& Bytes, std::size_t Offset, std::int32_t Value)
+	{
+		FTestBytes Patch;
+		Patch.Text = Bytes;
+		Patch.PatchInt32(Offset, Value);
+		Bytes = Patch.Text;
+	}
+
+	/** The map's bytes with a change, and the layout of the unchanged map. */
+	struct FBadMap
+	{
+		std::string Bytes;
+		FTestPackage::FLayout Layout;
+	};
+
+	FBadMap Build(const FTestMap& Map, const std::function<void(FTestPackage&)>& Setup = nullptr)
+	{
+		FTestPackage Package(Map.PackagePath);
+		if (Setup)
+		{
+			Setup(Package);
+		}
+		FBadMap Made;
+		Made.Bytes = WriteTestMap(Map, &Package);
+		Made.Layout = Package.Layout;
+		return Made;
+	}
+
+	TEST(BadLevel, AnotherFileKindOrByteOrderIsNoPackage)
+	{
+		const struct
+		{
+			std::string Bytes, Error;
+		} Rows[] = {
+			{"", "level.umap: byte 0: not an Unreal package: it starts with nothing (the file is empty), not the package "
+				"tag C1 83 2A 9E"},
+			{"{\"objects\": []}", "level.umap: byte 0: not an Unreal package: it starts with 7B 22 6F 62, not the package "
+				"tag C1 83 2A 9E"},
+			{"\xC1\x83", "level.umap: byte 0: not an Unreal package: it starts with C1 83, not the package tag C1 83 2A 9E"},
+			{std::string("\x9E\x2A\x83\xC1\0\0\0\0", 8), "level.umap: byte 0: a byte-swapped (big-endian) package; Lodex "
+				"reads the editor's little-endian packages"},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(ReadError(Row.Bytes), Row.Error);
+		}
+	}
+
+	TEST(BadLevel, AnotherEngineVersionSaysWhichSavedItAndWhichLodexReads)
+	{
+		const struct
+		{
+			std::function<void(FTestPackage&)> Setup;
+			std::string Error;
+		} Rows[] = {
+			{[](FTestPackage& P) { P.LegacyFileVersion = -7; P.EngineMajor = 4; P.EngineMinor = 27; P.EnginePatch = 2;
+				P.EngineBranch = "++UE4+Release-4.27"; },
+				"level.umap: byte 12: saved by Unreal Engine 4.27.2-20979098+++UE4+Release-4.27 (package file version "
+				"UE4 522, legacy version -7); Lodex reads " + std::string(Versions)},
+			{[](FTestPackage& P) { P.FileVersionUE5 = 1008; P.EngineMinor = 2; },
+				"level.umap: byte 12: saved with package file version UE4 522 and UE5 1008, legacy version -8; Lodex "
+				"reads " + std::string(Versions)},
+			{[](FTestPackage& P) { P.FileVersionUE4 = 517; P.FileVersionUE5 = 0; P.LegacyFileVersion = -7;
+				P.EngineMajor = 4; P.EngineMinor = 24; P.EnginePatch = 0; P.EngineBranch = ""; },
+				"level.umap: byte 12: saved by Unreal Engine 4.24.0-20979098 (package file version UE4 517, legacy "
+				"version -7); Lodex reads " + std::string(Versions)},
+			{[](FTestPackage& P) { P.LegacyFileVersion = -9; },
+				"level.umap: byte 4: saved by an engine newer than 5.0 (legacy file version -9); Lodex reads " +
+				std::string(Versions)},
+			{[](FTestPackage& P) { P.LegacyFileVersion = 864; },
+				"level.umap: byte 4: saved by Unreal Engine 3 or older (legacy file version 864); Lodex reads " +
+				std::string(Versions)},
+			{[](FTestPackage& P) { P.FileVersionUE4 = 0; P.FileVersionUE5 = 0; },
+				"level.umap: byte 12: an unversioned package (cooked for a game); Lodex reads uncooked packages saved by "
+				"the editor, with their versions: " + std::string(Versions)},
+			{[](FTestPackage& P) { P.PackageFlags = 0x80000200u; },
+				"level.umap: byte 61: a cooked package (package flags 0x80000200); Lodex reads the editor's uncooked "
+				"packages, as they sit in a project's Content folder"},
+			{[](FTestPackage& P) { P.PackageFlags = 0x00002000u; },
+				"level.umap: byte 61: a cooked package (package flags 0x00002000); Lodex reads the editor's uncooked "
+				"packages, as they sit in a project's Content folder"},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(ReadError(Build(SmallMap(), Row.Setup).Bytes), Row.Error);
+		}
+		// Every 5.0 version reads; the UE5 versions before 1003 have shorter import and export entries.
+		for (const std::int32_t UE5 : {1000, 1001, 1002, 1003, 1004})
+		{
+			FLevelScene Scene;
+			std::string Error;
+			EXPECT_TRUE(ReadLevelSceneBytes(Build(SmallMap(), [UE5](FTestPackage& P) { P.FileVersionUE5 = UE5; }).Bytes,
+				"level.umap", "/Game/Maps/Main", Scene, Error)) << UE5 << ": " << Error;
+			EXPECT_EQ(Scene.Scene.GetObjects().size(), 5u) << UE5;
+		}
+	}
+
+	TEST(BadLevel, CountsAndOffsetsPastTheFileAndIndicesOutsideTheTablesAreErrors)
+	{
+		const FBadMap Good = Build(SmallMap());
+		const FTestPackage::FLayout& At = Good.Layout;
+		const std::string Size = std::to_string(Good.Bytes.size());
+		const std::size_t Export0 = At.ExportEntries[0];
+		const struct
+		{
+			std::function<void(std::string&)> Mutate;
+			std::string Error;
+		} Rows[] = {
+			{[&](std::string& B) { PatchInt32(B, At.NameCountField, 1000000); },
+				"level.umap: byte " + std::to_string(At.NameCountField) + ": the name map's count 1000000 does not fit "
+				"in the file: 8 bytes or more each from byte " + std::to_string(At.NameOffset) + ", in " + Size + " bytes"},
+			{[&](std::string& B) { PatchInt32(B, At.ImportCountField, -1); },
+				"level.umap: byte " + std::to_string(At.ImportCountField) + ": the import map's count is negative (-1)"},
+			{[&](std::string& B) { PatchInt32(B, At.ExportCountField + 4, 0x7FFFFFFF); },
+				"level.umap: byte " + std::to_string(At.ExportCountField + 4) + ": the export map's offset 2147483647 is "
+				"outside the file (" + Size + " bytes)"},
+			{[&](std::string& B) { PatchInt32(B, At.NameOffset, 5000); },
+				"level.umap: byte " + std::to_string(At.NameOffset) + ": the name map's entry 0 has a length of 5000 "
+				"(a name holds 1 to 1024 characters with its NUL)"},
+			{[&](std::string& B) { PatchInt32(B, At.ImportOffset, 9999); },
+				"level.umap: byte " + std::to_string(At.ImportOffset) + ": an import's class package: name 9999 is not in "
+				"the name map (37 names)"},
+			{[&](std::string& B) { PatchInt32(B, Export0 + 12, 500); },
+				"level.umap: byte " + std::to_string(Export0 + 12) + ": export 0's outer is export 499, outside the export "
+				"map (7 exports)"},
+			{[&](std::string& B) { PatchInt32(B, Export0 + 0, -400); },
+				"level.umap: byte " + std::to_string(Export0) + ": export 0's class is import 399, outside the import map "
+				"(7 imports)"},
+			{[&](std::string& B) { PatchInt32(B, Export0 + 12, 2); },
+				"level.umap: byte " + std::to_string(Export0 + 12) + ": the outer chain of export 0 'Main' loops back to it"},
+			{[&](std::string& B) { PatchInt32(B, Export0 + 36, 99999999); },
+				"level.umap: byte " + std::to_string(Export0 + 28) + ": export 0 'Main': its data (" +
+				std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte 99999999) lies outside the file (" +
+				Size + " bytes)"},
+			{[&](std::string& B) { B.resize(At.ExportData[0] + 3); },
+				"level.umap: byte " + std::to_string(At.ExportEntries[0] + 28) + ": export 0 'Main': its data (" +
+				std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte " + std::to_string(At.ExportData[0]) +
+				") lies outside the file (" + std::to_string(At.ExportData[0] + 3) + " bytes)"},
+		};
+		for (const auto& Row : Rows)
+		{
+			std::string Bytes = Good.Bytes;
+			Row.Mutate(Bytes);
+			EXPECT_EQ(ReadError(Bytes), Row.Error);
+		}
+	}
+}
+
+namespace
+{
+	std::string Int32Bytes(std::int32_t Value)
+	{
+		FTestBytes Bytes;
+		Bytes.Int32(Value);
+		return Bytes.Text;
+	}
+
+	/** A map of one actor 'Cube' (export 2, the last) whose data starts with the given properties. */
+	FBadMap OneActor(const std::function<void(FTestPackage::FData&)>& First)
+	{
+		FTestMap Map;
+		FTestActor Cube;
+		Cube.Name = "Cube";
+		Cube.FirstProperties = First;
+		Map.Actors = {Cube};
+		return Build(Map);
+	}
+
+	TEST(BadLevel, ObjectDataThatRunsPastItsObjectOrHoldsWhatCannotBeIsAnError)
+	{
+		using FData = FTestPackage::FData;
+		const struct
+		{
+			std::function<void(FData&)> First;
+			std::function<std::string(const FBadMap&)> Error;
+		} Rows[] = {
+			{[](FData& D) { D.Raw("Big", "IntProperty", "", 100000); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 16) + ": property 'Big' "
+					"has a size of 100000 bytes, past the end of the data of export 2 'Cube' at byte " +
+					std::to_string(M.Bytes.size()); }},
+			{[](FData& D) { D.String("Tags", "door"); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2]) + ": property 'Tags' is a "
+					"StrProperty; Lodex reads it as an ArrayProperty of NameProperty"; }},
+			{[](FData& D) { D.Raw("Tags", "ArrayProperty", Int32Bytes(1000), 4, "NameProperty"); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 33) + ": an array count "
+					"of 1000 does not fit in its 0 bytes"; }},
+			{[](FData& D) { D.Raw("Tags", "ArrayProperty", Int32Bytes(1) + Int32Bytes(4242) + Int32Bytes(0), 12,
+				"NameProperty"); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 37) + ": a name: name "
+					"4242 is not in the name map"; }},
+			{[](FData& D) { D.Object("RootComponent", 77); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 25) + ": an object "
+					"reference (77) outside the import map (4 imports) and the export map (3 exports)"; }},
+			{[](FData& D) { D.Raw("RootComponent", "ObjectProperty", "", 0); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 25) + ": a value runs past "
+					"the end of the value of property 'RootComponent' at byte " +
+					std::to_string(M.Layout.ExportData[2] + 25); }},
+			{[](FData& D) { D.String("ActorLabel", "Front\ndoor"); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 25) + ": the label of "
+					"actor 'Cube' holds the control character U+000A"; }},
+			{[](FData& D) { D.Raw("ActorLabel", "StrProperty", Int32Bytes(-40) + "ab", 6); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 25) + ": a text in the "
+					"value of property 'ActorLabel' of 40 characters runs past the end of the value of property "
+					"'ActorLabel' at byte " + std::to_string(M.Layout.ExportData[2] + 31); }},
+			{[](FData& D) { D.WithoutEnd(); },
+				[](const FBadMap& M) { return "byte " + std::to_string(M.Bytes.size()) + ": the file ends at byte " +
+					std::to_string(M.Bytes.size()) + ", inside the data of export 2 'Cube'"; }},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FBadMap Map = OneActor(Row.First);
+			EXPECT_EQ(ReadError(Map.Bytes), "level.umap: " + Row.Error(Map));
+		}
+	}
+
+	TEST(BadLevel, TheWorldAndTheLevelsOwnDataAreChecked)
+	{
+		const FBadMap Good = OneActor(nullptr);
+		const std::size_t World = Good.Layout.ExportData[0];
+		const std::size_t Count = Good.Layout.ExportData[2] - 8 - 4 - 4; // before one entry and the level's tail
+		const struct
+		{
+			std::size_t Offset;
+			std::int32_t Value;
+			std::string Error;
+		} Rows[] = {
+			{Count, 5000, "byte " + std::to_string(Count) + ": the level's Actors has a count of 5000, past the end of "
+				"the object's data at byte " + std::to_string(Good.Layout.ExportData[2])},
+			{Count + 4, 99, "byte " + std::to_string(Count + 4) + ": the level's Actors[0] is object 99, which the "
+				"package does not list"},
+			{World + 12, 1, "byte " + std::to_string(World + 12) + ": the world's persistent level is object 1, not a "
+				"level the world holds"},
+			{World + 20, 3, "byte " + std::to_string(World + 20) + ": the world's StreamingLevels has a count of 3, past "
+				"the end of the object's data at byte " + std::to_string(Good.Layout.ExportData[1])},
+			{World + 8, 7, "byte " + std::to_string(World + 8) + ": a boolean in the data of export 0 'Main' holds 7, "
+				"not 0 or 1"},
+			{Good.Layout.ExportEntries[1] + 20, 3, "byte " + std::to_string(Good.Layout.ExportEntries[1] + 16) +
+				": the world's persistent level is named 'PersistentLevel_2', not PersistentLevel"},
+			{Good.Layout.ExportData[2], 4242, "byte " + std::to_string(Good.Layout.ExportData[2]) + ": a property's "
+				"name: name 4242 is not in the name map"},
+		};
+		for (const auto& Row : Rows)
+		{
+			std::string Bytes = Good.Bytes;
+			PatchInt32(Bytes, Row.Offset, Row.Value);
+			EXPECT_EQ(ReadError(Bytes), "level.umap: " + Row.Error);
+		}
+	}
+
+	TEST(BadLevel, APackageThatHoldsNoLevelSaysWhatItHolds)
+	{
+		const FBadMap Good = OneActor(nullptr);
+		const std::string Blueprint =
+			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door"});
+		const std::string ExportOffset = std::to_string(
+			static_cast<unsigned char>(Blueprint[Good.Layout.ExportCountField + 4]) +
+			256 * static_cast<unsigned char>(Blueprint[Good.Layout.ExportCountField + 5]));
+		EXPECT_EQ(ReadError(Blueprint), "level.umap: byte " + ExportOffset + ": not a level: the package holds no World "
+			"but BP_Door_C (BlueprintGeneratedClass), Default__BP_Door_C (BP_Door_C)");
+		EXPECT_EQ(ReadError(WriteTestRedirector("/Game/Maps/Main", "/Game/Maps/Other")),
+			"level.umap: a redirector to /Game/Maps/Other.Other, not a level");
+	}
+
+	/** An error is one line naming the file and a byte inside it (or just past its end). */
+	void ExpectOneLineInside(const std::string& Error, std::size_t Size, const std::string& Context)
+	{
+		const std::string Prefix = "level.umap: byte ";
+		ASSERT_EQ(Error.compare(0, Prefix.size(), Prefix), 0) << Context << ": " << Error;
+		EXPECT_LE(std::stoull(Error.substr(Prefix.size())), Size) << Context << ": " << Error;
+		EXPECT_EQ(Error.find_first_of("\r\n"), std::string::npos) << Context << ": " << Error;
+	}
+
+	TEST(BadLevel, EveryTruncationAndEveryFlippedByteGivesOneLineNamingAByteOfTheFile)
+	{
+		const std::string Good = Build(SmallMap()).Bytes;
+		for (std::size_t Length = 0; Length < Good.size(); ++Length)
+		{
+			ExpectOneLineInside(ReadError(Good.substr(0, Length)), Length, "cut at " + std::to_string(Length));
+		}
+		for (std::size_t Index = 0; Index < Good.size(); ++Index)
+		{
+			std::string Bytes = Good;
+			Bytes[Index] = static_cast<char>(Bytes[Index] ^ 0x5A);
+			FLevelScene Scene;
+			std::string Error;
+			if (!ReadLevelSceneBytes(Bytes, "level.umap", "/Game/Maps/Main", Scene, Error))
+			{
+				ExpectOneLineInside(Error, Bytes.size(), "byte " + std::to_string(Index) + " flipped");
+			}
+		}
+	}
+
+	TEST(BadLevel, AnErrorNamesTheFileItIsIn)
+	{
+		FTempDir Temp;
+		const std::string Content = Temp.Path + "/Content/";
+		const FBadMap Good = OneActor(nullptr);
+		std::string Truncated = Good.Bytes.substr(0, 40);
+		FLevelScene Scene;
+		std::string Error;
+		EXPECT_FALSE(ReadLevelScene(Content + "Maps/Main.umap", FLevelReadOptions(), Scene, Error));
+		EXPECT_EQ(Error, Content + "Maps/Main.umap: cannot open the file");
+		WriteTestFile(Content, "Maps/Main.umap/x", "");
+		EXPECT_FALSE(ReadLevelScene(Content + "Maps/Main.umap", FLevelReadOptions(), Scene, Error));
+		EXPECT_EQ(Error, Content + "Maps/Main.umap: is a folder, not a level file");
+
+		const std::string Cut = ": byte 24: the count of custom versions 1 does not fit in the file (40 bytes)";
+		FTestMap Map;
+		FTestActor Door;
+		Door.Name = "Door";
+		Door.Class = "/Game/BP/BP_Door.BP_Door_C";
+		Map.Actors = {Door};
+		Map.SubLevels = {"/Game/Maps/Sub"};
+		const struct
+		{
+			std::string File;
+		} Rows[] = {{"Maps/Sub.umap"}, {"__ExternalActors__/Maps/Level/0/AB/CD.uasset"}, {"BP/BP_Door.uasset"},
+			{"Maps/Level.umap"}};
+		for (const auto& Row : Rows)
+		{
+			FTempDir Project;
+			const std::string Root = Project.Path + "/Content/";
+			Map.PackagePath = "/Game/Maps/Level";
+			WriteTestFile(Root, "Maps/Level.umap", WriteTestMap(Map));
+			WriteTestFile(Root, "Maps/Sub.umap", OneActor(nullptr).Bytes);
+			WriteTestFile(Root, "BP/BP_Door.uasset",
+				WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", false, {}));
+			WriteTestFile(Root, Row.File, Truncated);
+			EXPECT_FALSE(ReadLevelScene(Root + "Maps/Level.umap", FLevelReadOptions(), Scene, Error));
+			EXPECT_EQ(Error, Root + Row.File + Cut);
+		}
+	}
+}

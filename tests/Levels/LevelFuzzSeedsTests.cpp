@@ -1,0 +1,74 @@
+// Copyright Lodex contributors.
+// The level_package fuzz target's seeds are maps the test package writer makes. They are kept as files so the
+// fuzzer can start from them; LODEX_WRITE_FUZZ_SEEDS=1 writes them again after a change to the writer.
+#include "TempDir.h"
+#include "TestPackageWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+	struct FSeed
+	{
+		std::string Name;
+		std::string Bytes;
+	};
+
+	std::vector<FSeed> MakeSeeds()
+	{
+		FTestMap Map;
+		FTestActor Base;
+		Base.Name = "Base_3";
+		Base.Components = {{"Root", "SceneComponent"}, {"Mesh"}};
+		Base.Root = "Root";
+		Base.Label = "T\u00fcr";
+		Base.bTags = true;
+		Base.Tags = {"anchor", "red_1"};
+		Base.InstanceComponents = {"Mesh"};
+		FTestActor Child;
+		Child.Name = "BP_Door_C_0";
+		Child.Class = "/Game/BP/BP_Door.BP_Door_C";
+		Child.Components = {{"Root", "SceneComponent", "Base_3.Mesh"}};
+		Child.Root = "Root";
+		Map.Actors = {Base, Child};
+		Map.SubLevels = {"/Game/Maps/Sub"};
+		Map.ImportedActors = {"/Game/Maps/Main.Main:PersistentLevel.External_UAID_1"};
+		Map.bNullActor = true;
+
+		FTestMap Early = Map;
+		FTestPackage EarlyPackage(Early.PackagePath);
+		EarlyPackage.FileVersionUE5 = 1000;
+
+		FTestActor External;
+		External.Name = "Cube_UAID_0A";
+		External.Components = {{"StaticMeshComponent0", "StaticMeshComponent", "/Game/Maps/Main.Main:PersistentLevel.Base_3.Root"}};
+		External.Root = "StaticMeshComponent0";
+		return {
+			{"level.umap", WriteTestMap(Map)},
+			{"level-ue5-1000.umap", WriteTestMap(Early, &EarlyPackage)},
+			{"redirector.umap", WriteTestRedirector("/Game/Maps/Old", "/Game/Maps/Main")},
+			{"external-actor.uasset",
+				WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/0/AB/CD", External)},
+			{"blueprint.uasset", WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door"})},
+		};
+	}
+
+	TEST(LevelFuzzSeeds, AreTheMapsTheWriterMakes)
+	{
+		const std::string Folder = std::string(LODEX_SOURCE_DIR) + "/fuzz/corpus/level_package/";
+		const char* Write = std::getenv("LODEX_WRITE_FUZZ_SEEDS");
+		for (const FSeed& Seed : MakeSeeds())
+		{
+			if (Write != nullptr && std::string(Write) == "1")
+			{
+				std::ofstream(Folder + Seed.Name, std::ios::binary) << Seed.Bytes;
+			}
+			EXPECT_TRUE(FTempDir::Read(Folder + Seed.Name) == Seed.Bytes) << Seed.Name << " differs from the writer's";
+		}
+	}
+}

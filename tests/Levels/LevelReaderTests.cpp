@@ -1,0 +1,459 @@
+// Copyright Lodex contributors.
+// What a level file gives as a scene: names, classes, labels, tags, components, attach parents, and the files a
+// level is made of (external actors, sub-levels, redirectors, Blueprint classes), each read from packages laid out
+// in a temporary Content folder by the test package writer.
+#include "Levels/LevelScene.h"
+#include "TempDir.h"
+#include "TestPackageWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+	/** A project's Content folder in a temporary folder, and the level read from it. */
+	class LevelReader : public ::testing::Test
+	{
+	protected:
+		void Write(const std::string& RelativePath, const std::string& Bytes)
+		{
+			WriteTestFile(Temp.Path + "/Content", RelativePath, Bytes);
+		}
+
+		std::string ContentFile(const std::string& RelativePath) const { return Temp.Path + "/Content/" + RelativePath; }
+
+		/** Reads Content/Maps/Main.umap; fails the test on an error. */
+		const FLevelScene& Read(const FLevelReadOptions& Options = FLevelReadOptions())
+		{
+			std::string Error;
+			EXPECT_TRUE(ReadLevelScene(ContentFile("Maps/Main.umap"), Options, Scene, Error)) << Error;
+			return Scene;
+		}
+
+		std::string ReadError(const std::string& RelativePath)
+		{
+			std::string Error;
+			EXPECT_FALSE(ReadLevelScene(ContentFile(RelativePath), FLevelReadOptions(), Scene, Error));
+			return Error;
+		}
+
+		const FSceneObject& Object(const std::string& Id) const
+		{
+			for (const FSceneObject& Candidate : Scene.Scene.GetObjects())
+			{
+				if (Candidate.Id == Id)
+				{
+					return Candidate;
+				}
+			}
+			ADD_FAILURE() << "no object " << Id;
+			static const FSceneObject None;
+			return None;
+		}
+
+		/** Each object as "kind id", in the scene's order. */
+		std::vector<std::string> Listing() const
+		{
+			std::vector<std::string> Lines;
+			for (const FSceneObject& Object : Scene.Scene.GetObjects())
+			{
+				Lines.push_back(Object.Kind + " " + Object.Id);
+			}
+			return Lines;
+		}
+
+		FTempDir Temp;
+		FLevelScene Scene;
+	};
+
+	const std::string Level = "/Game/Maps/Main.Main:PersistentLevel";
+
+	FTestActor Actor(const std::string& Name, std::vector<FTestComponent> Components = {}, const std::string& Root = "")
+	{
+		FTestActor Made;
+		Made.Name = Name;
+		Made.Components = std::move(Components);
+		Made.Root = Root;
+		return Made;
+	}
+
+	TEST_F(LevelReader, NamesAreRenderedFromTheStoredNumberMinusOne)
+	{
+		const struct
+		{
+			std::string Name;
+		} Rows[] = {{"StaticMeshActor_193"}, {"Cube"}, {"BP_barrel_C_41"}, {"Lamp_0"}, {"Wall_07"}, {"Tür_2"}};
+		FTestMap Map;
+		for (const auto& Row : Rows)
+		{
+			Map.Actors.push_back(Actor(Row.Name));
+		}
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(Object(Level + "." + Row.Name).Name, Row.Name);
+		}
+	}
+
+	TEST_F(LevelReader, ActorsComeInTheActorsArraysOrderEachFollowedByItsComponents)
+	{
+		FTestMap Map;
+		Map.Actors = {Actor("A", {{"Root"}}, "Root"), Actor("B"), Actor("C", {{"Mesh"}, {"Light", "PointLightComponent"}})};
+		Map.Actors.push_back(Actor("Unlisted"));
+		Map.Actors.back().bListed = false;
+		Map.Order = {2, 0, 1, 3};
+		Map.bNullActor = true;
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		EXPECT_EQ(Listing(), (std::vector<std::string>{
+			"other " + Level,
+			"actor " + Level + ".C",
+			"component " + Level + ".C.Mesh",
+			"component " + Level + ".C.Light",
+			"actor " + Level + ".A",
+			"component " + Level + ".A.Root",
+			"actor " + Level + ".B",
+		}));
+		const FSceneObject& Light = Object(Level + ".C.Light");
+		EXPECT_EQ(Light.Outer, &Object(Level + ".C"));
+		EXPECT_EQ(Light.ClassName, "PointLightComponent");
+		EXPECT_FALSE(Light.bHasTags);
+		EXPECT_EQ(Object(Level + ".C").Outer, &Object(Level));
+		EXPECT_EQ(Object(Level).Name, "PersistentLevel");
+	}
+
+	TEST_F(LevelReader, EveryObjectIsPlacedAndSaysItsPackage)
+	{
+		FTestMap Map;
+		Map.Actors = {Actor("A", {{"Root"}}, "Root")};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		ASSERT_EQ(Scene.Scene.GetObjects().size(), 3u);
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			EXPECT_EQ(Object.Origin, "placed") << Object.Id;
+			EXPECT_EQ(Object.Package, "/Game/Maps/Main") << Object.Id;
+		}
+		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Maps/Main.umap")});
+		EXPECT_TRUE(Scene.Notes.empty());
+	}
+
+	TEST_F(LevelReader, ClassLabelAndTagsAreThoseTheLevelSaves)
+	{
+		FTestMap Map;
+		FTestActor Plain = Actor("Plain");
+		FTestActor Labelled = Actor("Labelled");
+		Labelled.Label = "Front door";
+		Labelled.bTags = true;
+		Labelled.Tags = {"locked", "red_2"};
+		FTestActor Wide = Actor("Wide");
+		Wide.Class = "PointLight";
+		Wide.Label = "T\u00fcr \u7528\u6237 \U0001F600";
+		Wide.bTags = true;
+		Wide.Tags = {};
+		Map.Actors = {Plain, Labelled, Wide};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		const struct
+		{
+			std::string Name, ClassName, Label;
+			std::vector<std::string> Tags;
+		} Rows[] = {
+			{"Plain", "StaticMeshActor", "", {}},
+			{"Labelled", "StaticMeshActor", "Front door", {"locked", "red_2"}},
+			{"Wide", "PointLight", "T\u00fcr \u7528\u6237 \U0001F600", {}},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FSceneObject& Read = Object(Level + "." + Row.Name);
+			EXPECT_EQ(Read.Kind, "actor");
+			EXPECT_EQ(Read.ClassName, Row.ClassName) << Row.Name;
+			EXPECT_EQ(Read.Label, Row.Label) << Row.Name;
+			EXPECT_TRUE(Read.bHasTags) << Row.Name;
+			EXPECT_EQ(Read.Tags, Row.Tags) << Row.Name;
+		}
+	}
+
+	TEST_F(LevelReader, ComponentsAreTheActorsSubobjectsOfComponentClassesOrThoseItLists)
+	{
+		FTestMap Map;
+		FTestActor Mixed = Actor("Mixed", {{"Mesh"}, {"Brush", "Model"}, {"Glow", "BP_Glow_C"}, {"Spare", "BP_Glow_C"},
+			{"Custom", "BP_Thing_C"}}, "Custom");
+		Mixed.InstanceComponents = {"Glow"};
+		Map.Actors = {Mixed};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		EXPECT_EQ(Listing(), (std::vector<std::string>{
+			"other " + Level,
+			"actor " + Level + ".Mixed",
+			"component " + Level + ".Mixed.Mesh",
+			"component " + Level + ".Mixed.Glow",
+			"component " + Level + ".Mixed.Custom",
+		}));
+	}
+
+	TEST_F(LevelReader, AnActorsAttachParentIsTheOwnerOfTheComponentItsRootIsAttachedTo)
+	{
+		FTestMap Map;
+		Map.Actors = {
+			Actor("Base", {{"Root"}, {"Socket"}}, "Root"),
+			// The root attaches to the base's component: the base is the parent.
+			Actor("Child", {{"Root", "SceneComponent", "Base.Socket"}, {"Mesh", "StaticMeshComponent", "Child.Root"}}, "Root"),
+			// A component other than the root attaches elsewhere: not the actor's attachment.
+			Actor("Loose", {{"Root"}, {"Arm", "SceneComponent", "Base.Root"}}, "Root"),
+			// No root saved: the component attached outside the actor is its root.
+			Actor("Rootless", {{"Mesh", "StaticMeshComponent", "Rootless.Pivot"}, {"Pivot", "SceneComponent", "Child.Mesh"}}),
+			// Attached to its own component: no parent.
+			Actor("Self", {{"Root", "SceneComponent", "Self.Root"}}, "Root"),
+		};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		const struct
+		{
+			std::string Actor, Parent;
+		} Rows[] = {{"Base", ""}, {"Child", "Base"}, {"Loose", ""}, {"Rootless", "Child"}, {"Self", ""}};
+		for (const auto& Row : Rows)
+		{
+			const FSceneObject* Parent = Object(Level + "." + Row.Actor).AttachParent;
+			EXPECT_EQ(Parent != nullptr ? Parent->Name : "", Row.Parent) << Row.Actor;
+		}
+	}
+
+	TEST_F(LevelReader, AnAttachParentOutsideTheObjectsReadIsLeftOutWithANote)
+	{
+		FTestMap Map;
+		Map.Actors = {Actor("Child", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root")};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		EXPECT_EQ(Object(Level + ".Child").AttachParent, nullptr);
+		EXPECT_EQ(Scene.Notes, std::vector<std::string>{"/Game/Maps/Main: actor 'Child' is attached to "
+			"'/Game/Maps/Other.Other:PersistentLevel.Far.Root', which is not among the objects read; it is shown "
+			"unattached"});
+	}
+
+	TEST_F(LevelReader, WorldPartitionActorsAreReadFromTheirPackagesAfterTheLevelsOwnAndAttachAcrossThem)
+	{
+		FTestMap Map;
+		Map.Actors = {Actor("WorldSettings")};
+		Map.ImportedActors = {Level + ".Kept"};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		const std::string Folder = "__ExternalActors__/Maps/Main/";
+		FTestActor Base = Actor("Base_UAID_01", {{"Root", "SceneComponent"}}, "Root");
+		FTestActor Cube = Actor("Cube_UAID_02", {{"Root", "SceneComponent", Level + ".Base_UAID_01.Root"}}, "Root");
+		Cube.Label = "Cube";
+		Write(Folder + "B/AA/Second.uasset",
+			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/B/AA/Second", Cube));
+		Write(Folder + "A/ZZ/First.uasset",
+			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", Base));
+		// An actor package of another map in the same folder tree is left out.
+		Write(Folder + "C/00/Stray.uasset",
+			WriteTestExternalActor("/Game/Maps/Other", "/Game/__ExternalActors__/Maps/Main/C/00/Stray", Actor("Stray")));
+		Write(Folder + "C/00/notes.txt", "not a package");
+		Read();
+		EXPECT_EQ(Listing(), (std::vector<std::string>{
+			"other " + Level,
+			"actor " + Level + ".WorldSettings",
+			"actor " + Level + ".Base_UAID_01",
+			"component " + Level + ".Base_UAID_01.Root",
+			"actor " + Level + ".Cube_UAID_02",
+			"component " + Level + ".Cube_UAID_02.Root",
+		}));
+		EXPECT_EQ(Scene.ExternalActorCount, 2u);
+		EXPECT_EQ(Object(Level + ".Cube_UAID_02").AttachParent, &Object(Level + ".Base_UAID_01"));
+		EXPECT_EQ(Object(Level + ".Cube_UAID_02").Label, "Cube");
+		EXPECT_EQ(Object(Level + ".Cube_UAID_02").Package, "/Game/__ExternalActors__/Maps/Main/B/AA/Second");
+		EXPECT_EQ(Object(Level + ".Cube_UAID_02.Root").Package, "/Game/__ExternalActors__/Maps/Main/B/AA/Second");
+		EXPECT_EQ(Scene.Notes, std::vector<std::string>{ContentFile(Folder + "C/00/Stray.uasset") +
+			": an actor of /Game/Maps/Other.Other:PersistentLevel, not of " + Level + "; left out"});
+	}
+
+	TEST_F(LevelReader, SubLevelsUnderTheSameContentAreReadAfterTheLevelWithTheirOwnIds)
+	{
+		FTestMap Map;
+		Map.Actors = {Actor("DirectionalLight_0")};
+		Map.SubLevels = {"/Game/Maps/Sub", "/Game/Maps/Missing", "/Game/Maps/Sub", "/Plugin/Maps/Elsewhere"};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		FTestMap Sub;
+		Sub.PackagePath = "/Game/Maps/Sub";
+		Sub.Actors = {Actor("DirectionalLight_0", {{"Root"}}, "Root")};
+		Sub.SubLevels = {"/Game/Maps/Main", "/Game/Maps/Deeper"};
+		Write("Maps/Sub.umap", WriteTestMap(Sub));
+		FTestMap Deeper;
+		Deeper.PackagePath = "/Game/Maps/Deeper";
+		Deeper.Actors = {Actor("Rock")};
+		Write("Maps/Deeper.umap", WriteTestMap(Deeper));
+		Read();
+		const std::string SubLevel = "/Game/Maps/Sub.Sub:PersistentLevel";
+		EXPECT_EQ(Listing(), (std::vector<std::string>{
+			"other " + Level,
+			"actor " + Level + ".DirectionalLight_0",
+			"other " + SubLevel,
+			"actor " + SubLevel + ".DirectionalLight_0",
+			"component " + SubLevel + ".DirectionalLight_0.Root",
+			"other /Game/Maps/Deeper.Deeper:PersistentLevel",
+			"actor /Game/Maps/Deeper.Deeper:PersistentLevel.Rock",
+		}));
+		EXPECT_EQ(Object(SubLevel + ".DirectionalLight_0").Package, "/Game/Maps/Sub");
+		EXPECT_EQ(Scene.SubLevelCount, 2u);
+		const std::string Content = Temp.Path + "/Content";
+		EXPECT_EQ(Scene.Notes, (std::vector<std::string>{
+			"the sub-level /Game/Maps/Missing is not under " + Content + "; left out",
+			"the sub-level /Plugin/Maps/Elsewhere is not under " + Content + "; left out",
+		}));
+
+		FLevelReadOptions Without;
+		Without.bSubLevels = false;
+		Read(Without);
+		EXPECT_EQ(Listing(), (std::vector<std::string>{"other " + Level, "actor " + Level + ".DirectionalLight_0"}));
+		EXPECT_EQ(Scene.SubLevelCount, 0u);
+		EXPECT_EQ(Scene.Notes, std::vector<std::string>{ContentFile("Maps/Main.umap") + ": sub-levels left out: "
+			"/Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
+	}
+
+	TEST_F(LevelReader, ARedirectorIsFollowedAndSaidSo)
+	{
+		Write("Maps/Main.umap", WriteTestRedirector("/Game/Maps/Main", "/Game/Maps/Renamed"));
+		FTestMap Renamed;
+		Renamed.PackagePath = "/Game/Maps/Renamed";
+		Renamed.Actors = {Actor("Cube")};
+		Write("Maps/Renamed.umap", WriteTestMap(Renamed));
+		Read();
+		EXPECT_EQ(Listing(), (std::vector<std::string>{"other /Game/Maps/Renamed.Renamed:PersistentLevel",
+			"actor /Game/Maps/Renamed.Renamed:PersistentLevel.Cube"}));
+		EXPECT_EQ(Scene.Notes, std::vector<std::string>{ContentFile("Maps/Main.umap") +
+			": a redirector to /Game/Maps/Renamed; followed it to " + ContentFile("Maps/Renamed.umap")});
+		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Maps/Renamed.umap")});
+	}
+
+	TEST_F(LevelReader, ARedirectorToNothingOrInACircleIsAnError)
+	{
+		Write("Maps/Gone.umap", WriteTestRedirector("/Game/Maps/Gone", "/Game/Maps/Nowhere"));
+		EXPECT_EQ(ReadError("Maps/Gone.umap"), ContentFile("Maps/Gone.umap") + ": a redirector to /Game/Maps/Nowhere, "
+			"which is not under " + Temp.Path + "/Content");
+		Write("Maps/Ping.umap", WriteTestRedirector("/Game/Maps/Ping", "/Game/Maps/Pong"));
+		Write("Maps/Pong.umap", WriteTestRedirector("/Game/Maps/Pong", "/Game/Maps/Ping"));
+		EXPECT_EQ(ReadError("Maps/Ping.umap"), ContentFile("Maps/Pong.umap") + ": a redirector to /Game/Maps/Ping, "
+			"which redirects back or on past 8 redirectors");
+	}
+
+	TEST_F(LevelReader, ABlueprintActorWithoutSavedTagsHasItsClassesDefaultTags)
+	{
+		FTestMap Map;
+		FTestActor Door = Actor("BP_Door_C_3");
+		Door.Class = "/Game/BP/BP_Door.BP_Door_C";
+		FTestActor Gate = Actor("BP_Gate_C_0");
+		Gate.Class = "/Game/BP/BP_Gate.BP_Gate_C"; // its class saves no tags: its super class does
+		FTestActor Own = Actor("BP_Door_C_4");
+		Own.Class = Door.Class;
+		Own.bTags = true;
+		Own.Tags = {"own"};
+		FTestActor Lost = Actor("BP_Lost_C_0");
+		Lost.Class = "/Game/BP/BP_Lost.BP_Lost_C";
+		FTestActor Plain = Actor("BP_Plain_C_0");
+		Plain.Class = "/Game/BP/BP_Plain.BP_Plain_C";
+		Map.Actors = {Door, Gate, Own, Lost, Plain};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Write("BP/BP_Door.uasset", WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true,
+			{"door", "locked"}));
+		Write("BP/BP_Gate.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Gate", "BP_Gate_C", "/Game/BP/BP_Door.BP_Door_C", false, {}));
+		Write("BP/BP_Plain.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Plain", "BP_Plain_C", "/Script/Engine.Actor", false, {}));
+		Read();
+		const struct
+		{
+			std::string Actor;
+			std::vector<std::string> Tags;
+		} Rows[] = {
+			{"BP_Door_C_3", {"door", "locked"}},
+			{"BP_Gate_C_0", {"door", "locked"}},
+			{"BP_Door_C_4", {"own"}},
+			{"BP_Lost_C_0", {}},
+			{"BP_Plain_C_0", {}},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(Object(Level + "." + Row.Actor).Tags, Row.Tags) << Row.Actor;
+			EXPECT_EQ(Object(Level + "." + Row.Actor).ClassName, Row.Actor.substr(0, Row.Actor.rfind('_')));
+		}
+		EXPECT_EQ(Scene.Notes, std::vector<std::string>{"the Blueprint class /Game/BP/BP_Lost.BP_Lost_C is not under " +
+			Temp.Path + "/Content: the default tags of its actors are unknown"});
+	}
+
+	TEST_F(LevelReader, AMapOutsideAContentFolderIsReadAloneWithANote)
+	{
+		FTestMap Map;
+		Map.PackagePath = "/Game/Loose";
+		Map.Actors = {Actor("Cube")};
+		Map.SubLevels = {"/Game/Sub"};
+		const std::string File = Temp.Write("Loose.umap", WriteTestMap(Map));
+		std::string Error;
+		ASSERT_TRUE(ReadLevelScene(File, FLevelReadOptions(), Scene, Error)) << Error;
+		EXPECT_EQ(Listing(), (std::vector<std::string>{"other /Game/Loose.Loose:PersistentLevel",
+			"actor /Game/Loose.Loose:PersistentLevel.Cube"}));
+		EXPECT_EQ(Scene.Notes, (std::vector<std::string>{
+			File + ": not inside a Content folder; its external actors, sub-levels and Blueprint classes are not looked up",
+			"the sub-level /Game/Sub is not under a Content folder; left out"}));
+	}
+
+	TEST(LevelFiles, AreToldFromOtherFilesByTheirFirstBytes)
+	{
+		const struct
+		{
+			std::string Bytes;
+			bool bPackage;
+		} Rows[] = {
+			{std::string("\xC1\x83\x2A\x9E\x01", 5), true},
+			{std::string("\x9E\x2A\x83\xC1", 4), true},
+			{std::string("\xC1\x83\x2A", 3), false},
+			{"{\"objects\": []}", false},
+			{"", false},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(IsUnrealPackageBytes(Row.Bytes), Row.bPackage) << Row.Bytes;
+		}
+		FTempDir Temp;
+		EXPECT_TRUE(IsUnrealPackageFile(Temp.Write("level.json", WriteTestMap(FTestMap()))));
+		EXPECT_FALSE(IsUnrealPackageFile(Temp.Write("scene.umap", "{\"objects\": []}")));
+		EXPECT_FALSE(IsUnrealPackageFile(Temp.File("missing.umap")));
+	}
+
+	TEST(SceneFromObjects, ResolvesLinksByIndexAndRejectsBadOnes)
+	{
+		auto Make = [](const std::string& Id) { FSceneObject Object; Object.Id = Id; Object.Kind = "actor"; Object.Name = Id; return Object; };
+		FSceneObjectLinks ToFirst;
+		ToFirst.Outer = 0;
+		ToFirst.AttachParent = 0;
+		FSceneSnapshot Scene;
+		std::string Error;
+		ASSERT_TRUE(FSceneSnapshot::FromObjects({Make("a"), Make("b"), Make("c")}, {FSceneObjectLinks(), ToFirst}, Scene, Error));
+		const std::vector<FSceneObject>& Objects = Scene.GetObjects();
+		EXPECT_EQ(Objects[1].Outer, &Objects[0]);
+		EXPECT_EQ(Objects[1].AttachParent, &Objects[0]);
+		EXPECT_EQ(Objects[2].Outer, nullptr);
+		FSceneSnapshot Moved = std::move(Scene);
+		EXPECT_EQ(Moved.GetObjects()[1].Outer, &Moved.GetObjects()[0]);
+
+		FSceneObjectLinks Past;
+		Past.AttachParent = 3;
+		const struct
+		{
+			std::vector<FSceneObject> Objects;
+			std::vector<FSceneObjectLinks> Links;
+			std::string Error;
+		} Rows[] = {
+			{{Make("a"), Make("")}, {}, "objects[1]: the id is empty"},
+			{{Make("a"), Make("a")}, {}, "objects[1] (id 'a'): duplicate id, first used by objects[0]"},
+			{{Make("a"), Make("b"), Make("c")}, {FSceneObjectLinks(), Past}, "objects[1] (id 'b'): refers to objects[3] of 3"},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_FALSE(FSceneSnapshot::FromObjects(Row.Objects, Row.Links, Scene, Error));
+			EXPECT_EQ(Error, Row.Error);
+		}
+	}
+}

@@ -1,0 +1,233 @@
+// Copyright Lodex contributors.
+// The packages a level is made of, laid out with FTestPackage: maps, external actor packages, redirectors and
+// Blueprint classes.
+#include "TestPackageWriter.h"
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+namespace
+{
+	std::string ShortName(const std::string& PackagePath)
+	{
+		return PackagePath.substr(PackagePath.rfind('/') + 1);
+	}
+
+	std::int32_t ClassOf(FTestPackage& Package, const std::string& Class)
+	{
+		const std::size_t Dot = Class.find('.');
+		if (Class.rfind("/Game/", 0) == 0 && Dot != std::string::npos)
+		{
+			return Package.ImportPath(Class, "BlueprintGeneratedClass");
+		}
+		return Package.Import("/Script/CoreUObject", "Class", Package.Import("/Script/CoreUObject", "Package", 0,
+			"/Script/Engine"), Class);
+	}
+
+	/** Writes an actor and its components as exports of Package under Outer; returns the actor's index. */
+	std::int32_t WriteActor(FTestPackage& Package, std::int32_t Outer, const FTestActor& Actor)
+	{
+		const std::int32_t Index = Package.Export(ClassOf(Package, Actor.Class), Outer, Actor.Name);
+		std::vector<std::int32_t> Components;
+		for (const FTestComponent& Component : Actor.Components)
+		{
+			Components.push_back(Package.Export(ClassOf(Package, Component.Class), Index, Component.Name));
+		}
+		FTestPackage::FData& Data = Package.GetData(Index);
+		if (Actor.FirstProperties)
+		{
+			Actor.FirstProperties(Data);
+		}
+		Data.Struct("ActorGuid", "Guid", 16);
+		for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
+		{
+			if (Actor.Components[Slot].Name == Actor.Root)
+			{
+				Data.Object("RootComponent", Components[Slot]);
+			}
+		}
+		std::vector<std::int32_t> Instanced;
+		for (const std::string& Name : Actor.InstanceComponents)
+		{
+			for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
+			{
+				if (Actor.Components[Slot].Name == Name)
+				{
+					Instanced.push_back(Components[Slot]);
+				}
+			}
+		}
+		if (!Instanced.empty())
+		{
+			Data.ObjectArray("InstanceComponents", Instanced);
+		}
+		if (!Actor.Label.empty())
+		{
+			Data.String("ActorLabel", Actor.Label);
+		}
+		if (Actor.bTags)
+		{
+			Data.NameArray("Tags", Actor.Tags);
+		}
+		Data.Bool("bHidden", false);
+		for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
+		{
+			const FTestComponent& Component = Actor.Components[Slot];
+			FTestPackage::FData& ComponentData = Package.GetData(Components[Slot]);
+			ComponentData.Struct("RelativeLocation", "Vector", 24);
+			if (Component.AttachParent.empty())
+			{
+				continue;
+			}
+			// A path names an object of another package; "Actor.Component" is resolved by the caller.
+			if (Component.AttachParent[0] == '/')
+			{
+				ComponentData.Object("AttachParent", Package.ImportPath(Component.AttachParent, "SceneComponent"));
+			}
+		}
+		return Index;
+	}
+}
+
+std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
+{
+	FTestPackage Local(Map.PackagePath);
+	FTestPackage& Package = Given != nullptr ? *Given : Local;
+	const std::int32_t WorldClass = Package.ImportPath("/Script/Engine.World", "Class");
+	const std::int32_t LevelClass = Package.ImportPath("/Script/Engine.Level", "Class");
+	const std::int32_t World = Package.Export(WorldClass, 0, ShortName(Map.PackagePath));
+	const std::int32_t Level = Package.Export(LevelClass, World, "PersistentLevel");
+	std::vector<std::int32_t> Streaming;
+	for (std::size_t Index = 0; Index < Map.SubLevels.size(); ++Index)
+	{
+		const std::int32_t Sub = Package.Export(Package.ImportPath("/Script/Engine.LevelStreamingDynamic", "Class"),
+			World, "LevelStreamingDynamic_" + std::to_string(Index));
+		Package.GetData(Sub).SoftObject("WorldAsset", Map.SubLevels[Index] + "." + ShortName(Map.SubLevels[Index]));
+		Streaming.push_back(Sub);
+	}
+	std::vector<std::int32_t> Exported;
+	std::map<std::string, std::int32_t> ByName; // "Actor.Component" -> export
+	for (const FTestActor& Actor : Map.Actors)
+	{
+		const std::int32_t Index = WriteActor(Package, Level, Actor);
+		Exported.push_back(Index);
+		for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
+		{
+			ByName.emplace(Actor.Name + "." + Actor.Components[Slot].Name, Index + 1 + static_cast<std::int32_t>(Slot));
+		}
+	}
+	// Attach parents inside the map, now that every component has its index.
+	std::size_t Component = 0;
+	for (std::size_t ActorSlot = 0; ActorSlot < Map.Actors.size(); ++ActorSlot)
+	{
+		for (std::size_t Slot = 0; Slot < Map.Actors[ActorSlot].Components.size(); ++Slot, ++Component)
+		{
+			const std::string& Parent = Map.Actors[ActorSlot].Components[Slot].AttachParent;
+			if (Parent.empty() || Parent[0] == '/')
+			{
+				continue;
+			}
+			const auto Found = ByName.find(Parent);
+			if (Found != ByName.end())
+			{
+				Package.GetData(Exported[ActorSlot] + 1 + static_cast<std::int32_t>(Slot))
+					.Object("AttachParent", Found->second);
+			}
+		}
+	}
+	std::vector<std::int32_t> Actors;
+	for (std::size_t Slot = 0; Slot < Map.Actors.size(); ++Slot)
+	{
+		const std::size_t Actor = Map.Order.empty() ? Slot : Map.Order[Slot];
+		if (Map.Actors[Actor].bListed)
+		{
+			Actors.push_back(Exported[Actor]);
+		}
+	}
+	for (const std::string& Path : Map.ImportedActors)
+	{
+		Actors.push_back(Package.ImportPath(Path, "StaticMeshActor"));
+	}
+	if (Map.bNullActor)
+	{
+		Actors.push_back(0);
+	}
+	Package.GetData(World).Native([Level, Streaming](FTestPackage&, FTestBytes& Out)
+	{
+		Out.Int32(Level);
+		Out.Int32(0); // extra referenced objects
+		Out.Int32(static_cast<std::int32_t>(Streaming.size()));
+		for (const std::int32_t Sub : Streaming)
+		{
+			Out.Int32(Sub);
+		}
+	});
+	Package.GetData(Level).Bool("bLocked", false).Native([Actors](FTestPackage&, FTestBytes& Out)
+	{
+		Out.Int32(static_cast<std::int32_t>(Actors.size()));
+		for (const std::int32_t Actor : Actors)
+		{
+			Out.Int32(Actor);
+		}
+		Out.Zeros(8); // what a level saves after its actors, unread
+	});
+	return Package.Build();
+}
+
+std::string WriteTestExternalActor(const std::string& MapPackage, const std::string& ActorPackage, const FTestActor& Actor)
+{
+	FTestPackage Package(ActorPackage);
+	const std::string Short = ShortName(MapPackage);
+	const std::int32_t Level = Package.ImportPath(MapPackage + "." + Short + ":PersistentLevel", "Level");
+	const std::int32_t Index = WriteActor(Package, Level, Actor);
+	// "Actor.Component" attaches to a component of this actor.
+	for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
+	{
+		const std::string& Parent = Actor.Components[Slot].AttachParent;
+		for (std::size_t Other = 0; !Parent.empty() && Parent[0] != '/' && Other < Actor.Components.size(); ++Other)
+		{
+			if (Parent == Actor.Name + "." + Actor.Components[Other].Name)
+			{
+				Package.GetData(Index + 1 + static_cast<std::int32_t>(Slot))
+					.Object("AttachParent", Index + 1 + static_cast<std::int32_t>(Other));
+			}
+		}
+	}
+	return Package.Build();
+}
+
+std::string WriteTestRedirector(const std::string& PackagePath, const std::string& TargetPackage)
+{
+	FTestPackage Package(PackagePath);
+	const std::int32_t Target = Package.ImportPath(TargetPackage + "." + ShortName(TargetPackage), "World");
+	const std::int32_t Redirector = Package.Export(
+		Package.ImportPath("/Script/CoreUObject.ObjectRedirector", "Class"), 0, ShortName(PackagePath));
+	Package.GetData(Redirector).Native([Target](FTestPackage&, FTestBytes& Out) { Out.Int32(Target); });
+	return Package.Build();
+}
+
+std::string WriteTestBlueprint(const std::string& PackagePath, const std::string& ClassName,
+	const std::string& SuperPath, bool bTags, const std::vector<std::string>& Tags)
+{
+	FTestPackage Package(PackagePath);
+	const std::int32_t Super = SuperPath.rfind("/Game/", 0) == 0
+		? Package.ImportPath(SuperPath, "BlueprintGeneratedClass")
+		: Package.ImportPath(SuperPath, "Class");
+	const std::int32_t Class = Package.Export(
+		Package.ImportPath("/Script/Engine.BlueprintGeneratedClass", "Class"), 0, ClassName, Super);
+	const std::int32_t Defaults = Package.Export(Class, 0, "Default__" + ClassName);
+	if (bTags)
+	{
+		Package.GetData(Defaults).Struct("ActorGuid", "Guid", 16).NameArray("Tags", Tags);
+	}
+	return Package.Build();
+}
+
+void WriteTestFile(const std::string& Root, const std::string& RelativePath, const std::string& Bytes)
+{
+	const std::filesystem::path Path = std::filesystem::path(Root) / RelativePath;
+	std::filesystem::create_directories(Path.parent_path());
+	std::ofstream Out(Path, std::ios::binary);
+	Out << Bytes;
+}

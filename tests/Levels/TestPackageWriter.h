@@ -1,0 +1,195 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/** Little-endian bytes, as a package holds them. */
+class FTestBytes
+{
+public:
+	void Int32(std::int32_t Value) { Raw(static_cast<std::uint32_t>(Value), 4); }
+	void UInt32(std::uint32_t Value) { Raw(Value, 4); }
+	void UInt16(std::uint16_t Value) { Raw(Value, 2); }
+	void UInt8(std::uint8_t Value) { Raw(Value, 1); }
+	void Int64(std::int64_t Value) { Raw(static_cast<std::uint64_t>(Value), 8); }
+	void Zeros(std::size_t Count) { Text.append(Count, '\0'); }
+	/** An FString: 8-bit when every character is ASCII, else UTF-16 (a negative count). */
+	void String(const std::string& Utf8);
+	void Append(const std::string& Bytes) { Text += Bytes; }
+	void PatchInt32(std::size_t Offset, std::int32_t Value);
+	std::size_t Size() const { return Text.size(); }
+
+	std::string Text;
+
+private:
+	void Raw(std::uint64_t Value, std::size_t Count);
+};
+
+/**
+ * A package laid out as Unreal Engine 5.0 saves one: the summary, the name map, the import map, the export map and
+ * each export's data. Names are added to the name map as they are used; a name ending in "_N" is stored as the
+ * engine does, as its base and the number N + 1.
+ */
+class FTestPackage
+{
+public:
+	/** What one export's data is made of: tagged properties, then the object GUID flag and the class's own data. */
+	class FData
+	{
+	public:
+		FData& Object(const std::string& Name, std::int32_t Index);
+		FData& ObjectArray(const std::string& Name, const std::vector<std::int32_t>& Indices);
+		FData& NameArray(const std::string& Name, const std::vector<std::string>& Names);
+		FData& String(const std::string& Name, const std::string& Value);
+		FData& SoftObject(const std::string& Name, const std::string& Path);
+		FData& Bool(const std::string& Name, bool bValue);
+		/** A struct value the reader must skip by its size, with a property GUID in its tag. */
+		FData& Struct(const std::string& Name, const std::string& StructName, std::size_t Size);
+		/** A property with any tag and value bytes (for wrong types and sizes). */
+		FData& Raw(const std::string& Name, const std::string& Type, const std::string& Value, std::int32_t Size,
+			const std::string& InnerType = "");
+		/** After the properties' "None": the object GUID flag (0) and these bytes. */
+		FData& Native(std::function<void(FTestPackage&, FTestBytes&)> Writer);
+		/** Drops the "None" that ends the properties and everything after it (a truncated object). */
+		FData& WithoutEnd();
+
+	private:
+		friend class FTestPackage;
+		std::vector<std::function<void(FTestPackage&, FTestBytes&)>> Properties;
+		std::function<void(FTestPackage&, FTestBytes&)> NativeWriter;
+		bool bEnd = true;
+	};
+
+	/** Versions and flags the summary states; the defaults are those of Unreal Engine 5.0.3. */
+	std::int32_t LegacyFileVersion = -8;
+	std::int32_t FileVersionUE4 = 522;
+	std::int32_t FileVersionUE5 = 1004;
+	std::uint32_t PackageFlags = 0;
+	std::uint16_t EngineMajor = 5, EngineMinor = 0, EnginePatch = 3;
+	std::string EngineBranch = "++UE5+Release-5.0";
+
+	explicit FTestPackage(std::string InPackagePath = "/Game/Maps/Main")
+		: PackagePath(std::move(InPackagePath))
+	{
+	}
+
+	/** An import; returns its index (negative). */
+	std::int32_t Import(const std::string& ClassPackage, const std::string& ClassName, std::int32_t Outer,
+		const std::string& Name);
+	/** Imports an object by its path (`/Script/Engine.StaticMeshActor`, `/Game/M.M:PersistentLevel.A.B`), with its outers. */
+	std::int32_t ImportPath(const std::string& Path, const std::string& ClassName);
+	/** An export; returns its index (positive). Data may be filled in later with GetData. */
+	std::int32_t Export(std::int32_t Class, std::int32_t Outer, const std::string& Name, std::int32_t Super = 0);
+	FData& GetData(std::int32_t Export) { return Exports[static_cast<std::size_t>(Export - 1)].Data; }
+
+	/** Writes a name (index and number) for Text, adding it to the name map. */
+	void Name(FTestBytes& Out, const std::string& Text);
+
+	/** The file. Layout then says where its parts went. */
+	std::string Build();
+
+	struct FLayout
+	{
+		std::size_t NameCountField = 0;
+		std::size_t ExportCountField = 0;
+		std::size_t ImportCountField = 0;
+		std::size_t NameOffset = 0;
+		std::size_t ImportOffset = 0;
+		std::size_t ExportOffset = 0;
+		std::vector<std::size_t> ExportEntries;
+		std::vector<std::size_t> ExportData;
+	} Layout;
+
+	const std::string PackagePath;
+
+private:
+	struct FImport
+	{
+		std::string ClassPackage, ClassName, Name;
+		std::int32_t Outer = 0;
+	};
+	struct FExport
+	{
+		std::int32_t Class = 0, Super = 0, Outer = 0;
+		std::string Name;
+		FData Data;
+	};
+	std::int32_t NameIndex(const std::string& Base);
+	void WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t TotalHeader);
+
+	std::vector<std::string> Names;
+	std::vector<FImport> Imports;
+	std::vector<FExport> Exports;
+};
+
+/** A component of a test actor. AttachParent: "Actor.Component" in the same map, or an object path elsewhere. */
+struct FTestComponent
+{
+	FTestComponent(std::string InName, std::string InClass = "StaticMeshComponent", std::string InAttachParent = "")
+		: Name(std::move(InName))
+		, Class(std::move(InClass))
+		, AttachParent(std::move(InAttachParent))
+	{
+	}
+
+	std::string Name;
+	std::string Class;
+	std::string AttachParent;
+};
+
+/** An actor of a test map. Class is a native class name, or a Blueprint class's object path (`/Game/BP/B.B_C`). */
+struct FTestActor
+{
+	std::string Name;
+	std::string Class = "StaticMeshActor";
+	std::string Label;
+	bool bTags = false;
+	std::vector<std::string> Tags;
+	std::vector<FTestComponent> Components;
+	/** The root component's name; empty for none saved. */
+	std::string Root;
+	/** Component names listed in InstanceComponents. */
+	std::vector<std::string> InstanceComponents;
+	/** Properties the actor's data starts with (for values a reader must reject). */
+	std::function<void(FTestPackage::FData&)> FirstProperties;
+	/** Whether the level's Actors array names the actor (an unlisted one is an object of the level all the same). */
+	bool bListed = true;
+};
+
+/** A map package: a world, its persistent level and the level's Actors array, and streaming sub-levels. */
+struct FTestMap
+{
+	std::string PackagePath = "/Game/Maps/Main";
+	std::vector<FTestActor> Actors;
+	/** Packages of streaming sub-levels (`/Game/Maps/Sub`). */
+	std::vector<std::string> SubLevels;
+	/** Actors kept in packages of their own that the Actors array names (as imports), and a null entry. */
+	std::vector<std::string> ImportedActors;
+	bool bNullActor = false;
+	/** The Actors array's order as indices into Actors, when not theirs. */
+	std::vector<std::size_t> Order;
+};
+
+/** The map's package, laid out; Package (when given) receives the writer, to corrupt a known part. */
+std::string WriteTestMap(const FTestMap& Map, FTestPackage* Package = nullptr);
+
+/** An external actor package of MapPackage's level (World Partition). */
+std::string WriteTestExternalActor(const std::string& MapPackage, const std::string& ActorPackage, const FTestActor& Actor);
+
+/** A map that is only a redirector to the world of TargetPackage. */
+std::string WriteTestRedirector(const std::string& PackagePath, const std::string& TargetPackage);
+
+/**
+ * A Blueprint class package: the class ClassName (`BP_Door_C`) deriving from SuperPath, and its default object,
+ * which saves Tags when bTags.
+ */
+std::string WriteTestBlueprint(const std::string& PackagePath, const std::string& ClassName,
+	const std::string& SuperPath, bool bTags, const std::vector<std::string>& Tags);
+
+/** Writes Bytes to Root/RelativePath, making its folders. */
+void WriteTestFile(const std::string& Root, const std::string& RelativePath, const std::string& Bytes);

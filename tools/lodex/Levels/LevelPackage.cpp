@@ -1,0 +1,516 @@
+// Copyright Lodex contributors.
+#include "LevelPackage.h"
+
+#include "TaggedProperties.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace
+{
+	/** The exports held directly by each export (by outer), in export order, without a list per export. */
+	class FExportChildren
+	{
+	public:
+		explicit FExportChildren(const FUnrealPackage& Package)
+		{
+			const std::vector<FPackageExport>& Exports = Package.GetExports();
+			Start.assign(Exports.size() + 2, 0);
+			for (const FPackageExport& Export : Exports)
+			{
+				if (Export.OuterIndex > 0)
+				{
+					++Start[static_cast<std::size_t>(Export.OuterIndex) + 1];
+				}
+			}
+			for (std::size_t Index = 1; Index < Start.size(); ++Index)
+			{
+				Start[Index] += Start[Index - 1];
+			}
+			Items.resize(Start.back());
+			std::vector<std::size_t> Next(Start.begin(), Start.end() - 1);
+			for (std::size_t Index = 0; Index < Exports.size(); ++Index)
+			{
+				if (Exports[Index].OuterIndex > 0)
+				{
+					Items[Next[static_cast<std::size_t>(Exports[Index].OuterIndex)]++] = static_cast<std::int32_t>(Index + 1);
+				}
+			}
+		}
+
+		template<typename TFunction>
+		void ForEach(std::int32_t Outer, TFunction&& Function) const
+		{
+			for (std::size_t Item = Start[static_cast<std::size_t>(Outer)]; Item < Start[static_cast<std::size_t>(Outer) + 1]; ++Item)
+			{
+				Function(Items[Item]);
+			}
+		}
+
+	private:
+		std::vector<std::size_t> Start;
+		std::vector<std::int32_t> Items;
+	};
+
+	bool EndsWith(const std::string& Text, const char* Suffix)
+	{
+		const std::string Tail(Suffix);
+		return Text.size() >= Tail.size() && Text.compare(Text.size() - Tail.size(), Tail.size(), Tail) == 0;
+	}
+
+	std::string ControlCharacterIn(const std::string& Text)
+	{
+		for (const char Character : Text)
+		{
+			if (static_cast<unsigned char>(Character) < 0x20)
+			{
+				char Code[8];
+				std::snprintf(Code, sizeof(Code), "U+%04X", static_cast<unsigned>(static_cast<unsigned char>(Character)));
+				return Code;
+			}
+		}
+		return std::string();
+	}
+
+	/** Names, labels and tags end up in one-line texts: a control character in one is an error at Offset. */
+	bool CheckOneLine(const std::string& Text, std::size_t Offset, const std::string& What, FPackageError& OutError)
+	{
+		const std::string Control = ControlCharacterIn(Text);
+		if (Control.empty())
+		{
+			return true;
+		}
+		OutError.Offset = Offset;
+		OutError.Reason = What + " holds the control character " + Control;
+		return false;
+	}
+
+	bool IsExport(std::int32_t Index)
+	{
+		return Index > 0;
+	}
+
+	/** Reads one actor's saved data, and its components'. */
+	bool ReadActor(const FUnrealPackage& Package, const FExportChildren& Children, std::int32_t ActorIndex,
+		FLevelActor& Out, FPackageError& OutError)
+	{
+		const FPackageExport& Export = Package.GetExports()[static_cast<std::size_t>(ActorIndex - 1)];
+		Out.Path = Package.ObjectPath(ActorIndex);
+		Out.Name = Package.ObjectName(ActorIndex);
+		Out.ClassName = Package.ClassNameOf(ActorIndex);
+		Out.ClassPath = Package.ObjectPath(Export.ClassIndex);
+		if (!CheckOneLine(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
+			!CheckOneLine(Out.ClassName, Export.Offset, "the class of actor '" + Out.Name + "'", OutError))
+		{
+			return false;
+		}
+		FObjectProperties Properties;
+		if (!ReadObjectProperties(Package, ActorIndex, Properties, OutError))
+		{
+			return false;
+		}
+		if (const FTaggedProperty* Label = Properties.Find(Package, "ActorLabel"))
+		{
+			if (!PropertyValues::ReadString(Package, *Label, Out.Label, OutError) ||
+				!CheckOneLine(Out.Label, Label->ValueOffset, "the label of actor '" + Out.Name + "'", OutError))
+			{
+				return false;
+			}
+		}
+		if (const FTaggedProperty* Tags = Properties.Find(Package, "Tags"))
+		{
+			Out.bHasTags = true;
+			if (!PropertyValues::ReadNameArray(Package, *Tags, Out.Tags, OutError))
+			{
+				return false;
+			}
+			for (const std::string& Tag : Out.Tags)
+			{
+				if (!CheckOneLine(Tag, Tags->ValueOffset, "a tag of actor '" + Out.Name + "'", OutError))
+				{
+					return false;
+				}
+			}
+		}
+		std::int32_t RootComponent = 0;
+		if (const FTaggedProperty* Root = Properties.Find(Package, "RootComponent"))
+		{
+			if (!PropertyValues::ReadObject(Package, *Root, RootComponent, OutError))
+			{
+				return false;
+			}
+		}
+		std::vector<std::int32_t> Listed;
+		for (const char* ListName : {"InstanceComponents", "BlueprintCreatedComponents"})
+		{
+			std::vector<std::int32_t> List;
+			const FTaggedProperty* ListProperty = Properties.Find(Package, ListName);
+			if (ListProperty != nullptr && !PropertyValues::ReadObjectArray(Package, *ListProperty, List, OutError))
+			{
+				return false;
+			}
+			Listed.insert(Listed.end(), List.begin(), List.end());
+		}
+		Listed.push_back(RootComponent);
+
+		// The components: the objects the actor holds that are components, by their class or by the actor's lists.
+		std::int32_t AttachedComponent = 0;
+		std::int32_t AttachParent = 0;
+		bool bFailed = false;
+		Children.ForEach(ActorIndex, [&](std::int32_t Child)
+		{
+			const std::string ClassName = Package.ClassNameOf(Child);
+			bool bListed = false;
+			for (const std::int32_t Entry : Listed)
+			{
+				bListed = bListed || Entry == Child;
+			}
+			if (bFailed || (!bListed && !EndsWith(ClassName, "Component") && !EndsWith(ClassName, "Component_C")))
+			{
+				return;
+			}
+			FLevelComponent Component;
+			Component.Name = Package.ObjectName(Child);
+			Component.Path = Out.Path + "." + Component.Name;
+			Component.ClassName = ClassName;
+			const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
+			FObjectProperties ComponentProperties;
+			if (!CheckOneLine(Component.Name, ChildExport.Offset + 16, "the name of component '" + Component.Name + "'",
+					OutError) ||
+				!CheckOneLine(ClassName, ChildExport.Offset, "the class of component '" + Component.Name + "'", OutError) ||
+				!ReadObjectProperties(Package, Child, ComponentProperties, OutError))
+			{
+				bFailed = true;
+				return;
+			}
+			// The actor's attachment is its root component's; without a saved root, that of the one component
+			// attached outside the actor (the others attach inside it).
+			const FTaggedProperty* Parent = ComponentProperties.Find(Package, "AttachParent");
+			std::int32_t ParentIndex = 0;
+			if (Parent != nullptr && !PropertyValues::ReadObject(Package, *Parent, ParentIndex, OutError))
+			{
+				bFailed = true;
+				return;
+			}
+			const bool bInside = IsExport(ParentIndex) && Package.OuterOf(ParentIndex) == ActorIndex;
+			if (ParentIndex != 0 && (Child == RootComponent || (RootComponent == 0 && !bInside && AttachedComponent == 0)))
+			{
+				AttachedComponent = Child;
+				AttachParent = ParentIndex;
+			}
+			Out.Components.push_back(std::move(Component));
+		});
+		if (bFailed)
+		{
+			return false;
+		}
+		Out.AttachParentPath = AttachParent != 0 ? Package.ObjectPath(AttachParent) : std::string();
+		return true;
+	}
+
+	std::int32_t FindTopLevelExportOfClass(const FUnrealPackage& Package, const char* ClassName)
+	{
+		const std::vector<FPackageExport>& Exports = Package.GetExports();
+		for (std::size_t Index = 0; Index < Exports.size(); ++Index)
+		{
+			const std::int32_t Object = static_cast<std::int32_t>(Index + 1);
+			if (Exports[Index].OuterIndex == 0 && Package.ClassNameOf(Object) == ClassName)
+			{
+				return Object;
+			}
+		}
+		return 0;
+	}
+
+	/** The classes of the package's top-level objects, for the message about a package that is no level. */
+	std::string DescribeTopLevelObjects(const FUnrealPackage& Package)
+	{
+		std::string Text;
+		std::size_t Count = 0;
+		const std::vector<FPackageExport>& Exports = Package.GetExports();
+		for (std::size_t Index = 0; Index < Exports.size() && Count < 3; ++Index)
+		{
+			if (Exports[Index].OuterIndex == 0)
+			{
+				const std::int32_t Object = static_cast<std::int32_t>(Index + 1);
+				Text += (Count++ > 0 ? ", " : "") + Package.ObjectName(Object) + " (" + Package.ClassNameOf(Object) + ")";
+			}
+		}
+		return Count == 0 ? "no object" : Text;
+	}
+
+	/** Reads an array of object references at Cursor: a count, then the indices, each checked. */
+	bool ReadObjectList(const FUnrealPackage& Package, FPackageCursor& Cursor, const char* What,
+		std::vector<std::int32_t>& Out)
+	{
+		const std::size_t Start = Cursor.Tell();
+		std::int32_t Count = 0;
+		if (!Cursor.ReadInt32(Count))
+		{
+			return false;
+		}
+		if (Count < 0 || static_cast<std::size_t>(Count) > Cursor.Remaining() / 4)
+		{
+			return Cursor.Fail(Start, std::string(What) + " has a count of " + std::to_string(Count) +
+				", past the end of the object's data at byte " + std::to_string(Cursor.GetEnd()));
+		}
+		Out.resize(static_cast<std::size_t>(Count));
+		for (std::size_t Entry = 0; Entry < Out.size(); ++Entry)
+		{
+			const std::size_t EntryOffset = Cursor.Tell();
+			Cursor.ReadInt32(Out[Entry]);
+			if (!Cursor.HasFailed() && !Package.IsObjectIndex(Out[Entry]))
+			{
+				return Cursor.Fail(EntryOffset, std::string(What) + "[" + std::to_string(Entry) + "] is object " +
+					std::to_string(Out[Entry]) + ", which the package does not list");
+			}
+		}
+		return !Cursor.HasFailed();
+	}
+
+	/** Where an object's own data begins: past its tagged properties and its object GUID. */
+	bool SkipToNativeData(const FUnrealPackage& Package, std::int32_t Object, std::size_t& OutOffset,
+		FPackageError& OutError)
+	{
+		FObjectProperties Properties;
+		if (!ReadObjectProperties(Package, Object, Properties, OutError))
+		{
+			return false;
+		}
+		OutOffset = Properties.End;
+		return SkipObjectGuid(Package, Object, OutOffset, OutError);
+	}
+
+	FPackageCursor NativeDataCursor(const FUnrealPackage& Package, std::int32_t Object, std::size_t Offset)
+	{
+		const FPackageExport& Export = Package.GetExports()[static_cast<std::size_t>(Object - 1)];
+		return FPackageCursor(Package.GetBytes(), Offset, Export.SerialOffset + Export.SerialSize,
+			"the data of export " + std::to_string(Object - 1) + " '" + Package.ObjectName(Object) + "'");
+	}
+
+	bool ReadRedirector(const FUnrealPackage& Package, std::int32_t Redirector, FLevelPackageContents& Out,
+		FPackageError& OutError)
+	{
+		std::size_t Offset = 0;
+		if (!SkipToNativeData(Package, Redirector, Offset, OutError))
+		{
+			return false;
+		}
+		FPackageCursor Cursor = NativeDataCursor(Package, Redirector, Offset);
+		std::int32_t Destination = 0;
+		if (!Cursor.ReadInt32(Destination))
+		{
+			OutError = Cursor.GetError();
+			return false;
+		}
+		if (Destination == 0 || !Package.IsObjectIndex(Destination))
+		{
+			OutError.Offset = Offset;
+			OutError.Reason = "the redirector '" + Package.ObjectName(Redirector) + "' leads to object " +
+				std::to_string(Destination) + ", which the package does not list";
+			return false;
+		}
+		Out.RedirectTarget = Package.ObjectPath(Destination);
+		return true;
+	}
+
+	/**
+	 * The world's own data: its persistent level, the extra referenced objects, then the streaming levels; each
+	 * streaming level's `WorldAsset` names a sub-level's package.
+	 */
+	bool ReadWorld(const FUnrealPackage& Package, std::int32_t World, std::int32_t& OutLevel,
+		FLevelPackageContents& Out, FPackageError& OutError)
+	{
+		std::size_t Offset = 0;
+		if (!SkipToNativeData(Package, World, Offset, OutError))
+		{
+			return false;
+		}
+		FPackageCursor Cursor = NativeDataCursor(Package, World, Offset);
+		const std::size_t LevelOffset = Cursor.Tell();
+		std::vector<std::int32_t> Extra;
+		std::vector<std::int32_t> Streaming;
+		if (!Cursor.ReadInt32(OutLevel) || !ReadObjectList(Package, Cursor, "the world's ExtraReferencedObjects", Extra) ||
+			!ReadObjectList(Package, Cursor, "the world's StreamingLevels", Streaming))
+		{
+			OutError = Cursor.GetError();
+			return false;
+		}
+		if (!Package.IsObjectIndex(OutLevel) || !IsExport(OutLevel) || Package.OuterOf(OutLevel) != World ||
+			Package.ClassNameOf(OutLevel) != "Level")
+		{
+			OutError.Offset = LevelOffset;
+			OutError.Reason = "the world's persistent level is object " + std::to_string(OutLevel) +
+				", not a level the world holds";
+			return false;
+		}
+		if (Package.ObjectName(OutLevel) != "PersistentLevel")
+		{
+			OutError.Offset = Package.GetExports()[static_cast<std::size_t>(OutLevel - 1)].Offset + 16;
+			OutError.Reason = "the world's persistent level is named '" + Package.ObjectName(OutLevel) +
+				"', not PersistentLevel";
+			return false;
+		}
+		for (const std::int32_t Level : Streaming)
+		{
+			FObjectProperties Properties;
+			if (!IsExport(Level))
+			{
+				continue;
+			}
+			if (!ReadObjectProperties(Package, Level, Properties, OutError))
+			{
+				return false;
+			}
+			const FTaggedProperty* Asset = Properties.Find(Package, "WorldAsset");
+			std::string Path;
+			if (Asset == nullptr)
+			{
+				continue;
+			}
+			if (!PropertyValues::ReadSoftObjectPath(Package, *Asset, Path, OutError))
+			{
+				return false;
+			}
+			const std::size_t Dot = Path.find('.');
+			if (Path != "None" && !Path.empty())
+			{
+				Out.StreamingLevelPackages.push_back(Dot == std::string::npos ? Path : Path.substr(0, Dot));
+			}
+		}
+		return true;
+	}
+}
+
+bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out, FPackageError& OutError)
+{
+	Out = FLevelPackageContents();
+	const std::int32_t World = FindTopLevelExportOfClass(Package, "World");
+	if (World == 0)
+	{
+		const std::int32_t Redirector = FindTopLevelExportOfClass(Package, "ObjectRedirector");
+		if (Redirector != 0)
+		{
+			return ReadRedirector(Package, Redirector, Out, OutError);
+		}
+		// The export map, or, when it is empty, the summary's count of exports.
+		OutError.Offset = Package.GetExports().empty() ? Package.GetSummary().ExportCountOffset
+													   : Package.GetExports()[0].Offset;
+		OutError.Reason = "not a level: the package holds no World but " + DescribeTopLevelObjects(Package);
+		return false;
+	}
+	Out.WorldPath = Package.ObjectPath(World);
+	if (!CheckOneLine(Package.ObjectName(World), Package.GetExports()[static_cast<std::size_t>(World - 1)].Offset + 16,
+			"the name of the world", OutError))
+	{
+		return false;
+	}
+	std::int32_t Level = 0;
+	if (!ReadWorld(Package, World, Level, Out, OutError))
+	{
+		return false;
+	}
+
+	// The level's data: its tagged properties, its object GUID, then the Actors array.
+	std::size_t Offset = 0;
+	if (!SkipToNativeData(Package, Level, Offset, OutError))
+	{
+		return false;
+	}
+	FPackageCursor Cursor = NativeDataCursor(Package, Level, Offset);
+	std::vector<std::int32_t> Actors;
+	if (!ReadObjectList(Package, Cursor, "the level's Actors", Actors))
+	{
+		OutError = Cursor.GetError();
+		return false;
+	}
+	const FExportChildren Children(Package);
+	Out.Actors.reserve(Actors.size());
+	for (const std::int32_t Actor : Actors)
+	{
+		// Null entries are deleted actors; imports are actors kept in packages of their own (World Partition).
+		if (!IsExport(Actor))
+		{
+			continue;
+		}
+		FLevelActor Read;
+		if (!ReadActor(Package, Children, Actor, Read, OutError))
+		{
+			return false;
+		}
+		Out.Actors.push_back(std::move(Read));
+	}
+	return true;
+}
+
+bool ReadExternalActorPackage(const FUnrealPackage& Package, const std::string& LevelPath,
+	std::vector<FLevelActor>& Out, std::string& OutLevelPath, FPackageError& OutError)
+{
+	Out.clear();
+	OutLevelPath.clear();
+	const FExportChildren Children(Package);
+	const std::vector<FPackageExport>& Exports = Package.GetExports();
+	for (std::size_t Index = 0; Index < Exports.size(); ++Index)
+	{
+		const std::int32_t Outer = Exports[Index].OuterIndex;
+		if (Outer >= 0 || Package.ClassNameOf(Outer) != "Level")
+		{
+			continue;
+		}
+		const std::string Path = Package.ObjectPath(Outer);
+		if (Path != LevelPath)
+		{
+			OutLevelPath = Path;
+			continue;
+		}
+		FLevelActor Actor;
+		if (!ReadActor(Package, Children, static_cast<std::int32_t>(Index + 1), Actor, OutError))
+		{
+			return false;
+		}
+		Out.push_back(std::move(Actor));
+	}
+	return true;
+}
+
+bool ReadClassDefaults(const FUnrealPackage& Package, const std::string& ClassName, bool& bOutHasTags,
+	std::vector<std::string>& OutTags, std::string& OutSuperClassPath, FPackageError& OutError)
+{
+	bOutHasTags = false;
+	OutTags.clear();
+	OutSuperClassPath.clear();
+	const std::int32_t Class = Package.FindExport(0, ClassName);
+	if (Class != 0)
+	{
+		const std::int32_t Super = Package.GetExports()[static_cast<std::size_t>(Class - 1)].SuperIndex;
+		OutSuperClassPath = Super != 0 ? Package.ObjectPath(Super) : std::string();
+	}
+	const std::int32_t Defaults = Package.FindExport(0, "Default__" + ClassName);
+	if (Defaults == 0)
+	{
+		return true;
+	}
+	FObjectProperties Properties;
+	if (!ReadObjectProperties(Package, Defaults, Properties, OutError))
+	{
+		return false;
+	}
+	const FTaggedProperty* Tags = Properties.Find(Package, "Tags");
+	if (Tags == nullptr)
+	{
+		return true;
+	}
+	bOutHasTags = true;
+	if (!PropertyValues::ReadNameArray(Package, *Tags, OutTags, OutError))
+	{
+		return false;
+	}
+	for (const std::string& Tag : OutTags)
+	{
+		if (!CheckOneLine(Tag, Tags->ValueOffset, "a default tag of class '" + ClassName + "'", OutError))
+		{
+			return false;
+		}
+	}
+	return true;
+}

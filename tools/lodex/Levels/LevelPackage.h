@@ -1,0 +1,73 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "UnrealPackage.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/** A component of an actor read from a package. */
+struct FLevelComponent
+{
+	/** The object path (`/Game/Maps/Main.Main:PersistentLevel.Lamp_2.PointLight`), unique in a project. */
+	std::string Path;
+	std::string Name;
+	std::string ClassName;
+};
+
+/** An actor read from a package: what the level saves of it. */
+struct FLevelActor
+{
+	std::string Path;
+	std::string Name;
+	std::string ClassName;
+	/** The class's object path (`/Script/Engine.StaticMeshActor`, `/Game/BP/BP_Door.BP_Door_C`). */
+	std::string ClassPath;
+	/** The editor label (`ActorLabel`); empty when the level saves none. */
+	std::string Label;
+	/** Whether the level saves the actor's own `Tags` (otherwise they are its class's defaults). */
+	bool bHasTags = false;
+	std::vector<std::string> Tags;
+	std::vector<FLevelComponent> Components;
+	/**
+	 * The object path of the component the actor's root component is attached to (`AttachParent`); empty when it is
+	 * attached to nothing. It may lie in another package (World Partition actors attach across packages).
+	 */
+	std::string AttachParentPath;
+};
+
+/** What a map package holds: a level, or a redirector to one. */
+struct FLevelPackageContents
+{
+	/** The object path of the world (`/Game/Maps/Main.Main`); empty for a redirector. */
+	std::string WorldPath;
+	/** The actors of the level's `Actors` array that the package itself holds, in the array's order. */
+	std::vector<FLevelActor> Actors;
+	/** The packages the world's streaming levels name (`/Game/Maps/Sub`), in order. */
+	std::vector<std::string> StreamingLevelPackages;
+	/** For a redirector: the object path it leads to (`/Game/Maps/Main.Main`). */
+	std::string RedirectTarget;
+};
+
+/**
+ * Reads a map package: the world, its persistent level's `Actors` array (after the level's tagged properties and
+ * object GUID), each actor those entries name, and the world's streaming levels; or, for a redirector, its
+ * destination. Fails on a package that holds neither a world nor a redirector.
+ */
+bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out, FPackageError& OutError);
+
+/**
+ * Reads an external actor package of a World Partition level: the actors in it whose outer is a level (an import
+ * from the map). LevelPath is the level they must belong to (`/Game/Maps/Main.Main:PersistentLevel`);
+ * OutLevelPath is the one they name, when it is another.
+ */
+bool ReadExternalActorPackage(const FUnrealPackage& Package, const std::string& LevelPath,
+	std::vector<FLevelActor>& Out, std::string& OutLevelPath, FPackageError& OutError);
+
+/**
+ * Reads a Blueprint class package's defaults for the class ClassName (`BP_Door_C`): the class default object's
+ * `Tags` when it saves them (bOutHasTags), and the object path of the class's super class, to look further up.
+ */
+bool ReadClassDefaults(const FUnrealPackage& Package, const std::string& ClassName, bool& bOutHasTags,
+	std::vector<std::string>& OutTags, std::string& OutSuperClassPath, FPackageError& OutError);

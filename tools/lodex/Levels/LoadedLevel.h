@@ -1,0 +1,34 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "LevelPackage.h"
+#include "LevelScene.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/** An actor read from a package, with the package it came from. */
+struct FLoadedActor
+{
+	FLevelActor Actor;
+	std::string Package;
+};
+
+/** One level as read from its files, before it becomes part of a scene. */
+struct FLoadedLevel
+{
+	std::string PackagePath;
+	/** `/Game/Maps/Main.Main` */
+	std::string WorldPath;
+	/** The file the level was read from, for messages. */
+	std::string File;
+	/** The actors of the level's Actors array, then those of its external actor packages. */
+	std::vector<FLoadedActor> Actors;
+};
+
+/**
+ * Makes the scene of the levels, in order (see FLevelScene). Attach parents are found by object path, across
+ * levels and packages; one that is not among the objects read is left out, with a note.
+ */
+bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::string& OutError);

@@ -1,0 +1,550 @@
+// Copyright Lodex contributors.
+#include "UnrealPackage.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace
+{
+	/** The smallest sizes of the table entries, to tell a count that cannot fit in the file. */
+	constexpr std::size_t SmallestNameEntry = 8; // an empty text's count, then two 16-bit hashes
+	constexpr std::size_t NameSizeLimit = 1024; // the engine's longest name, NUL included
+
+	std::string HexBytes(const std::string& Bytes, std::size_t Count)
+	{
+		std::string Text;
+		for (std::size_t Index = 0; Index < Count && Index < Bytes.size(); ++Index)
+		{
+			char Hex[4];
+			std::snprintf(Hex, sizeof(Hex), "%02X", static_cast<unsigned char>(Bytes[Index]));
+			Text += (Index > 0 ? " " : "") + std::string(Hex);
+		}
+		return Text;
+	}
+
+	std::string HexFlags(std::uint32_t Flags)
+	{
+		char Hex[16];
+		std::snprintf(Hex, sizeof(Hex), "0x%08X", Flags);
+		return Hex;
+	}
+
+	std::string ObjectWord(std::int32_t Index)
+	{
+		return Index > 0 ? "export " + std::to_string(Index - 1) : "import " + std::to_string(-Index - 1);
+	}
+}
+
+const char* UnrealPackageVersions::Describe()
+{
+	return "package file versions UE4 522 and UE5 1000 to 1004 (legacy version -8), as Unreal Engine 5.0 saves them";
+}
+
+bool FUnrealPackage::Read(std::string InBytes, std::string InPackagePath, FUnrealPackage& Out, FPackageError& OutError)
+{
+	FUnrealPackage Package;
+	Package.Bytes = std::move(InBytes);
+	Package.PackagePath = std::move(InPackagePath);
+	FPackageCursor Cursor(Package.Bytes, 0, Package.Bytes.size(), "the package summary");
+	if (!Package.ReadSummary(Cursor) || !Package.ReadNames(Cursor) || !Package.ReadImports(Cursor) ||
+		!Package.ReadExports(Cursor) || !Package.CheckOuterChains(Cursor))
+	{
+		OutError = Cursor.GetError();
+		return false;
+	}
+	Out = std::move(Package);
+	return true;
+}
+
+bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
+{
+	using namespace UnrealPackageVersions;
+	std::uint32_t FileTag = 0;
+	if (Bytes.size() < 4 || !Cursor.ReadUInt32(FileTag) || FileTag != Tag)
+	{
+		if (Bytes.size() >= 4 && FileTag == 0xC1832A9E)
+		{
+			return Cursor.Fail(0, "a byte-swapped (big-endian) package; Lodex reads the editor's little-endian packages");
+		}
+		return Cursor.Fail(0, "not an Unreal package: it starts with " +
+			(Bytes.empty() ? std::string("nothing (the file is empty)") : HexBytes(Bytes, 4)) +
+			", not the package tag C1 83 2A 9E");
+	}
+	Cursor.ReadInt32(Summary.LegacyFileVersion);
+	const std::int32_t Legacy = Summary.LegacyFileVersion;
+	if (Cursor.HasFailed())
+	{
+		return false;
+	}
+	if (Legacy >= 0 || Legacy < LegacyFileVersion || Legacy > -6)
+	{
+		const std::string Era = Legacy >= 0 ? "saved by Unreal Engine 3 or older" :
+			Legacy < LegacyFileVersion ? "saved by an engine newer than 5.0" : "saved by an early Unreal Engine 4";
+		return Cursor.Fail(4, Era + " (legacy file version " + std::to_string(Legacy) + "); Lodex reads " + Describe());
+	}
+	std::int32_t LegacyUE3Version = 0;
+	std::int32_t Licensee = 0;
+	Cursor.ReadInt32(LegacyUE3Version);
+	const std::size_t VersionOffset = Cursor.Tell();
+	Cursor.ReadInt32(Summary.FileVersionUE4);
+	if (Legacy <= -8)
+	{
+		Cursor.ReadInt32(Summary.FileVersionUE5);
+	}
+	Cursor.ReadInt32(Licensee);
+	std::int32_t CustomVersionCount = 0;
+	const std::size_t CustomVersionsOffset = Cursor.Tell();
+	Cursor.ReadInt32(CustomVersionCount);
+	if (Cursor.HasFailed())
+	{
+		return false;
+	}
+	if (CustomVersionCount < 0 || static_cast<std::size_t>(CustomVersionCount) > Cursor.Remaining() / 20)
+	{
+		return Cursor.Fail(CustomVersionsOffset, "the count of custom versions " +
+			std::to_string(CustomVersionCount) + " does not fit in the file (" + std::to_string(Bytes.size()) +
+			" bytes)");
+	}
+	Cursor.Skip(static_cast<std::size_t>(CustomVersionCount) * 20); // a GUID and a version each
+	if (Summary.FileVersionUE4 == 0 && Summary.FileVersionUE5 == 0 && Licensee == 0)
+	{
+		return Cursor.Fail(VersionOffset, "an unversioned package (cooked for a game); Lodex reads uncooked "
+			"packages saved by the editor, with their versions: " + std::string(Describe()));
+	}
+	const std::int32_t UE4 = Summary.FileVersionUE4;
+	const std::int32_t UE5 = Summary.FileVersionUE5;
+	// The summary's layout is known for the versions up to those 5.0 saves; past them the engine version is unknown.
+	const bool bKnownLayout = UE4 >= 336 && UE4 <= FileVersionUE4 && UE5 <= NewestFileVersionUE5;
+	const bool bReadable = Legacy == LegacyFileVersion && UE4 == FileVersionUE4 && UE5 >= OldestFileVersionUE5 &&
+		UE5 <= NewestFileVersionUE5;
+	std::string FolderName;
+	std::string LocalizationId;
+	std::int32_t TotalHeaderSize = 0;
+	const std::size_t FlagsOffset = [&]
+	{
+		Cursor.ReadInt32(TotalHeaderSize);
+		Cursor.ReadString(FolderName);
+		return Cursor.Tell();
+	}();
+	Cursor.ReadUInt32(Summary.PackageFlags);
+	const bool bFilterEditorOnly = (Summary.PackageFlags & PackageFlagFilterEditorOnly) != 0;
+	NameCountField = Cursor.Tell();
+	Cursor.ReadInt32(Summary.NameCount);
+	Cursor.ReadInt32(Summary.NameOffset);
+	if (bKnownLayout)
+	{
+		if (!bFilterEditorOnly && UE4 >= 516)
+		{
+			Cursor.ReadString(LocalizationId);
+		}
+		std::int32_t Ignored = 0;
+		if (UE4 >= 459)
+		{
+			Cursor.ReadInt32(Ignored); // gatherable text data: count and offset
+			Cursor.ReadInt32(Ignored);
+		}
+		ExportCountField = Cursor.Tell();
+		Summary.ExportCountOffset = ExportCountField;
+		Cursor.ReadInt32(Summary.ExportCount);
+		Cursor.ReadInt32(Summary.ExportOffset);
+		ImportCountField = Cursor.Tell();
+		Cursor.ReadInt32(Summary.ImportCount);
+		Cursor.ReadInt32(Summary.ImportOffset);
+		Cursor.ReadInt32(Ignored); // depends offset
+		Cursor.Skip((UE4 >= 384 ? 8 : 0) + (UE4 >= 510 ? 4 : 0) + 4 + 16); // soft references, searchable names, thumbnails, GUID
+		if (!bFilterEditorOnly && UE4 >= 518)
+		{
+			Cursor.Skip(UE4 < 520 ? 32 : 16); // persistent GUID (and the owner's, in two versions)
+		}
+		std::int32_t Generations = 0;
+		const std::size_t GenerationsOffset = Cursor.Tell();
+		Cursor.ReadInt32(Generations);
+		if (!Cursor.HasFailed() && (Generations < 0 || static_cast<std::size_t>(Generations) > Cursor.Remaining() / 8))
+		{
+			return Cursor.Fail(GenerationsOffset, "the count of generations " + std::to_string(Generations) +
+				" does not fit in the file (" + std::to_string(Bytes.size()) + " bytes)");
+		}
+		Cursor.Skip(static_cast<std::size_t>(Generations) * 8);
+		std::uint16_t Major = 0, Minor = 0, Patch = 0;
+		std::uint32_t Changelist = 0;
+		std::string Branch;
+		Cursor.ReadUInt16(Major);
+		Cursor.ReadUInt16(Minor);
+		Cursor.ReadUInt16(Patch);
+		Cursor.ReadUInt32(Changelist);
+		Cursor.ReadString(Branch);
+		if (Cursor.HasFailed())
+		{
+			return false;
+		}
+		Summary.SavedByEngineVersion = std::to_string(Major) + "." + std::to_string(Minor) + "." +
+			std::to_string(Patch) + "-" + std::to_string(Changelist & 0x7FFFFFFFu) + (Branch.empty() ? "" : "+" + Branch);
+	}
+	if (Cursor.HasFailed())
+	{
+		return false;
+	}
+	if (!bReadable)
+	{
+		std::string Versions = "package file version UE4 " + std::to_string(UE4);
+		if (Legacy <= -8)
+		{
+			Versions += " and UE5 " + std::to_string(UE5);
+		}
+		Versions += ", legacy version " + std::to_string(Legacy);
+		const bool bSavedByKnown =
+			!Summary.SavedByEngineVersion.empty() && Summary.SavedByEngineVersion.rfind("0.0.0-", 0) != 0;
+		const std::string Saved = bSavedByKnown
+			? "saved by Unreal Engine " + Summary.SavedByEngineVersion + " (" + Versions + ")"
+			: "saved with " + Versions;
+		return Cursor.Fail(VersionOffset, Saved + "; Lodex reads " + Describe());
+	}
+	if ((Summary.PackageFlags & (PackageFlagCooked | PackageFlagFilterEditorOnly | PackageFlagUnversionedProperties)) != 0)
+	{
+		return Cursor.Fail(FlagsOffset, "a cooked package (package flags " + HexFlags(Summary.PackageFlags) +
+			"); Lodex reads the editor's uncooked packages, as they sit in a project's Content folder");
+	}
+	return true;
+}
+
+bool FUnrealPackage::ReadName(FPackageCursor& Cursor, FPackageName& Out, const char* What)
+{
+	const std::size_t Start = Cursor.Tell();
+	if (!Cursor.ReadInt32(Out.Index) || !Cursor.ReadInt32(Out.Number))
+	{
+		return false;
+	}
+	if (!IsNameIndex(Out.Index))
+	{
+		return Cursor.Fail(Start, std::string(What) + ": name " + std::to_string(Out.Index) +
+			" is not in the name map (" + std::to_string(Names.size()) + " names)");
+	}
+	return true;
+}
+
+namespace
+{
+	/** Keeps the first failure of a cursor over a part of the file in the package's main cursor. */
+	bool KeepFailure(FPackageCursor& Main, const FPackageCursor& Part)
+	{
+		return Main.Fail(Part.GetError().Offset, Part.GetError().Reason);
+	}
+
+	/** Checks a table's count and offset against the file; Entry is the smallest size of one entry. */
+	bool CheckTable(FPackageCursor& Cursor, const char* Table, std::int32_t Count, std::int32_t Offset,
+		std::size_t CountField, std::size_t Entry)
+	{
+		const std::size_t Size = Cursor.GetBytes().size();
+		if (Count < 0)
+		{
+			return Cursor.Fail(CountField, std::string("the ") + Table + "'s count is negative (" +
+				std::to_string(Count) + ")");
+		}
+		if (Count == 0)
+		{
+			return true;
+		}
+		if (Offset < 0 || static_cast<std::size_t>(Offset) > Size)
+		{
+			return Cursor.Fail(CountField + 4, std::string("the ") + Table + "'s offset " + std::to_string(Offset) +
+				" is outside the file (" + std::to_string(Size) + " bytes)");
+		}
+		if (static_cast<std::size_t>(Count) > (Size - static_cast<std::size_t>(Offset)) / Entry)
+		{
+			return Cursor.Fail(CountField, std::string("the ") + Table + "'s count " + std::to_string(Count) +
+				" does not fit in the file: " + std::to_string(Entry) + " bytes or more each from byte " +
+				std::to_string(Offset) + ", in " + std::to_string(Size) + " bytes");
+		}
+		return true;
+	}
+}
+
+bool FUnrealPackage::ReadNames(FPackageCursor& Cursor)
+{
+	if (!CheckTable(Cursor, "name map", Summary.NameCount, Summary.NameOffset, NameCountField, SmallestNameEntry))
+	{
+		return false;
+	}
+	FPackageCursor Table(Bytes, Summary.NameCount > 0 ? static_cast<std::size_t>(Summary.NameOffset) : 0,
+		Bytes.size(), "the name map");
+	Names.reserve(static_cast<std::size_t>(Summary.NameCount));
+	for (std::int32_t Index = 0; Index < Summary.NameCount; ++Index)
+	{
+		const std::size_t Start = Table.Tell();
+		std::int32_t Length = 0;
+		if (!Table.ReadInt32(Length) || !Table.Seek(Start))
+		{
+			return KeepFailure(Cursor, Table);
+		}
+		if (Length > static_cast<std::int32_t>(NameSizeLimit) || Length < -static_cast<std::int32_t>(NameSizeLimit) ||
+			Length == 0)
+		{
+			return Cursor.Fail(Start, "the name map's entry " + std::to_string(Index) + " has a length of " +
+				std::to_string(Length) + " (a name holds 1 to 1024 characters with its NUL)");
+		}
+		std::string Name;
+		if (!Table.ReadString(Name) || !Table.Skip(4))
+		{
+			return KeepFailure(Cursor, Table);
+		}
+		if (Name.empty())
+		{
+			return Cursor.Fail(Start, "the name map's entry " + std::to_string(Index) + " is empty");
+		}
+		if (NoneName.Index < 0 && Name == "None")
+		{
+			NoneName.Index = Index;
+		}
+		Names.push_back(std::move(Name));
+	}
+	return true;
+}
+
+bool FUnrealPackage::ReadImports(FPackageCursor& Cursor)
+{
+	const bool bOptional = Summary.FileVersionUE5 >= UnrealPackageVersions::OptionalResources;
+	const std::size_t EntrySize = 36 + (bOptional ? 4 : 0);
+	if (!CheckTable(Cursor, "import map", Summary.ImportCount, Summary.ImportOffset, ImportCountField, EntrySize))
+	{
+		return false;
+	}
+	FPackageCursor Table(Bytes, Summary.ImportCount > 0 ? static_cast<std::size_t>(Summary.ImportOffset) : 0,
+		Bytes.size(), "the import map");
+	Imports.resize(static_cast<std::size_t>(Summary.ImportCount));
+	for (FPackageImport& Import : Imports)
+	{
+		FPackageName PackageName;
+		bool bImportOptional = false;
+		Import.Offset = Table.Tell();
+		if (!ReadName(Table, Import.ClassPackage, "an import's class package") ||
+			!ReadName(Table, Import.ClassName, "an import's class") || !Table.ReadInt32(Import.OuterIndex) ||
+			!ReadName(Table, Import.ObjectName, "an import's name") ||
+			!ReadName(Table, PackageName, "an import's package") || (bOptional && !Table.ReadBool32(bImportOptional)))
+		{
+			return KeepFailure(Cursor, Table);
+		}
+	}
+	return true;
+}
+
+bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
+{
+	const bool bOptional = Summary.FileVersionUE5 >= UnrealPackageVersions::OptionalResources;
+	const std::size_t EntrySize = 104 + (bOptional ? 4 : 0);
+	if (!CheckTable(Cursor, "export map", Summary.ExportCount, Summary.ExportOffset, ExportCountField, EntrySize))
+	{
+		return false;
+	}
+	FPackageCursor Table(Bytes, Summary.ExportCount > 0 ? static_cast<std::size_t>(Summary.ExportOffset) : 0,
+		Bytes.size(), "the export map");
+	Exports.resize(static_cast<std::size_t>(Summary.ExportCount));
+	for (std::size_t Index = 0; Index < Exports.size(); ++Index)
+	{
+		FPackageExport& Export = Exports[Index];
+		Export.Offset = Table.Tell();
+		std::int32_t TemplateIndex = 0;
+		std::uint32_t ObjectFlags = 0;
+		std::int64_t SerialSize = 0;
+		std::int64_t SerialOffset = 0;
+		if (!Table.ReadInt32(Export.ClassIndex) || !Table.ReadInt32(Export.SuperIndex) ||
+			!Table.ReadInt32(TemplateIndex) || !Table.ReadInt32(Export.OuterIndex) ||
+			!ReadName(Table, Export.ObjectName, "an export's name") || !Table.ReadUInt32(ObjectFlags))
+		{
+			return KeepFailure(Cursor, Table);
+		}
+		const std::size_t SerialField = Table.Tell();
+		// The serial size and offset; three flags, the package GUID and flags, two more flags (and one more from
+		// the optional resources on); the five dependency counts.
+		if (!Table.ReadInt64(SerialSize) || !Table.ReadInt64(SerialOffset) ||
+			!Table.Skip(12 + 16 + 4 + 8 + (bOptional ? 4 : 0) + 20))
+		{
+			return KeepFailure(Cursor, Table);
+		}
+		const std::size_t Size = Bytes.size();
+		if (SerialSize < 0 || SerialOffset < 0 || static_cast<std::uint64_t>(SerialOffset) > Size ||
+			static_cast<std::uint64_t>(SerialSize) > Size - static_cast<std::uint64_t>(SerialOffset))
+		{
+			return Cursor.Fail(SerialField, "export " + std::to_string(Index) + " '" + NameText(Export.ObjectName) +
+				"': its data (" + std::to_string(SerialSize) + " bytes at byte " + std::to_string(SerialOffset) +
+				") lies outside the file (" + std::to_string(Size) + " bytes)");
+		}
+		Export.SerialOffset = static_cast<std::size_t>(SerialOffset);
+		Export.SerialSize = static_cast<std::size_t>(SerialSize);
+	}
+	for (std::size_t Index = 0; Index < Imports.size(); ++Index)
+	{
+		if (!CheckObjectIndex(Cursor, Imports[Index].Offset + 16, Imports[Index].OuterIndex,
+				"import " + std::to_string(Index) + "'s outer"))
+		{
+			return false;
+		}
+	}
+	for (std::size_t Index = 0; Index < Exports.size(); ++Index)
+	{
+		const FPackageExport& Export = Exports[Index];
+		const std::string What = "export " + std::to_string(Index) + "'s ";
+		if (!CheckObjectIndex(Cursor, Export.Offset, Export.ClassIndex, What + "class") ||
+			!CheckObjectIndex(Cursor, Export.Offset + 4, Export.SuperIndex, What + "super") ||
+			!CheckObjectIndex(Cursor, Export.Offset + 12, Export.OuterIndex, What + "outer"))
+		{
+			return false;
+		}
+	}
+	return true;
+}
+
+bool FUnrealPackage::IsObjectIndex(std::int32_t Index) const
+{
+	if (Index >= 0)
+	{
+		return static_cast<std::size_t>(Index) <= Exports.size();
+	}
+	return static_cast<std::size_t>(-static_cast<std::int64_t>(Index)) <= Imports.size();
+}
+
+bool FUnrealPackage::CheckObjectIndex(
+	FPackageCursor& Cursor, std::size_t Offset, std::int32_t Index, const std::string& What)
+{
+	if (IsObjectIndex(Index))
+	{
+		return true;
+	}
+	return Cursor.Fail(Offset, What + " is " + ObjectWord(Index) + ", outside the " +
+		(Index > 0 ? "export map (" + std::to_string(Exports.size()) + " exports)"
+				   : "import map (" + std::to_string(Imports.size()) + " imports)"));
+}
+
+bool FUnrealPackage::CheckOuterChains(FPackageCursor& Cursor)
+{
+	// 0: not seen, 1: on the current walk, 2: known to end. Every object is walked once.
+	const std::size_t ImportCount = Imports.size();
+	std::vector<std::uint8_t> State(ImportCount + Exports.size() + 1, 0);
+	auto Slot = [&](std::int32_t Index)
+	{
+		return Index < 0 ? static_cast<std::size_t>(-static_cast<std::int64_t>(Index)) - 1
+						 : ImportCount + static_cast<std::size_t>(Index);
+	};
+	std::vector<std::int32_t> Walk;
+	for (std::int64_t Start = -static_cast<std::int64_t>(ImportCount); Start <= static_cast<std::int64_t>(Exports.size());
+		 ++Start)
+	{
+		Walk.clear();
+		for (std::int32_t Index = static_cast<std::int32_t>(Start); Index != 0 && State[Slot(Index)] != 2;
+			 Index = OuterOf(Index))
+		{
+			if (State[Slot(Index)] == 1)
+			{
+				const std::size_t Offset = Index < 0 ? Imports[Slot(Index)].Offset + 16
+													 : Exports[static_cast<std::size_t>(Index - 1)].Offset + 12;
+				return Cursor.Fail(Offset, "the outer chain of " + ObjectWord(Index) + " '" + ObjectName(Index) +
+					"' loops back to it");
+			}
+			State[Slot(Index)] = 1;
+			Walk.push_back(Index);
+		}
+		for (const std::int32_t Index : Walk)
+		{
+			State[Slot(Index)] = 2;
+		}
+	}
+	return true;
+}
+
+std::string FUnrealPackage::NameText(const FPackageName& Name) const
+{
+	std::string Text = IsNameIndex(Name.Index) ? Names[static_cast<std::size_t>(Name.Index)] : std::string("None");
+	if (Name.Number != 0)
+	{
+		Text += "_" + std::to_string(static_cast<std::int64_t>(Name.Number) - 1);
+	}
+	return Text;
+}
+
+std::string FUnrealPackage::ObjectName(std::int32_t Index) const
+{
+	if (Index > 0)
+	{
+		return NameText(Exports[static_cast<std::size_t>(Index - 1)].ObjectName);
+	}
+	if (Index < 0)
+	{
+		return NameText(Imports[static_cast<std::size_t>(-static_cast<std::int64_t>(Index) - 1)].ObjectName);
+	}
+	return std::string();
+}
+
+std::int32_t FUnrealPackage::OuterOf(std::int32_t Index) const
+{
+	if (Index > 0)
+	{
+		return Exports[static_cast<std::size_t>(Index - 1)].OuterIndex;
+	}
+	if (Index < 0)
+	{
+		return Imports[static_cast<std::size_t>(-static_cast<std::int64_t>(Index) - 1)].OuterIndex;
+	}
+	return 0;
+}
+
+std::string FUnrealPackage::ClassNameOf(std::int32_t Index) const
+{
+	if (Index > 0)
+	{
+		return ObjectName(Exports[static_cast<std::size_t>(Index - 1)].ClassIndex);
+	}
+	if (Index < 0)
+	{
+		return NameText(Imports[static_cast<std::size_t>(-static_cast<std::int64_t>(Index) - 1)].ClassName);
+	}
+	return std::string();
+}
+
+std::string FUnrealPackage::ObjectPath(std::int32_t Index) const
+{
+	std::vector<std::int32_t> Chain;
+	for (std::int32_t Current = Index; Current != 0; Current = OuterOf(Current))
+	{
+		Chain.push_back(Current);
+	}
+	if (Chain.empty())
+	{
+		return std::string();
+	}
+	std::string Path;
+	std::size_t Depth = Chain.size();
+	if (Chain.back() > 0)
+	{
+		Path = PackagePath; // a top-level export lies in this package
+		++Depth;
+	}
+	for (std::size_t Step = Chain.size(); Step-- > 0;)
+	{
+		const std::size_t Level = Depth - 1 - Step; // 0: the package, 1: a top-level object, 2 and on: subobjects
+		if (Level == 1)
+		{
+			Path += ".";
+		}
+		else if (Level == 2)
+		{
+			Path += ":";
+		}
+		else if (Level > 2)
+		{
+			Path += ".";
+		}
+		Path += ObjectName(Chain[Step]);
+	}
+	return Path;
+}
+
+std::int32_t FUnrealPackage::FindExport(std::int32_t Outer, const std::string& Name) const
+{
+	for (std::size_t Index = 0; Index < Exports.size(); ++Index)
+	{
+		if (Exports[Index].OuterIndex == Outer && NameText(Exports[Index].ObjectName) == Name)
+		{
+			return static_cast<std::int32_t>(Index + 1);
+		}
+	}
+	return 0;
+}
