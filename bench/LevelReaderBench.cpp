@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 // Reading levels: a generated level of 100,000 actors with 3 components each, and any real levels named in
 // LODEX_BENCH_LEVELS (paths separated by ':'), each read as `lodex` reads a map.
-#include "Levels/LevelScene.h"
+#include "Scenes/LevelScene.h"
 #include "TestPackageWriter.h"
 
 #include <benchmark/benchmark.h>

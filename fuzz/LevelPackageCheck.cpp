@@ -2,9 +2,9 @@
 // Fuzz target level_package: a level file read into a scene, as `lodex` reads a .umap (without the files around it),
 // then each object found by its id and its Lodestring built.
 #include "FuzzProperties.h"
-#include "Levels/LevelScene.h"
+#include "Scenes/LevelScene.h"
 
-#include "LodexDebugger/Core/Paths/Lodestring.h"
+#include "LodexDebugger/Core/Lodestring/Lodestring.h"
 
 #include <cstdlib>
 #include <string>

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 // Bad input: every way a level file can be wrong gives one line naming the file and the byte offset, never a crash
 // or a read outside the file.
-#include "Levels/LevelScene.h"
+#include "Scenes/LevelScene.h"
 #include "TempDir.h"
 #include "TestPackageWriter.h"
 

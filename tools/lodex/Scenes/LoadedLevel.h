@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-#include "LevelPackage.h"
+#include "Packages/LevelPackage.h"
 #include "LevelScene.h"
 
 #include <cstddef>

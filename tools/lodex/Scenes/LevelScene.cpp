@@ -2,7 +2,7 @@
 #include "LevelScene.h"
 
 #include "LoadedLevel.h"
-#include "UnrealPackage.h"
+#include "Packages/UnrealPackage.h"
 
 #include <fstream>
 #include <string_view>

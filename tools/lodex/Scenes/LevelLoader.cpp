@@ -3,8 +3,8 @@
 #include "LevelScene.h"
 
 #include "LoadedLevel.h"
-#include "TaggedProperties.h"
-#include "WholeFile.h"
+#include "Packages/TaggedProperties.h"
+#include "Cli/WholeFile.h"
 
 #include <algorithm>
 #include <filesystem>

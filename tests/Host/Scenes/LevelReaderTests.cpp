@@ -2,7 +2,7 @@
 // What a level file gives as a scene: names, classes, labels, tags, components, attach parents, and the files a
 // level is made of (external actors, sub-levels, redirectors, Blueprint classes), each read from packages laid out
 // in a temporary Content folder by the test package writer.
-#include "Levels/LevelScene.h"
+#include "Scenes/LevelScene.h"
 #include "TempDir.h"
 #include "TestPackageWriter.h"
 
