@@ -86,7 +86,7 @@ namespace
 		Options.Scene = &Scene;
 		FInputLogReplay Replay;
 		EXPECT_FALSE(ReplayInputLog(Log, "log", Options, Replay, Error));
-		EXPECT_EQ(Error, "log:3: the scene: no object has the id or name 'nobody'");
+		EXPECT_EQ(Error, "log:3: the scene: no object has the id, name or label 'nobody'");
 		ASSERT_TRUE(ReplayInputLog(Log.substr(0, Log.rfind("{\"frame\": 2")), "log", Options, Replay, Error));
 		EXPECT_EQ(Replay.Script,
 			" api = new velt.unreal_api.ApiClient();\r\napi.Connect(\"h\");\r\n"

@@ -61,7 +61,7 @@ namespace
 		const FLodexRun Unknown = RunLodex({"path", "--scene", ScenePath, "door", "Nobody"});
 		EXPECT_EQ(Unknown.Exit, 1);
 		EXPECT_EQ(Unknown.Out, "") << "nothing is printed when one object is wrong";
-		EXPECT_EQ(Unknown.Err, "lodex: " + ScenePath + ": no object has the id or name 'Nobody'\n");
+		EXPECT_EQ(Unknown.Err, "lodex: " + ScenePath + ": no object has the id, name or label 'Nobody'\n");
 		const FLodexRun Ambiguous = RunLodex({"path", "--scene", ScenePath, "Comp"});
 		EXPECT_EQ(Ambiguous.Exit, 1);
 		EXPECT_EQ(Ambiguous.Err, "lodex: " + ScenePath + ": 3 objects are named 'Comp'; name one by its id\n");

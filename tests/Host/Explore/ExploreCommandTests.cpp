@@ -273,7 +273,7 @@ namespace
 		EXPECT_EQ(Run.Err,
 			"lodex: line 2: unknown action \"jump\" (expected select, tree, search, pick, menu, choose, show, open, "
 			"close or help)\n"
-			"lodex: line 3: select: no object has the id or name 'nobody'\n"
+			"lodex: line 3: select: no object has the id, name or label 'nobody'\n"
 			"lodex: line 4: pick: the Methods list shows no row \"Fly\"\n"
 			"lodex: line 5: choose: no context menu is open (\"menu properties\", \"menu methods\" or \"menu tree\" "
 			"opens one)\n"

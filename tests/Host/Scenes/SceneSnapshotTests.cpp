@@ -45,7 +45,7 @@ namespace
 		EXPECT_FALSE(Scene.FindObject("Twin", Error));
 		EXPECT_EQ(Error, "2 objects are named 'Twin'; name one by its id");
 		EXPECT_FALSE(Scene.FindObject("Nobody", Error));
-		EXPECT_EQ(Error, "no object has the id or name 'Nobody'");
+		EXPECT_EQ(Error, "no object has the id, name or label 'Nobody'");
 	}
 
 	struct FBadSnapshotRow

@@ -2,7 +2,7 @@
 #include "ExplorerHost.h"
 #include "Cli/LodexCli.h"
 #include "LodexTool.h"
-#include "Scenes/SceneSnapshot.h"
+#include "Scenes/SceneFile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -18,19 +18,22 @@ namespace
 			CLI::App* Sub = Parent.add_subcommand("explore",
 				"Open the Object Explorer on a scene: user actions from standard input, one a line (\"help\" lists "
 				"them); what the panel shows, its log lines and the clipboard on standard output");
-			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON), with classes")->required();
+			Sub->add_option("--scene", SceneFile.Path,
+				   "Scene file: a snapshot (JSON) with classes, or a level (.umap, which holds no classes)")
+				->required();
+			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
 			return Sub;
 		}
 
 		int Run(FLodexCliIo& Io) override
 		{
-			FSceneSnapshot Scene;
-			std::string Error;
-			if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+			FSceneFile SceneRead;
+			if (!LoadSceneFileFor(SceneFile, SceneRead, Io.Err))
 			{
-				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
+			const FSceneSnapshot& Scene = SceneRead.Scene;
+			std::string Error;
 			std::istream& In = Io.In != nullptr ? *Io.In : std::cin;
 			FHeadlessExplorer Explorer(Scene, Io.Out);
 			bool bAllDone = true;
@@ -58,7 +61,7 @@ namespace
 		}
 
 	private:
-		std::string ScenePath;
+		FSceneFileOptions SceneFile;
 	};
 }
 

@@ -5,7 +5,7 @@
 #include "Cli/LodexCli.h"
 #include "LodexTool.h"
 #include "Scenes/SceneEvaluation.h"
-#include "Scenes/SceneSnapshot.h"
+#include "Scenes/SceneFile.h"
 #include "Cli/WholeFile.h"
 
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
@@ -201,7 +201,8 @@ namespace
 			CLI::App* Sub = Parent.add_subcommand("lint",
 				"Check the Lodestrings that C# tests pass to api calls: each must match exactly one object of the "
 				"scene");
-			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
+			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)")->required();
+			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
 			Sub->add_option("tests", Tests, "C# files, or folders searched for .cs files")->required();
 			Sub->add_flag("--strict", bStrict, "Warnings fail the run as errors do");
 			Sub->add_option("--max-depth", Options.MaxAbsoluteDepth,
@@ -216,13 +217,15 @@ namespace
 
 		int Run(FLodexCliIo& Io) override
 		{
-			FSceneSnapshot Scene;
-			std::string Error;
-			if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+			FSceneFile SceneRead;
+			if (!LoadSceneFileFor(SceneFile, SceneRead, Io.Err))
 			{
-				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
+			const FSceneSnapshot& Scene = SceneRead.Scene;
+			// A level holds what is saved: an object spawned at play time is not in it.
+			Options.bSceneHoldsOnlyPlaced = SceneRead.bIsLevel;
+			std::string Error;
 			std::vector<FTestFile> Files;
 			if (!ReadTestFiles(Tests, Files, Error))
 			{
@@ -243,7 +246,7 @@ namespace
 		}
 
 	private:
-		std::string ScenePath;
+		FSceneFileOptions SceneFile;
 		std::vector<std::string> Tests;
 		bool bStrict = false;
 		FLodexLintOptions Options;

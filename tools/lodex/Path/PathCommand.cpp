@@ -4,7 +4,7 @@
 #include "Cli/LodexCli.h"
 #include "LodexTool.h"
 #include "Scenes/SceneEvaluation.h"
-#include "Scenes/SceneSnapshot.h"
+#include "Scenes/SceneFile.h"
 
 #include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Paths/LodexBestCopy.h"
@@ -22,21 +22,20 @@ namespace
 	constexpr const char* BestMode = "best";
 
 	/** Loads the scene and resolves the named objects; on failure writes one line and returns false. */
-	bool LoadSceneAndObjects(const std::string& ScenePath, const std::vector<std::string>& Names,
-		FSceneSnapshot& OutScene, std::vector<FLodexObject>& OutObjects, FLodexCliIo& Io)
+	bool LoadSceneAndObjects(const FSceneFileOptions& SceneFile, const std::vector<std::string>& Names,
+		FSceneFile& OutFile, std::vector<FLodexObject>& OutObjects, FLodexCliIo& Io)
 	{
-		std::string Error;
-		if (!FSceneSnapshot::LoadFile(ScenePath, OutScene, Error))
+		if (!LoadSceneFileFor(SceneFile, OutFile, Io.Err))
 		{
-			Io.Err << "lodex: " << Error << "\n";
 			return false;
 		}
+		std::string Error;
 		for (const std::string& Name : Names)
 		{
-			const FLodexObject Object = OutScene.FindObject(Name, Error);
+			const FLodexObject Object = OutFile.Scene.FindObject(Name, Error);
 			if (!Object)
 			{
-				Io.Err << "lodex: " << ScenePath << ": " << Error << "\n";
+				Io.Err << "lodex: " << SceneFile.Path << ": " << Error << "\n";
 				return false;
 			}
 			OutObjects.push_back(Object);
@@ -50,23 +49,25 @@ namespace
 		CLI::App* Register(CLI::App& Parent) override
 		{
 			CLI::App* Sub = Parent.add_subcommand("path", "Print the Lodestring of each object, one a line");
-			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
+			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)")->required();
+			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
 			Sub->add_option("--mode", Mode,
 				   "Absolute, Relative or Tag (exact case), or best: the shortest, most stable Lodestring "
 				   "that finds the object alone; any other text gives no node steps")
 				->default_val("Absolute");
-			Sub->add_option("objects", Objects, "Object ids, or names that exactly one object has")->required();
+			Sub->add_option("objects", Objects, "Object ids, or names (or editor labels) that exactly one object has")->required();
 			return Sub;
 		}
 
 		int Run(FLodexCliIo& Io) override
 		{
-			FSceneSnapshot Scene;
+			FSceneFile File;
 			std::vector<FLodexObject> Resolved;
-			if (!LoadSceneAndObjects(ScenePath, Objects, Scene, Resolved, Io))
+			if (!LoadSceneAndObjects(SceneFile, Objects, File, Resolved, Io))
 			{
 				return LodexExitFailure;
 			}
+			const FSceneSnapshot& Scene = File.Scene;
 			std::string Text;
 			if (Mode == BestMode)
 			{
@@ -101,7 +102,7 @@ namespace
 		}
 
 	private:
-		std::string ScenePath;
+		FSceneFileOptions SceneFile;
 		std::string Mode = LodestringModes::Absolute;
 		std::vector<std::string> Objects;
 	};
@@ -113,7 +114,8 @@ namespace
 		{
 			CLI::App* Sub = Parent.add_subcommand(
 				"copy", "Run a \"MenuTool\" command on a selection: log each Lodestring, copy it to the clipboard");
-			Sub->add_option("--scene", ScenePath, "Scene snapshot file (JSON)")->required();
+			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)")->required();
+			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
 			std::vector<std::string> Modes;
 			for (const FLodexCommandInfo& Command : GetMenuToolCommandSet().Commands)
 			{
@@ -130,18 +132,19 @@ namespace
 				->check(CLI::Validator([](const std::string& Value)
 					{ return Value.empty() ? std::string("needs a file name") : std::string(); },
 					"FILE"));
-			Sub->add_option("objects", Objects, "The selection, in order: object ids or unique names");
+			Sub->add_option("objects", Objects, "The selection, in order: object ids, or names or editor labels that one object has");
 			return Sub;
 		}
 
 		int Run(FLodexCliIo& Io) override
 		{
-			FSceneSnapshot Scene;
+			FSceneFile File;
 			std::vector<FLodexObject> Resolved;
-			if (!LoadSceneAndObjects(ScenePath, Objects, Scene, Resolved, Io))
+			if (!LoadSceneAndObjects(SceneFile, Objects, File, Resolved, Io))
 			{
 				return LodexExitFailure;
 			}
+			const FSceneSnapshot& Scene = File.Scene;
 			FHostOutput Output(Io.Out, Io.Err,
 				ClipboardFile.empty() ? EClipboardTarget::System : EClipboardTarget::File, ClipboardFile);
 			FLodexClipboardCapture Capture(Output);
@@ -166,7 +169,7 @@ namespace
 		}
 
 	private:
-		std::string ScenePath;
+		FSceneFileOptions SceneFile;
 		std::string Mode;
 		std::string ClipboardFile;
 		std::vector<std::string> Objects;

@@ -6,7 +6,7 @@
 #include "Cli/LodexCli.h"
 #include "LodexTool.h"
 #include "SampleSession.h"
-#include "Scenes/SceneSnapshot.h"
+#include "Scenes/SceneFile.h"
 #include "Cli/WholeFile.h"
 
 #include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"
@@ -31,7 +31,9 @@ namespace
 				"record", "Turn an input log into the script the Input Recorder holds after Stop");
 			Sub->add_option("--input", InputPath, "Input log (JSON Lines)")->required();
 			Sub->add_flag("--fps", bForceFps, "Write every duration in the FPS form, as with \"Use FPS\" checked");
-			Sub->add_option("--scene", ScenePath, "Scene snapshot in which the log's buttons find their objects");
+			Sub->add_option("--scene", SceneFile.Path,
+				"Scene file (a snapshot or a level) in which the log's buttons find their objects");
+			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
 			Sub->add_option("--out", OutPath, "Save the script to this file instead of printing it");
 			return Sub;
 		}
@@ -45,17 +47,16 @@ namespace
 				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
-			FSceneSnapshot Scene;
+			FSceneFile SceneRead;
 			FInputLogReplayOptions Options;
 			Options.bForceFps = bForceFps;
-			if (!ScenePath.empty())
+			if (!SceneFile.Path.empty())
 			{
-				if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+				if (!LoadSceneFileFor(SceneFile, SceneRead, Io.Err))
 				{
-					Io.Err << "lodex: " << Error << "\n";
 					return LodexExitFailure;
 				}
-				Options.Scene = &Scene;
+				Options.Scene = &SceneRead.Scene;
 			}
 			FInputLogReplay Replay;
 			if (!ReplayInputLog(Text, InputPath, Options, Replay, Error))
@@ -79,7 +80,7 @@ namespace
 	private:
 		std::string InputPath;
 		bool bForceFps = false;
-		std::string ScenePath;
+		FSceneFileOptions SceneFile;
 		std::string OutPath;
 	};
 }

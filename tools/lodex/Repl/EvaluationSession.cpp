@@ -414,10 +414,11 @@ void AddLodexEvaluationOptions(CLI::App& Command, FLodexSessionOptions& Options)
 	// Exactly one evaluator: the native one over a scene, or the scripted one.
 	CLI::Option_group* Evaluator = Command.add_option_group("evaluator", "Which evaluator answers (one of them)");
 	Evaluator->add_option(
-		"--scene", Options.SceneFile, "A scene snapshot (JSON) on which the native evaluator answers");
+		"--scene", Options.SceneFile, "A scene file, a snapshot (JSON) or a level (.umap), on which the native evaluator answers");
 	Evaluator->add_option("--evaluator", Options.EvaluatorFile,
 		"Canned answers for the scripted evaluator instead (text; see docs/scripted-evaluator.md)");
 	Evaluator->require_option(1);
+	Command.add_flag("--no-sublevels", Options.bNoSubLevels, LodexNoSubLevelsHelp);
 	Command.add_flag("--game-not-running", Options.bGameNotRunning,
 		"The editor plays no game: requests are refused as in the editor");
 }
@@ -439,7 +440,7 @@ std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexSessionOptions& 
 {
 	if (!Options.SceneFile.empty() || Options.EvaluatorFile.empty())
 	{
-		return MakeLodexSceneEvaluator(Options.SceneFile, Err);
+		return MakeLodexSceneEvaluator({Options.SceneFile, Options.bNoSubLevels}, Err);
 	}
 	std::string Text;
 	std::string Error;

@@ -17,8 +17,10 @@ namespace CLI
 /** The options `lodex repl` and `lodex debug` share: which evaluator answers, and the game's state. */
 struct FLodexSessionOptions
 {
-	/** A scene snapshot the native evaluator answers on (see docs/lodestring.md). */
+	/** A scene file (a snapshot or a level) the native evaluator answers on (see docs/lodestring.md). */
 	std::string SceneFile;
+	/** For a level: leave out its streaming sub-levels. */
+	bool bNoSubLevels = false;
 	/** Canned answers for the scripted evaluator (see docs/scripted-evaluator.md). */
 	std::string EvaluatorFile;
 	bool bGameNotRunning = false;

@@ -52,7 +52,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 	{
 		FSceneObjectLinks Link;
 		Link.Outer = Outer;
-		Object.Origin = "placed";
+		Object.Origin = LodexSceneOrigin::Placed;
 		Objects.push_back(std::move(Object));
 		Links.push_back(Link);
 		return Objects.size() - 1;

@@ -51,14 +51,12 @@ namespace
 	};
 }
 
-std::unique_ptr<ILodexEvaluator> MakeLodexSceneEvaluator(const std::string& ScenePath, std::ostream& Err)
+std::unique_ptr<ILodexEvaluator> MakeLodexSceneEvaluator(const FSceneFileOptions& SceneFile, std::ostream& Err)
 {
-	FSceneSnapshot Scene;
-	std::string Error;
-	if (!FSceneSnapshot::LoadFile(ScenePath, Scene, Error))
+	FSceneFile Read;
+	if (!LoadSceneFileFor(SceneFile, Read, Err))
 	{
-		Err << "lodex: " << Error << "\n";
 		return nullptr;
 	}
-	return std::make_unique<FSceneBlockEvaluator>(std::move(Scene));
+	return std::make_unique<FSceneBlockEvaluator>(std::move(Read.Scene));
 }

@@ -116,9 +116,20 @@ bool FSceneSnapshot::ReadObjects(
 			return true;
 		};
 		if (!ReadString("id", Object.Id, true) || !ReadString("kind", Object.Kind, true) ||
-			!ReadString("name", Object.Name, true))
+			!ReadString("name", Object.Name, true) || !ReadString("label", Object.Label, false) ||
+			!ReadString("className", Object.ClassName, false))
 		{
 			return false;
+		}
+		const auto PlacedIt = Entry.find("placed");
+		if (PlacedIt != Entry.end() && !PlacedIt->is_null())
+		{
+			if (!PlacedIt->is_boolean())
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field 'placed' must be true or false, found " +
+					JsonTypeName(*PlacedIt));
+			}
+			Object.Origin = PlacedIt->get<bool>() ? LodexSceneOrigin::Placed : LodexSceneOrigin::Spawned;
 		}
 		if (Object.Id.empty())
 		{
@@ -308,14 +319,29 @@ FLodexObject FSceneSnapshot::FindObject(const std::string& IdOrName, std::string
 	{
 		return Handle(*ByName);
 	}
-	if (NameMatches == 0)
-	{
-		OutError = "no object has the id or name '" + IdOrName + "'";
-	}
-	else
+	if (NameMatches > 1)
 	{
 		OutError = std::to_string(NameMatches) + " objects are named '" + IdOrName + "'; name one by its id";
+		return FLodexObject();
 	}
+	// Last, an editor label, as levels give them: only a label that one object has alone names it.
+	const FSceneObject* ByLabel = nullptr;
+	std::size_t LabelMatches = 0;
+	for (const FSceneObject& Object : Objects)
+	{
+		if (!Object.Label.empty() && Object.Label == IdOrName)
+		{
+			ByLabel = ByLabel ? ByLabel : &Object;
+			++LabelMatches;
+		}
+	}
+	if (LabelMatches == 1)
+	{
+		return Handle(*ByLabel);
+	}
+	OutError = LabelMatches == 0
+		? "no object has the id, name or label '" + IdOrName + "'"
+		: std::to_string(LabelMatches) + " objects have the label '" + IdOrName + "'; name one by its id or name";
 	return FLodexObject();
 }
 
@@ -361,6 +387,14 @@ FLodexObject FSceneSnapshot::GetWidgetParent(FLodexObject Object) const
 FLodexObject FSceneSnapshot::GetRootWidget(FLodexObject Object) const
 {
 	return FLodexObject(Resolve(Object).RootWidget);
+}
+
+ELodexPlacement FSceneSnapshot::GetPlacement(FLodexObject Object) const
+{
+	const std::string& Origin = Resolve(Object).Origin;
+	return Origin == LodexSceneOrigin::Placed ? ELodexPlacement::Placed
+		: Origin == LodexSceneOrigin::Spawned ? ELodexPlacement::Spawned
+											  : ELodexPlacement::Unknown;
 }
 
 bool FSceneSnapshot::GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const

@@ -11,6 +11,15 @@
 #include <string>
 #include <vector>
 
+/** Where an object of a scene came from (`FSceneObject::Origin`). */
+namespace LodexSceneOrigin
+{
+	/** Saved with its level: every object read from a level, and those a snapshot marks `"placed": true`. */
+	inline constexpr const char* Placed = "placed";
+	/** Spawned at play time: those a snapshot marks `"placed": false`. */
+	inline constexpr const char* Spawned = "spawned";
+}
+
 /** One object of a scene snapshot file. References to other objects are resolved to pointers. */
 struct FSceneObject
 {
@@ -29,7 +38,10 @@ struct FSceneObject
 	std::string Label;
 	/** The class name as text (`StaticMeshActor`, `BP_Door_C`), for objects read from a level. */
 	std::string ClassName;
-	/** "placed" for every object read from a level; empty in snapshot files. */
+	/**
+	 * `LodexSceneOrigin::Placed` or `Spawned`: every object read from a level is placed, a snapshot says so in
+	 * "placed"; empty when unknown.
+	 */
 	std::string Origin;
 	/** The package the object was read from (`/Game/Maps/Main`, or an external actor package); empty otherwise. */
 	std::string Package;
@@ -84,7 +96,10 @@ public:
 	/** The classes of the file's "classes" (see SceneClasses.h); empty for a file without reflection. */
 	const std::vector<FSceneClass>& GetClasses() const { return Classes; }
 
-	/** The object with this id, or else the one object with this name; null and a message otherwise. */
+	/**
+	 * The object with this id, or else the one object with this name, or else the one object with this editor
+	 * label; null and a message otherwise.
+	 */
 	FLodexObject FindObject(const std::string& IdOrName, std::string& OutError) const;
 
 	static FLodexObject Handle(const FSceneObject& Object) { return FLodexObject(&Object); }
@@ -98,6 +113,7 @@ public:
 	FLodexObject GetWidgetParent(FLodexObject Object) const override;
 	FLodexObject GetRootWidget(FLodexObject Object) const override;
 	bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override;
+	ELodexPlacement GetPlacement(FLodexObject Object) const override;
 	//~ End ILodexObjectGraph Interface
 
 private:

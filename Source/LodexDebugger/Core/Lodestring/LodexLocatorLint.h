@@ -43,6 +43,11 @@ struct FLodexLintOptions
 	std::size_t MaxAbsoluteDepth = 5;
 	/** Whether the call the locator is passed to acts on one object (a click), not on a list. */
 	bool bExpectsOneObject = true;
+	/**
+	 * Whether the scene holds only what its level saves (it was read from the level's files): an object spawned at
+	 * play time is then missing from it, so a locator that matches nothing is a warning, not an error.
+	 */
+	bool bSceneHoldsOnlyPlaced = false;
 };
 
 /** One problem of one locator. */

@@ -1,0 +1,43 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "SceneSnapshot.h"
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+/** What a command reads as its scene: a snapshot file (JSON) or a level saved by the engine. */
+struct FSceneFileOptions
+{
+	std::string Path;
+	/** For a level: leave out the streaming sub-levels it names. */
+	bool bNoSubLevels = false;
+};
+
+/** A scene read from a file, and what the reading has to tell the user. */
+struct FSceneFile
+{
+	FSceneSnapshot Scene;
+	/** Whether the file was a level (its objects are all placed), not a snapshot. */
+	bool bIsLevel = false;
+	/** One line each: a redirector followed, a sub-level or class not found, ... (levels only). */
+	std::vector<std::string> Notes;
+};
+
+/** The help text of `--no-sublevels`, the same for every command that reads a scene. */
+inline constexpr const char* LodexNoSubLevelsHelp =
+	"For a level: read only the level itself, not the streaming sub-levels it names";
+
+/**
+ * Reads a scene file, told apart by its content, not its name: a file that starts like an Unreal package is read
+ * as a level (docs/levels.md), any other as a scene snapshot (docs/scene-snapshot.md). On failure returns false
+ * with one line naming the file (and the line and column, or the byte offset) in OutError.
+ */
+bool LoadSceneFile(const FSceneFileOptions& Options, FSceneFile& Out, std::string& OutError);
+
+/**
+ * LoadSceneFile for a command: its notes go to Err as "lodex: note: ..." lines, a failure as "lodex: ..." and
+ * false.
+ */
+bool LoadSceneFileFor(const FSceneFileOptions& Options, FSceneFile& Out, std::ostream& Err);
