@@ -293,6 +293,26 @@ namespace
 		}
 	}
 
+	TEST(BadLevel, NamesThatWouldMakeTwoObjectsOneAreErrors)
+	{
+		FTestMap Twins;
+		FTestActor Cube;
+		Cube.Name = "Cube";
+		Cube.Components = {{"Mesh"}, {"Mesh", "PointLightComponent"}};
+		Twins.Actors = {Cube};
+		const FBadMap TwinMap = Build(Twins);
+		EXPECT_EQ(ReadError(TwinMap.Bytes), "level.umap: byte " + std::to_string(TwinMap.Layout.ExportEntries[4] + 16) +
+			": actor 'Cube' holds a second component named 'Mesh'");
+
+		FTestMap Dotted;
+		Cube.Name = "Cube.Mesh";
+		Cube.Components = {};
+		Dotted.Actors = {Cube};
+		const FBadMap DottedMap = Build(Dotted);
+		EXPECT_EQ(ReadError(DottedMap.Bytes), "level.umap: byte " + std::to_string(DottedMap.Layout.ExportEntries[2] + 16) +
+			": the name of actor 'Cube.Mesh' holds '.', which no object name holds");
+	}
+
 	TEST(BadLevel, APackageThatHoldsNoLevelSaysWhatItHolds)
 	{
 		const FBadMap Good = OneActor(nullptr);

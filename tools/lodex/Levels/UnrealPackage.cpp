@@ -31,7 +31,8 @@ namespace
 
 	std::string ObjectWord(std::int32_t Index)
 	{
-		return Index > 0 ? "export " + std::to_string(Index - 1) : "import " + std::to_string(-Index - 1);
+		const std::int64_t Wide = Index;
+		return Wide > 0 ? "export " + std::to_string(Wide - 1) : "import " + std::to_string(-Wide - 1);
 	}
 }
 
