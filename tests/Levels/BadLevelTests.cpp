@@ -274,6 +274,8 @@ namespace
 				"the object's data at byte " + std::to_string(Good.Layout.ExportData[2])},
 			{Count + 4, 99, "byte " + std::to_string(Count + 4) + ": the level's Actors[0] is object 99, which the "
 				"package does not list"},
+			{Count + 4, 1, "byte " + std::to_string(Count + 4) + ": the level's Actors[0] is export 0 'Main', which the "
+				"level does not hold"},
 			{World + 12, 1, "byte " + std::to_string(World + 12) + ": the world's persistent level is object 1, not a "
 				"level the world holds"},
 			{World + 20, 3, "byte " + std::to_string(World + 20) + ": the world's StreamingLevels has a count of 3, past "

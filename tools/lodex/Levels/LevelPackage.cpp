@@ -466,8 +466,16 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 	const FExportChildren Children(Package);
 	Out.Actors.reserve(Actors.size());
 	std::vector<bool> Listed(Package.GetExports().size() + 1, false);
-	for (const std::int32_t Actor : Actors)
+	for (std::size_t Entry = 0; Entry < Actors.size(); ++Entry)
 	{
+		const std::int32_t Actor = Actors[Entry];
+		if (IsExport(Actor) && Package.OuterOf(Actor) != Level)
+		{
+			OutError.Offset = Offset + 4 + 4 * Entry;
+			OutError.Reason = "the level's Actors[" + std::to_string(Entry) + "] is export " + std::to_string(Actor - 1) +
+				" '" + Package.ObjectName(Actor) + "', which the level does not hold";
+			return false;
+		}
 		// Null entries are deleted actors; imports are actors kept in packages of their own (World Partition). An
 		// actor the array names again is the same actor.
 		if (!IsExport(Actor) || Listed[static_cast<std::size_t>(Actor)])
