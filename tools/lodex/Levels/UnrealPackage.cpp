@@ -121,12 +121,9 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 	std::string FolderName;
 	std::string LocalizationId;
 	std::int32_t TotalHeaderSize = 0;
-	const std::size_t FlagsOffset = [&]
-	{
-		Cursor.ReadInt32(TotalHeaderSize);
-		Cursor.ReadString(FolderName);
-		return Cursor.Tell();
-	}();
+	Cursor.ReadInt32(TotalHeaderSize);
+	Cursor.ReadString(FolderName);
+	const std::size_t FlagsOffset = Cursor.Tell();
 	Cursor.ReadUInt32(Summary.PackageFlags);
 	const bool bFilterEditorOnly = (Summary.PackageFlags & PackageFlagFilterEditorOnly) != 0;
 	NameCountField = Cursor.Tell();
