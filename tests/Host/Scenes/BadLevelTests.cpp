@@ -274,6 +274,8 @@ namespace
 				"the object's data at byte " + std::to_string(Good.Layout.ExportData[2])},
 			{Count + 4, 99, "byte " + std::to_string(Count + 4) + ": the level's Actors[0] is object 99, which the "
 				"package does not list"},
+			{Count + 4, 1, "byte " + std::to_string(Count + 4) + ": the level's Actors[0] is export 0 'Main', which the "
+				"level does not hold"},
 			{World + 12, 1, "byte " + std::to_string(World + 12) + ": the world's persistent level is object 1, not a "
 				"level the world holds"},
 			{World + 20, 3, "byte " + std::to_string(World + 20) + ": the world's StreamingLevels has a count of 3, past "
@@ -291,6 +293,26 @@ namespace
 			PatchInt32(Bytes, Row.Offset, Row.Value);
 			EXPECT_EQ(ReadError(Bytes), "level.umap: " + Row.Error);
 		}
+	}
+
+	TEST(BadLevel, NamesThatWouldMakeTwoObjectsOneAreErrors)
+	{
+		FTestMap Twins;
+		FTestActor Cube;
+		Cube.Name = "Cube";
+		Cube.Components = {{"Mesh"}, {"Mesh", "PointLightComponent"}};
+		Twins.Actors = {Cube};
+		const FBadMap TwinMap = Build(Twins);
+		EXPECT_EQ(ReadError(TwinMap.Bytes), "level.umap: byte " + std::to_string(TwinMap.Layout.ExportEntries[4] + 16) +
+			": actor 'Cube' holds a second component named 'Mesh'");
+
+		FTestMap Dotted;
+		Cube.Name = "Cube.Mesh";
+		Cube.Components = {};
+		Dotted.Actors = {Cube};
+		const FBadMap DottedMap = Build(Dotted);
+		EXPECT_EQ(ReadError(DottedMap.Bytes), "level.umap: byte " + std::to_string(DottedMap.Layout.ExportEntries[2] + 16) +
+			": the name of actor 'Cube.Mesh' holds '.', which no object name holds");
 	}
 
 	TEST(BadLevel, APackageThatHoldsNoLevelSaysWhatItHolds)

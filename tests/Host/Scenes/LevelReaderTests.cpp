@@ -270,6 +270,29 @@ namespace
 			": an actor of /Game/Maps/Other.Other:PersistentLevel, not of " + Level + "; left out"});
 	}
 
+	TEST_F(LevelReader, AnActorTheActorsArrayNamesTwiceIsReadOnceAndOneInTwoPackagesIsAnError)
+	{
+		FTestMap Map;
+		Map.Actors = {Actor("A"), Actor("B")};
+		Map.Order = {1, 1};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		EXPECT_EQ(Listing(), (std::vector<std::string>{"other " + Level, "actor " + Level + ".B"}));
+
+		const std::string External = "__ExternalActors__/Maps/Main/0/AB/CD.uasset";
+		const std::string Bytes = WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/0/AB/CD",
+			Actor("B"));
+		Write(External, Bytes);
+		// The actor is the external package's first export; the export map's offset follows its count.
+		FTestPackage Layout;
+		WriteTestMap(FTestMap(), &Layout);
+		const std::size_t At = Layout.Layout.ExportCountField + 4;
+		const std::size_t ExportMap = static_cast<unsigned char>(Bytes[At]) +
+			256 * static_cast<unsigned char>(Bytes[At + 1]);
+		EXPECT_EQ(ReadError("Maps/Main.umap"), ContentFile(External) + ": byte " + std::to_string(ExportMap + 16) +
+			": the actor '" + Level + ".B' is read a second time (first from " + ContentFile("Maps/Main.umap") + ")");
+	}
+
 	TEST_F(LevelReader, SubLevelsUnderTheSameContentAreReadAfterTheLevelWithTheirOwnIds)
 	{
 		FTestMap Map;

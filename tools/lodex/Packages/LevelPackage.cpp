@@ -3,6 +3,7 @@
 
 #include "TaggedProperties.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -72,6 +73,19 @@ namespace
 		return std::string();
 	}
 
+	/** An object's name never holds '.' or ':', which separate the names of an object path. */
+	bool CheckObjectName(const std::string& Name, std::size_t Offset, const std::string& What, FPackageError& OutError)
+	{
+		const std::size_t Separator = Name.find_first_of(".:");
+		if (Separator == std::string::npos)
+		{
+			return true;
+		}
+		OutError.Offset = Offset;
+		OutError.Reason = What + " holds '" + Name[Separator] + "', which no object name holds";
+		return false;
+	}
+
 	/** Names, labels and tags end up in one-line texts: a control character in one is an error at Offset. */
 	bool CheckOneLine(const std::string& Text, std::size_t Offset, const std::string& What, FPackageError& OutError)
 	{
@@ -95,11 +109,13 @@ namespace
 		FLevelActor& Out, FPackageError& OutError)
 	{
 		const FPackageExport& Export = Package.GetExports()[static_cast<std::size_t>(ActorIndex - 1)];
+		Out.Offset = Export.Offset + 16;
 		Out.Path = Package.ObjectPath(ActorIndex);
 		Out.Name = Package.ObjectName(ActorIndex);
 		Out.ClassName = Package.ClassNameOf(ActorIndex);
 		Out.ClassPath = Package.ObjectPath(Export.ClassIndex);
 		if (!CheckOneLine(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
+			!CheckObjectName(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
 			!CheckOneLine(Out.ClassName, Export.Offset, "the class of actor '" + Out.Name + "'", OutError))
 		{
 			return false;
@@ -156,6 +172,7 @@ namespace
 		// The components: the objects the actor holds that are components, by their class or by the actor's lists.
 		std::int32_t AttachedComponent = 0;
 		std::int32_t AttachParent = 0;
+		std::vector<std::size_t> ComponentOffsets;
 		bool bFailed = false;
 		Children.ForEach(ActorIndex, [&](std::int32_t Child)
 		{
@@ -176,6 +193,8 @@ namespace
 			const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
 			FObjectProperties ComponentProperties;
 			if (!CheckOneLine(Component.Name, ChildExport.Offset + 16, "the name of component '" + Component.Name + "'",
+					OutError) ||
+				!CheckObjectName(Component.Name, ChildExport.Offset + 16, "the name of component '" + Component.Name + "'",
 					OutError) ||
 				!CheckOneLine(ClassName, ChildExport.Offset, "the class of component '" + Component.Name + "'", OutError) ||
 				!ReadObjectProperties(Package, Child, ComponentProperties, OutError))
@@ -199,10 +218,30 @@ namespace
 				AttachParent = ParentIndex;
 			}
 			Out.Components.push_back(std::move(Component));
+			ComponentOffsets.push_back(ChildExport.Offset + 16);
 		});
 		if (bFailed)
 		{
 			return false;
+		}
+		// Two objects of one outer never share a name; their paths would be one.
+		std::vector<std::pair<const std::string*, std::size_t>> Names;
+		for (std::size_t Index = 0; Index < Out.Components.size(); ++Index)
+		{
+			Names.emplace_back(&Out.Components[Index].Name, ComponentOffsets[Index]);
+		}
+		std::sort(Names.begin(), Names.end(), [](const auto& Left, const auto& Right)
+		{
+			return *Left.first != *Right.first ? *Left.first < *Right.first : Left.second < Right.second;
+		});
+		for (std::size_t Index = 1; Index < Names.size(); ++Index)
+		{
+			if (*Names[Index].first == *Names[Index - 1].first)
+			{
+				OutError.Offset = Names[Index].second;
+				OutError.Reason = "actor '" + Out.Name + "' holds a second component named '" + *Names[Index].first + "'";
+				return false;
+			}
 		}
 		Out.AttachParentPath = AttachParent != 0 ? Package.ObjectPath(AttachParent) : std::string();
 		return true;
@@ -426,13 +465,24 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 	}
 	const FExportChildren Children(Package);
 	Out.Actors.reserve(Actors.size());
-	for (const std::int32_t Actor : Actors)
+	std::vector<bool> Listed(Package.GetExports().size() + 1, false);
+	for (std::size_t Entry = 0; Entry < Actors.size(); ++Entry)
 	{
-		// Null entries are deleted actors; imports are actors kept in packages of their own (World Partition).
-		if (!IsExport(Actor))
+		const std::int32_t Actor = Actors[Entry];
+		if (IsExport(Actor) && Package.OuterOf(Actor) != Level)
+		{
+			OutError.Offset = Offset + 4 + 4 * Entry;
+			OutError.Reason = "the level's Actors[" + std::to_string(Entry) + "] is export " + std::to_string(Actor - 1) +
+				" '" + Package.ObjectName(Actor) + "', which the level does not hold";
+			return false;
+		}
+		// Null entries are deleted actors; imports are actors kept in packages of their own (World Partition). An
+		// actor the array names again is the same actor.
+		if (!IsExport(Actor) || Listed[static_cast<std::size_t>(Actor)])
 		{
 			continue;
 		}
+		Listed[static_cast<std::size_t>(Actor)] = true;
 		FLevelActor Read;
 		if (!ReadActor(Package, Children, Actor, Read, OutError))
 		{

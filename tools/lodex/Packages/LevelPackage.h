@@ -19,6 +19,8 @@ struct FLevelComponent
 /** An actor read from a package: what the level saves of it. */
 struct FLevelActor
 {
+	/** Where the export map gives the actor's name, for messages. */
+	std::size_t Offset = 0;
 	std::string Path;
 	std::string Name;
 	std::string ClassName;

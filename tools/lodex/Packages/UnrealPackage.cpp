@@ -31,7 +31,8 @@ namespace
 
 	std::string ObjectWord(std::int32_t Index)
 	{
-		return Index > 0 ? "export " + std::to_string(Index - 1) : "import " + std::to_string(-Index - 1);
+		const std::int64_t Wide = Index;
+		return Wide > 0 ? "export " + std::to_string(Wide - 1) : "import " + std::to_string(-Wide - 1);
 	}
 }
 
@@ -120,12 +121,9 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 	std::string FolderName;
 	std::string LocalizationId;
 	std::int32_t TotalHeaderSize = 0;
-	const std::size_t FlagsOffset = [&]
-	{
-		Cursor.ReadInt32(TotalHeaderSize);
-		Cursor.ReadString(FolderName);
-		return Cursor.Tell();
-	}();
+	Cursor.ReadInt32(TotalHeaderSize);
+	Cursor.ReadString(FolderName);
+	const std::size_t FlagsOffset = Cursor.Tell();
 	Cursor.ReadUInt32(Summary.PackageFlags);
 	const bool bFilterEditorOnly = (Summary.PackageFlags & PackageFlagFilterEditorOnly) != 0;
 	NameCountField = Cursor.Tell();

@@ -174,10 +174,11 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 	Level.PackagePath = PackagePath;
 	Level.WorldPath = Contents.WorldPath;
 	Level.File = File;
+	Level.Sources.push_back(FActorSource{File, PackagePath});
 	Level.Actors.reserve(Contents.Actors.size());
 	for (FLevelActor& Actor : Contents.Actors)
 	{
-		Level.Actors.push_back(FLoadedActor{std::move(Actor), PackagePath});
+		Level.Actors.push_back(FLoadedActor{std::move(Actor), 0});
 	}
 	if (!LoadExternalActors(Level, OutError))
 	{
@@ -240,9 +241,10 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 			Out.Notes.push_back(OneLineText(Shown + ": an actor of " + OtherLevel + ", not of " + LevelPath + "; left out"));
 		}
 		Out.ExternalActorCount += Actors.size();
+		Level.Sources.push_back(FActorSource{Shown, PackagePath});
 		for (FLevelActor& Actor : Actors)
 		{
-			Level.Actors.push_back(FLoadedActor{std::move(Actor), PackagePath});
+			Level.Actors.push_back(FLoadedActor{std::move(Actor), Level.Sources.size() - 1});
 		}
 	}
 	return true;

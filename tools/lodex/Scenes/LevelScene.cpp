@@ -42,11 +42,12 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 	struct FAttached
 	{
 		std::size_t Actor;
-		std::string Package;
+		const FActorSource* Source;
 		std::string ParentPath;
 	};
 	std::vector<FAttached> Attached;
 	std::unordered_map<std::string_view, std::size_t> ActorByPath;
+	std::vector<const FActorSource*> SourceOf(Count, nullptr);
 
 	auto Add = [&](FSceneObject&& Object, std::size_t Outer)
 	{
@@ -71,6 +72,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 		for (FLoadedActor& Loaded : Level.Actors)
 		{
 			FLevelActor& Actor = Loaded.Actor;
+			const FActorSource& Source = Level.Sources[Loaded.Source];
 			FSceneObject Object;
 			Object.Id = std::move(Actor.Path);
 			Object.Kind = "actor";
@@ -79,16 +81,20 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 			Object.Label = std::move(Actor.Label);
 			Object.bHasTags = true;
 			Object.Tags = std::move(Actor.Tags);
-			Object.Package = Loaded.Package;
+			Object.Package = Source.Package;
 			const std::size_t ActorIndex = Add(std::move(Object), LevelIndex);
-			if (!ActorByPath.emplace(Objects[ActorIndex].Id, ActorIndex).second)
+			SourceOf[ActorIndex] = &Source;
+			const auto Inserted = ActorByPath.emplace(Objects[ActorIndex].Id, ActorIndex);
+			if (!Inserted.second)
 			{
-				OutError = Level.File + ": the actor '" + OneLineText(Objects[ActorIndex].Id) + "' is read twice";
+				OutError = Source.File + ": byte " + std::to_string(Actor.Offset) + ": the actor '" +
+					OneLineText(Objects[ActorIndex].Id) + "' is read a second time (first from " +
+					SourceOf[Inserted.first->second]->File + ")";
 				return false;
 			}
 			if (!Actor.AttachParentPath.empty())
 			{
-				Attached.push_back(FAttached{ActorIndex, Loaded.Package, std::move(Actor.AttachParentPath)});
+				Attached.push_back(FAttached{ActorIndex, &Source, std::move(Actor.AttachParentPath)});
 			}
 			for (FLevelComponent& Component : Actor.Components)
 			{
@@ -97,7 +103,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 				Child.Kind = "component";
 				Child.Name = std::move(Component.Name);
 				Child.ClassName = std::move(Component.ClassName);
-				Child.Package = Loaded.Package;
+				Child.Package = Source.Package;
 				Add(std::move(Child), ActorIndex);
 			}
 		}
@@ -120,7 +126,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 		}
 		if (Parent == FSceneObjectLinks::NoObject)
 		{
-			Out.Notes.push_back(OneLineText(Entry.Package + ": actor '" + Objects[Entry.Actor].Name +
+			Out.Notes.push_back(OneLineText(Entry.Source->Package + ": actor '" + Objects[Entry.Actor].Name +
 				"' is attached to '" + Entry.ParentPath + "', which is not among the objects read; it is shown unattached"));
 		}
 		else if (Parent != Entry.Actor)
@@ -159,10 +165,11 @@ bool ReadLevelSceneBytes(std::string Bytes, const std::string& SourceName, const
 	Levels[0].PackagePath = PackagePath;
 	Levels[0].WorldPath = Contents.WorldPath;
 	Levels[0].File = SourceName;
+	Levels[0].Sources.push_back(FActorSource{SourceName, PackagePath});
 	Levels[0].Actors.reserve(Contents.Actors.size());
 	for (FLevelActor& Actor : Contents.Actors)
 	{
-		Levels[0].Actors.push_back(FLoadedActor{std::move(Actor), PackagePath});
+		Levels[0].Actors.push_back(FLoadedActor{std::move(Actor), 0});
 	}
 	Out.Files.push_back(SourceName);
 	return BuildLevelScene(std::move(Levels), Out, OutError);

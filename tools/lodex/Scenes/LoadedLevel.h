@@ -8,11 +8,18 @@
 #include <string>
 #include <vector>
 
-/** An actor read from a package, with the package it came from. */
+/** A package a level's actors were read from. */
+struct FActorSource
+{
+	std::string File;
+	std::string Package;
+};
+
+/** An actor read from a package, with the package it came from (an index into its level's Sources). */
 struct FLoadedActor
 {
 	FLevelActor Actor;
-	std::string Package;
+	std::size_t Source = 0;
 };
 
 /** One level as read from its files, before it becomes part of a scene. */
@@ -25,6 +32,8 @@ struct FLoadedLevel
 	std::string File;
 	/** The actors of the level's Actors array, then those of its external actor packages. */
 	std::vector<FLoadedActor> Actors;
+	/** The map (first), then each external actor package. */
+	std::vector<FActorSource> Sources;
 };
 
 /**
