@@ -204,12 +204,12 @@ void RecorderToolPanel::StartRecording()
 	{
 		return;
 	}
-	FString LogPath;
-	InputLog = FRecorderInputLogFile::Create(LogPath);
+	FString InputLogPath;
+	InputLog = FRecorderInputLogFile::Create(InputLogPath);
 	if (!InputLog)
 	{
 		Notify(FText::Format(LOCTEXT("LogNotCreated", "The input log {0} could not be created; recording without it."),
-				   FText::FromString(LogPath)),
+				   FText::FromString(InputLogPath)),
 			false);
 	}
 	Model.Record(InputLog.Get());

@@ -35,9 +35,26 @@ namespace LodexBestLocatorPrivate
 		std::uint32_t Id;
 		std::size_t Length;
 	};
-}
 
-using namespace LodexBestLocatorPrivate;
+	/** The ranking without the text: stable first, then by evidence, then shorter. */
+	bool RanksBefore(const FCandidate& A, const FCandidate& B)
+	{
+		if (A.bStable != B.bStable)
+		{
+			return A.bStable;
+		}
+		if (A.Evidence != B.Evidence)
+		{
+			return A.Evidence < B.Evidence;
+		}
+		return A.Length < B.Length;
+	}
+
+	bool RanksEqual(const FCandidate& A, const FCandidate& B)
+	{
+		return A.bStable == B.bStable && A.Evidence == B.Evidence && A.Length == B.Length;
+	}
+}
 
 namespace
 {
@@ -62,20 +79,6 @@ namespace
 			Name.rfind("fn:", 0) != 0 && Name[0] != '@';
 	}
 
-	/** The ranking without the text: stable first, then by evidence, then shorter. */
-	bool RanksBefore(const FCandidate& A, const FCandidate& B)
-	{
-		if (A.bStable != B.bStable)
-		{
-			return A.bStable;
-		}
-		if (A.Evidence != B.Evidence)
-		{
-			return A.Evidence < B.Evidence;
-		}
-		return A.Length < B.Length;
-	}
-
 	/** Appends the node (or component) children of each holder that have the name. */
 	template<typename THolders>
 	void AppendChildrenNamed(const FLodexSceneIndex& Index, const THolders& Holders, bool bNodes, std::uint32_t NameId,
@@ -92,11 +95,6 @@ namespace
 				}
 			}
 		}
-	}
-
-	bool RanksEqual(const FCandidate& A, const FCandidate& B)
-	{
-		return A.bStable == B.bStable && A.Evidence == B.Evidence && A.Length == B.Length;
 	}
 }
 
@@ -129,7 +127,7 @@ struct FLodexBestLocatorFinder::FSearch
 	bool bComponentsPlain = true;
 	/** The components lead up to a node or to a root (not round a loop). */
 	bool bChainComplete = true;
-	std::vector<FCandidate> Candidates;
+	std::vector<LodexBestLocatorPrivate::FCandidate> Candidates;
 	/** Scratch lists of the index-side count. */
 	std::vector<std::uint32_t> Selected;
 	std::vector<std::uint32_t> Next;
@@ -161,7 +159,8 @@ std::size_t FLodexBestLocatorFinder::AbsoluteLength(std::uint32_t ObjectIndex) c
 
 std::string FLodexBestLocatorFinder::MakeText(const FSearch& Search, std::size_t Which) const
 {
-	const FCandidate& Candidate = Search.Candidates[Which];
+	using LodexBestLocatorPrivate::ENodeForm;
+	const LodexBestLocatorPrivate::FCandidate& Candidate = Search.Candidates[Which];
 	std::string Text;
 	Text.reserve(Candidate.Length);
 	const auto NodeName = [this, &Search]() -> const std::string&
@@ -202,8 +201,10 @@ std::string FLodexBestLocatorFinder::MakeText(const FSearch& Search, std::size_t
 	return Text;
 }
 
-bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(FSearch& Search, const FCandidate& Candidate) const
+bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(
+	FSearch& Search, const LodexBestLocatorPrivate::FCandidate& Candidate) const
 {
+	using LodexBestLocatorPrivate::ENodeForm;
 	if (bHasLoops || !Search.bComponentsPlain)
 	{
 		// Loops put objects below themselves, and a name with a "'" reads in more than one way: only the
@@ -378,14 +379,15 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 	{
 		GatherCandidates(Search);
 	}
-	std::sort(Search.Candidates.begin(), Search.Candidates.end(), RanksBefore);
+	std::sort(Search.Candidates.begin(), Search.Candidates.end(), LodexBestLocatorPrivate::RanksBefore);
 	const std::size_t Limit = bHasLoops ? Index.GetAbsoluteLodestring(ObjectIndex).size() : AbsoluteLength(ObjectIndex);
 
 	for (std::size_t First = 0; First < Search.Candidates.size();)
 	{
 		// Candidates that rank alike are told apart by their text.
 		std::size_t Last = First + 1;
-		while (Last < Search.Candidates.size() && RanksEqual(Search.Candidates[First], Search.Candidates[Last]))
+		while (Last < Search.Candidates.size() &&
+			LodexBestLocatorPrivate::RanksEqual(Search.Candidates[First], Search.Candidates[Last]))
 		{
 			++Last;
 		}
@@ -422,6 +424,7 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 
 void FLodexBestLocatorFinder::GatherCandidates(FSearch& Search) const
 {
+	using LodexBestLocatorPrivate::ENodeForm;
 	const bool bComponents = !Search.Components.empty();
 	const ELodexLocatorEvidence Floor = bComponents ? ELodexLocatorEvidence::Component : ELodexLocatorEvidence::Tag;
 	const auto Consider =
