@@ -262,8 +262,11 @@ FReply RecorderToolPanel::HandleDownloadClicked()
 		// Cancelled: nothing is written.
 		return FReply::Handled();
 	}
+	// The text the output area shows, the user's edits included; a recording under way goes on.
+	const FString Shown = OutputText.IsValid() ? OutputText->GetText().ToString() : FString();
+	const std::string Text = FLodexRecorderPanel::MakeDownloadText(LodexInterop::ToUtf8(Shown));
 	FText Error;
-	if (SaveRecordedScript(Files[0], RecorderInterop::FromUtf8(Model.GetScriptText()), Error))
+	if (SaveRecordedScript(Files[0], RecorderInterop::FromUtf8(Text), Error))
 	{
 		Notify(FText::Format(LOCTEXT("Saved", "Recorded input saved to {0}"), FText::FromString(Files[0])), true);
 	}
