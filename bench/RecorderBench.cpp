@@ -100,6 +100,35 @@ namespace
 	}
 	BENCHMARK(BM_RecorderHandleKeyRepeat);
 
+	/**
+	 * A wheel turn merging with the wheel record waiting at the front of a long array, behind which many clicks
+	 * wait: the pending record is found by its sequence number, however many records came after it.
+	 */
+	void BM_RecorderHandleWheelBehindRecords(benchmark::State& State)
+	{
+		FRecorderBenchEditor Editor;
+		Editor.Panel.Record();
+		FLodexInputRecorder& Recorder = *Editor.Panel.GetRecorder();
+		FLodexPointerInput Turns[2] = {BenchPointer(640.0, 360.0), BenchPointer(640.0, 360.0)};
+		Turns[0].WheelDelta = 1.0f;
+		Turns[1].WheelDelta = -1.0f;
+		Recorder.HandleMouseWheel(Turns[0]);
+		for (std::int64_t Index = 0; Index < State.range(0); ++Index)
+		{
+			FLodexPointerInput Press = BenchPointer(static_cast<double>(Index % 1000), 10.0);
+			Press.Button = "LeftMouseButton";
+			Recorder.HandleMouseButtonDown(Press);
+			Recorder.HandleMouseButtonUp(Press);
+		}
+		std::size_t Index = 0;
+		for (auto _ : State)
+		{
+			benchmark::DoNotOptimize(Recorder.HandleMouseWheel(Turns[Index++ & 1]));
+		}
+		State.counters["waiting"] = static_cast<double>(Recorder.GetRecords().Num());
+	}
+	BENCHMARK(BM_RecorderHandleWheelBehindRecords)->Arg(10)->Arg(1000)->Arg(100000);
+
 	/** A tick whose first record is too young: the walk stops at once, however long the session has been. */
 	void BM_RecorderTickNothingDue(benchmark::State& State)
 	{

@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "RecorderFixture.h"
 
+#include <algorithm>
+
 namespace
 {
 	const char* const Burst = "api.WaitForEmptyInput();";
@@ -118,17 +120,131 @@ namespace
 				"api.DoubleClick(MouseButtons.RIGHT, 10, 20, 20); ", Burst}));
 	}
 
-	TEST_F(RecorderTest, WheelEventsMergeIntoThePendingWheelRecordWhileTheyTurnTheSameWayOverTheGame)
+	/** One event of a wheel session: a wheel turn, a pointer move, a click or a key press, at a viewport position. */
+	struct FWheelSessionEvent
+	{
+		char Kind; // 'w' wheel, 'm' move, 'c' click, 'k' key press and release
+		std::uint32_t Frame;
+		double X;
+		double Y;
+		float WheelDelta;
+	};
+
+	TEST_F(RecorderTest, AWheelEventMergesWithThePendingWheelRecordWhateverLiesBetweenAndWhateverItsDelta)
+	{
+		const struct
+		{
+			const char* Name;
+			std::vector<FWheelSessionEvent> Events;
+			FLines Expected;
+		} Rows[] = {
+			{"the same way, the delta truncated",
+				{{'w', 1000, 640, 360, -1.0f}, {'w', 1002, 640, 360, -1.0f}, {'w', 1004, 600, 300, -1.9f}},
+				{"api.Scroll(0,-1, 3); "}},
+			{"back and forth: the net, one step, as the count does not divide it",
+				{{'w', 1000, 640, 360, 1.0f}, {'w', 1002, 640, 360, -1.0f}, {'w', 1004, 640, 360, 1.0f}},
+				{"api.Scroll(0,1, 1); "}},
+			{"there and back: a net of nothing", {{'w', 1000, 640, 360, 1.0f}, {'w', 1002, 640, 360, -1.0f}},
+				{"api.Scroll(0,0, 2); "}},
+			{"different deltas whose net the count divides", {{'w', 1000, 640, 360, 1.0f}, {'w', 1002, 640, 360, 3.0f}},
+				{"api.Scroll(0,2, 2); "}},
+			{"a move between: the wheel line first, where the first turn was",
+				{{'w', 1000, 640, 360, 1.0f}, {'m', 1002, 400, 300, 0.0f}, {'m', 1003, 420, 300, 0.0f},
+					{'w', 1006, 640, 360, 1.0f}},
+				{"api.Scroll(0,1, 2); ", "api.MouseMoveToPoint(new Vector2( 420, 300) , 1, new Vector2( 400, 300));"}},
+			{"a click and a key between, and the other way",
+				{{'w', 1000, 640, 360, 2.0f}, {'c', 1004, 10, 20, 0.0f}, {'k', 1012, 0, 0, 0.0f},
+					{'w', 1020, 640, 360, -1.0f}},
+				{"api.Scroll(0,1, 1); ", "api.Click(MouseButtons.LEFT, new Vector2(10, 20), 6); ", "api.Wait(133); ",
+					"api.KeyPress(new KeyCode[] { KeyCode.E}, 3); // api.GetLastFPS() * 0.05", Burst}},
+			{"over another part of the editor: not recorded, not merged",
+				{{'w', 1000, 640, 360, 1.0f}, {'w', 1002, 2000, 10, 5.0f}, {'w', 1004, 640, 360, 1.0f}},
+				{"api.Scroll(0,1, 2); "}},
+			{"a wheel record already written: a new one",
+				{{'w', 1000, 640, 360, 1.0f}, {'w', 1100, 640, 360, -1.0f}, {'w', 1102, 640, 360, -1.0f}},
+				{"api.Scroll(0,1, 1); ", "api.Scroll(0,-1, 2); "}},
+		};
+		for (const auto& Row : Rows)
+		{
+			Panel.Reset();
+			LastTicked = 1000;
+			StartRecording();
+			for (const FWheelSessionEvent& Event : Row.Events)
+			{
+				switch (Event.Kind)
+				{
+					case 'w':
+						Wheel(Event.Frame, Event.X, Event.Y, Event.WheelDelta);
+						break;
+					case 'm':
+						Move(Event.Frame, Event.X, Event.Y);
+						break;
+					case 'c':
+						Click(Event.Frame, Event.X, Event.Y);
+						break;
+					default:
+						KeyDown(Event.Frame, "E");
+						KeyUp(Event.Frame + 3, "E");
+						break;
+				}
+			}
+			TickThrough(1300);
+			ASSERT_TRUE(Panel.Stop());
+			EXPECT_EQ(Written(), Row.Expected) << Row.Name;
+		}
+	}
+
+	TEST_F(RecorderTest, AMergedWheelRecordKeepsItsFirstFrameCountsItsEventsAndHoldsTheNetDelta)
 	{
 		StartRecording();
-		Wheel(1000, 640, 360, -1.0f);
+		bAutoTick = false;
+		Wheel(1000, 640, 360, 1.0f);
+		Move(1002, 400, 300);
+		Wheel(1004, 640, 360, -3.0f);
+		Wheel(1006, 640, 360, 1.0f);
+		const FLodexRecordArray& Records = Recorder().GetRecords();
+		ASSERT_EQ(Records.Num(), 2u);
+		EXPECT_EQ(Records[0].Kind, ELodexEventKind::Wheel);
+		EXPECT_EQ(Records[0].Frame, 1000u);
+		EXPECT_EQ(Records[0].EndFrame, 1000u);
+		EXPECT_EQ(Records[0].X, -1) << "the net of +1, -3, +1";
+		EXPECT_EQ(Records[0].Y, 3);
+		EXPECT_EQ(Records[1].Kind, ELodexEventKind::Move);
+	}
+
+	TEST_F(RecorderTest, AWheelEventThatWouldTakeTheNetPastA32BitIntegerStartsANewRecord)
+	{
+		StartRecording();
+		bAutoTick = false;
+		Wheel(1000, 640, 360, 2.0e9f);
+		Wheel(1001, 640, 360, 2.0e9f);
 		Wheel(1002, 640, 360, -1.0f);
-		Wheel(1004, 600, 300, -1.9f); // truncated to -1: merged
-		Wheel(1006, 640, 360, 1.0f); // the other way: a new record
-		Wheel(1008, 2000, 10, 1.0f); // over another part of the editor: not recorded
-		TickThrough(1200);
-		EXPECT_EQ(Written(), (FLines{"api.Scroll(0,-1, 3); ", "api.Scroll(0,1, 1); "}))
-			<< "neither a wait nor an end of burst after a wheel line";
+		const FLodexRecordArray& Records = Recorder().GetRecords();
+		ASSERT_EQ(Records.Num(), 2u);
+		EXPECT_EQ(Records[0].X, 2000000000);
+		EXPECT_EQ(Records[0].Y, 1);
+		EXPECT_EQ(Records[1].X, 1999999999) << "the later turn merges with the newer pending record";
+		EXPECT_EQ(Records[1].Y, 2);
+	}
+
+	TEST_F(RecorderTest, ThePendingWheelRecordIsFoundAfterTheRecordArrayHasBeenTrimmed)
+	{
+		// Many clicks written while the wheel record waits behind them: the array drops its written front and
+		// moves what is left; the next turn, after another click, still finds the wheel record.
+		StartRecording();
+		for (std::uint32_t Index = 0; Index < 100; ++Index)
+		{
+			Click(1000 + Index, 10, 10, 0);
+		}
+		Wheel(1100, 640, 360, 1.0f);
+		Click(1120, 10, 10, 0);
+		Wheel(1150, 640, 360, 1.0f);
+		TickThrough(1400);
+		const FLines Lines = Written();
+		EXPECT_EQ(std::count(Lines.begin(), Lines.end(), "api.Scroll(0,1, 2); "), 1);
+		EXPECT_EQ(std::count_if(Lines.begin(), Lines.end(),
+					  [](const std::string& Line) { return Line.rfind("api.Scroll(0,", 0) == 0; }),
+			1);
 	}
 
 	TEST_F(RecorderTest, KeyPressesWaitForTheirReleaseAndAutoRepeatIsIgnored)

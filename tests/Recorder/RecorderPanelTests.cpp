@@ -62,7 +62,7 @@ namespace
 		EXPECT_TRUE(Panel.GetPlaceholders().empty()) << "each key leaves the map once its line is in";
 		EXPECT_EQ(Panel.GetRefreshCount(), Refreshes);
 		EXPECT_EQ(Panel.GetOutputText(), "first") << "the output text is as the last refresh left it";
-		EXPECT_EQ(Panel.GetScriptText(), Joined(Panel.GetLines())) << "Download takes every stored line";
+		EXPECT_EQ(Panel.GetScriptText(), Joined(Panel.GetLines())) << "the script holds every stored line";
 
 		// A finished line with no placeholder waiting enters as one; a stale index appends.
 		Panel.AddLine("c done", EMode::KeyLine, "C");
@@ -193,5 +193,59 @@ namespace
 		EXPECT_EQ(Dialog.DefaultFileName, "RecordedInput.txt");
 		EXPECT_EQ(Dialog.FileTypes, "Text File (*.txt)|*.txt");
 		EXPECT_EQ(std::string(FLodexRecorderPanel::GetSupportUrl()).rfind("https://", 0), 0u);
+	}
+
+	TEST(RecorderPanel, DownloadSplitsTheShownTextWhereTheTextAreaDoesAndJoinsItsLinesWithCrLf)
+	{
+		const struct
+		{
+			const char* Shown;
+			const char* Saved;
+		} Rows[] = {
+			{"a\nb", "a\r\nb"}, // the area's line end on Linux and macOS
+			{"a\r\nb", "a\r\nb"}, // on Windows
+			{"a\rb", "a\r\nb"},
+			{"a\n\rb", "a\r\n\r\nb"}, // LF then CR: two breaks, an empty line between
+			{"a\n\nb\n", "a\r\n\r\nb\r\n"}, // empty lines and the empty last line kept
+			{"\r\n\r\n", "\r\n\r\n"},
+			{"", ""},
+			{"x\vy\fz", "x\r\ny\r\nz"},
+			{"T\xC3\xBCr\xC2\x85\xE7\x94\xA8\xE6\x88\xB7\xE2\x80\xA8"
+			 "e\xE2\x80\xA9"
+			 "f",
+				"T\xC3\xBCr\r\n\xE7\x94\xA8\xE6\x88\xB7\r\ne\r\nf"}, // NEL, LS, PS; no other character split
+			{"\xE2\x80\xA7\xC2\x84\xC2", "\xE2\x80\xA7\xC2\x84\xC2"}, // neighbours of LS and NEL, a cut sequence
+			{"api.Wait(10); \t", "api.Wait(10); \t"},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(FLodexRecorderPanel::MakeDownloadText(Row.Shown), Row.Saved) << Row.Shown;
+		}
+	}
+
+	TEST_F(RecorderTest, DownloadSavesTheUsersEditsOfTheOutputAreaAndASessionStillRecordingAsItStands)
+	{
+		StartRecording();
+		Click(1000, 520.9, 332.7);
+		TickThrough(1081);
+		ASSERT_EQ(Panel.GetOutputText(),
+			" api = new velt.unreal_api.ApiClient();\r\napi.Connect(\"rig-3\");\r\n"
+			"api.Click(MouseButtons.LEFT, new Vector2(520, 332), 6); \r\napi.WaitForEmptyInput();");
+
+		// The user fixes the click's position and adds a check, in the area (whose lines end in "\n" here).
+		const std::string Edited =
+			" api = new velt.unreal_api.ApiClient();\napi.Connect(\"rig-3\");\n"
+			"api.Click(MouseButtons.LEFT, new Vector2(500, 330), 6); \napi.WaitForEmptyInput();\n"
+			"api.WaitForObject(\"//Door\");";
+		const std::vector<std::string> Stored = Panel.GetLines();
+		EXPECT_EQ(FLodexRecorderPanel::MakeDownloadText(Edited),
+			" api = new velt.unreal_api.ApiClient();\r\napi.Connect(\"rig-3\");\r\n"
+			"api.Click(MouseButtons.LEFT, new Vector2(500, 330), 6); \r\napi.WaitForEmptyInput();\r\n"
+			"api.WaitForObject(\"//Door\");");
+		EXPECT_TRUE(Panel.IsRecording()) << "Download does not stop the recording";
+		EXPECT_EQ(Panel.GetLines(), Stored) << "nor change the line store";
+
+		// Untouched, the area shows the output text: Download saves the script up to the last refresh.
+		EXPECT_EQ(FLodexRecorderPanel::MakeDownloadText(Panel.GetOutputText()), Panel.GetScriptText());
 	}
 }

@@ -200,8 +200,8 @@ TUniquePtr<FRecorderInputLogFile> FRecorderInputLogFile::Create(FString& OutPath
 		LodexInterop::FromUtf8(LodexInputLog::MakeFileName(
 			Now.GetYear(), Now.GetMonth(), Now.GetDay(), Now.GetHour(), Now.GetMinute(), Now.GetSecond())));
 	IFileManager::Get().MakeDirectory(*Folder, true);
-	FArchive* Archive = IFileManager::Get().CreateFileWriter(*OutPath, FILEWRITE_AllowRead);
-	return Archive ? MakeUnique<FRecorderInputLogFile>(Archive) : nullptr;
+	FArchive* Writer = IFileManager::Get().CreateFileWriter(*OutPath, FILEWRITE_AllowRead);
+	return Writer ? MakeUnique<FRecorderInputLogFile>(Writer) : nullptr;
 }
 
 FRecorderInputLogFile::FRecorderInputLogFile(FArchive* InArchive)

@@ -204,12 +204,12 @@ void RecorderToolPanel::StartRecording()
 	{
 		return;
 	}
-	FString LogPath;
-	InputLog = FRecorderInputLogFile::Create(LogPath);
+	FString InputLogPath;
+	InputLog = FRecorderInputLogFile::Create(InputLogPath);
 	if (!InputLog)
 	{
 		Notify(FText::Format(LOCTEXT("LogNotCreated", "The input log {0} could not be created; recording without it."),
-				   FText::FromString(LogPath)),
+				   FText::FromString(InputLogPath)),
 			false);
 	}
 	Model.Record(InputLog.Get());
@@ -262,8 +262,11 @@ FReply RecorderToolPanel::HandleDownloadClicked()
 		// Cancelled: nothing is written.
 		return FReply::Handled();
 	}
+	// The text the output area shows, the user's edits included; a recording under way goes on.
+	const FString Shown = OutputText.IsValid() ? OutputText->GetText().ToString() : FString();
+	const std::string Text = FLodexRecorderPanel::MakeDownloadText(LodexInterop::ToUtf8(Shown));
 	FText Error;
-	if (SaveRecordedScript(Files[0], RecorderInterop::FromUtf8(Model.GetScriptText()), Error))
+	if (SaveRecordedScript(Files[0], RecorderInterop::FromUtf8(Text), Error))
 	{
 		Notify(FText::Format(LOCTEXT("Saved", "Recorded input saved to {0}"), FText::FromString(Files[0])), true);
 	}

@@ -451,4 +451,22 @@ namespace
 		EXPECT_EQ(Copy.Err, "//*[@tag = 'bldg'] matches 1 object\n//Knob matches 1 object\n");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "//*[@tag = 'bldg']\r\n//Knob");
 	}
+
+	TEST(LodexBest, AComponentBelowGeneratedNamesRestsOnTheStableActorAboveThem)
+	{
+		// Warehouse > Shelf_C_4 > Crate_3 with StaticMeshComponent0, the only one of that name in the warehouse.
+		FTempDir Dir;
+		const std::string Scene = Dir.Write("warehouse.json", R"({"objects": [
+			{"id": "level", "kind": "other", "name": "PersistentLevel"},
+			{"id": "warehouse", "kind": "actor", "name": "Warehouse", "outer": "level", "tags": []},
+			{"id": "shelf", "kind": "actor", "name": "Shelf_C_4", "outer": "level", "attachParent": "warehouse", "tags": []},
+			{"id": "crate", "kind": "actor", "name": "Crate_3", "outer": "level", "attachParent": "shelf", "tags": []},
+			{"id": "mesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "crate"},
+			{"id": "yard", "kind": "actor", "name": "Yard", "outer": "level", "tags": []},
+			{"id": "yardmesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "yard"}]})");
+		const FLodexRun Path = RunLodex({"path", "--scene", Scene, "--mode", "best", "mesh", "crate"});
+		EXPECT_EQ(Path.Exit, 0) << Path.Err;
+		EXPECT_EQ(Path.Out, "//Warehouse//fn:component('StaticMeshComponent0')\n//Crate_3\n");
+		EXPECT_EQ(Path.Err, "");
+	}
 }

@@ -16,10 +16,13 @@
 
 namespace
 {
-	/** Saves the script as Download does: whole, under a unique name beside the target, then renamed over it. */
-	bool SaveScriptFile(const std::string& Path, const std::string& Text, std::string& OutError)
+	/**
+	 * Saves the script as Download does with the output area as Stop left it (the log holds no edits of the area):
+	 * the area's text, whole, under a unique name beside the target, then renamed over it.
+	 */
+	bool SaveScriptFile(const std::string& Path, const std::string& Shown, std::string& OutError)
 	{
-		return WriteFileAtomically(Path, Text, OutError);
+		return WriteFileAtomically(Path, FLodexRecorderPanel::MakeDownloadText(Shown), OutError);
 	}
 
 	class FRecordCommand final : public ILodexCommand

@@ -3,6 +3,7 @@
 
 #include "LodexEvaluatorBlock.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 
@@ -61,17 +62,18 @@ namespace LodexBlock
 #elif defined(_MSC_VER)
 #if defined(_M_IX86) || defined(_M_X64)
 	// x86 and x64: aligned loads and stores are atomic and already ordered as acquire and release; the
-	// volatile access and the compiler barrier keep the compiler from merging or moving them.
+	// volatile access and the compiler barrier keep the compiler from merging or moving them. The barrier is a
+	// signal fence: a compiler-only barrier, as the deprecated _ReadWriteBarrier was, emitting no instruction.
 	inline std::int32_t LoadAcquire(const std::int32_t& Word)
 	{
 		const std::int32_t Value = *static_cast<const volatile std::int32_t*>(&Word);
-		_ReadWriteBarrier();
+		std::atomic_signal_fence(std::memory_order_seq_cst);
 		return Value;
 	}
 
 	inline void StoreRelease(std::int32_t& Word, std::int32_t Value)
 	{
-		_ReadWriteBarrier();
+		std::atomic_signal_fence(std::memory_order_seq_cst);
 		*static_cast<volatile std::int32_t*>(&Word) = Value;
 	}
 

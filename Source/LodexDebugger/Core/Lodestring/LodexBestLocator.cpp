@@ -8,7 +8,10 @@
 
 namespace LodexBestLocatorPrivate
 {
-	/** The form of a candidate's node part, before its component steps. */
+	/**
+	 * The form of a candidate: a node part, then (for a component) the component steps down to it; or, for the
+	 * last two forms, an anchor and one step to the component among its descendants.
+	 */
 	enum class ENodeForm : std::uint8_t
 	{
 		/** A tag no other node has. */
@@ -21,8 +24,14 @@ namespace LodexBestLocatorPrivate
 		AnchorDescendant,
 		/** `//Parent/Name` */
 		AnchorChild,
+		/** The tag step of an ancestor's tag that no other node has, then `//Name` */
+		TagAnchorDescendant,
 		/** Nothing: the component steps start at the root. */
 		Empty,
+		/** `//Anchor//fn:component('C')`: the anchor the component's node or one of its ancestors */
+		AnchorComponent,
+		/** The tag step of a tag only the component's node or an ancestor has, then `//fn:component('C')` */
+		TagAnchorComponent,
 	};
 
 	/** One locator considered for an object: what it rests on, and its length, its text made only when needed. */
@@ -30,14 +39,32 @@ namespace LodexBestLocatorPrivate
 	{
 		ENodeForm Form;
 		ELodexLocatorEvidence Evidence;
-		bool bStable;
-		/** Tag: the tag id; anchors: the anchor's object index. */
+		/** How many of the names it writes end in a generated instance number (capped): 0 for a stable one. */
+		std::uint8_t GeneratedNames;
+		/** Tag forms: the tag id; anchor forms: the anchor's object index. */
 		std::uint32_t Id;
 		std::size_t Length;
 	};
-}
 
-using namespace LodexBestLocatorPrivate;
+	/** The ranking without the text: fewer generated names (stable first), then by evidence, then shorter. */
+	bool RanksBefore(const FCandidate& A, const FCandidate& B)
+	{
+		if (A.GeneratedNames != B.GeneratedNames)
+		{
+			return A.GeneratedNames < B.GeneratedNames;
+		}
+		if (A.Evidence != B.Evidence)
+		{
+			return A.Evidence < B.Evidence;
+		}
+		return A.Length < B.Length;
+	}
+
+	bool RanksEqual(const FCandidate& A, const FCandidate& B)
+	{
+		return A.GeneratedNames == B.GeneratedNames && A.Evidence == B.Evidence && A.Length == B.Length;
+	}
+}
 
 namespace
 {
@@ -62,18 +89,32 @@ namespace
 			Name.rfind("fn:", 0) != 0 && Name[0] != '@';
 	}
 
-	/** The ranking without the text: stable first, then by evidence, then shorter. */
-	bool RanksBefore(const FCandidate& A, const FCandidate& B)
+	/**
+	 * Appends the objects of Named (sorted) that lie below one of the Anchors (sorted), each once: the anchors'
+	 * subtrees are ranges of the document order. False, as soon as it is known, when more than Wanted would be.
+	 */
+	bool AppendNamedBelowAnchors(const FLodexSceneIndex& Index, FLodexIndexRange Anchors, FLodexIndexRange Named,
+		std::size_t Wanted, std::vector<std::uint32_t>& Selected)
 	{
-		if (A.bStable != B.bStable)
+		std::uint32_t Covered = 0;
+		for (const std::uint32_t Anchor : Anchors)
 		{
-			return A.bStable;
+			const std::uint32_t First = std::max(Anchor + 1, Covered);
+			const std::uint32_t Last = Index.GetSubtreeEnd(Anchor);
+			if (First >= Last)
+			{
+				continue;
+			}
+			Covered = Last;
+			const std::uint32_t* Begin = std::lower_bound(Named.begin(), Named.end(), First);
+			const std::uint32_t* End = std::lower_bound(Begin, Named.end(), Last);
+			if (Selected.size() + static_cast<std::size_t>(End - Begin) > Wanted)
+			{
+				return false;
+			}
+			Selected.insert(Selected.end(), Begin, End);
 		}
-		if (A.Evidence != B.Evidence)
-		{
-			return A.Evidence < B.Evidence;
-		}
-		return A.Length < B.Length;
+		return true;
 	}
 
 	/** Appends the node (or component) children of each holder that have the name. */
@@ -92,11 +133,6 @@ namespace
 				}
 			}
 		}
-	}
-
-	bool RanksEqual(const FCandidate& A, const FCandidate& B)
-	{
-		return A.bStable == B.bStable && A.Evidence == B.Evidence && A.Length == B.Length;
 	}
 }
 
@@ -124,12 +160,14 @@ struct FLodexBestLocatorFinder::FSearch
 	/** The components from the node down to the object, the object last. */
 	std::vector<std::uint32_t> Components;
 	std::size_t ComponentLength = 0;
-	bool bComponentsStable = true;
+	/** How many of the components' names end in a generated instance number; whether the object's own does. */
+	std::size_t ComponentGeneratedNames = 0;
+	bool bLeafGenerated = false;
 	/** No component name holds a "'": the steps read one way only, and the index can count what they select. */
 	bool bComponentsPlain = true;
 	/** The components lead up to a node or to a root (not round a loop). */
 	bool bChainComplete = true;
-	std::vector<FCandidate> Candidates;
+	std::vector<LodexBestLocatorPrivate::FCandidate> Candidates;
 	/** Scratch lists of the index-side count. */
 	std::vector<std::uint32_t> Selected;
 	std::vector<std::uint32_t> Next;
@@ -161,7 +199,8 @@ std::size_t FLodexBestLocatorFinder::AbsoluteLength(std::uint32_t ObjectIndex) c
 
 std::string FLodexBestLocatorFinder::MakeText(const FSearch& Search, std::size_t Which) const
 {
-	const FCandidate& Candidate = Search.Candidates[Which];
+	using LodexBestLocatorPrivate::ENodeForm;
+	const LodexBestLocatorPrivate::FCandidate& Candidate = Search.Candidates[Which];
 	std::string Text;
 	Text.reserve(Candidate.Length);
 	const auto NodeName = [this, &Search]() -> const std::string&
@@ -190,8 +229,32 @@ std::string FLodexBestLocatorFinder::MakeText(const FSearch& Search, std::size_t
 			Text += Candidate.Form == ENodeForm::AnchorChild ? "/" : "//";
 			Text += NodeName();
 			break;
+		case ENodeForm::TagAnchorDescendant:
+			Text += "//*[@tag = '";
+			Text += Index.GetTagText(Candidate.Id);
+			Text += "']//";
+			Text += NodeName();
+			break;
 		case ENodeForm::Empty:
 			break;
+		case ENodeForm::AnchorComponent:
+		case ENodeForm::TagAnchorComponent:
+			if (Candidate.Form == ENodeForm::AnchorComponent)
+			{
+				Text += "//";
+				Text += Index.GetName(Candidate.Id);
+			}
+			else
+			{
+				Text += "//*[@tag = '";
+				Text += Index.GetTagText(Candidate.Id);
+				Text += "']";
+			}
+			// One step to the component among the anchor's descendants, the components between skipped.
+			Text += "//fn:component('";
+			Text += Index.GetName(Search.Object);
+			Text += "')";
+			return Text;
 	}
 	for (const std::uint32_t Component : Search.Components)
 	{
@@ -202,8 +265,10 @@ std::string FLodexBestLocatorFinder::MakeText(const FSearch& Search, std::size_t
 	return Text;
 }
 
-bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(FSearch& Search, const FCandidate& Candidate) const
+bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(
+	FSearch& Search, const LodexBestLocatorPrivate::FCandidate& Candidate) const
 {
+	using LodexBestLocatorPrivate::ENodeForm;
 	if (bHasLoops || !Search.bComponentsPlain)
 	{
 		// Loops put objects below themselves, and a name with a "'" reads in more than one way: only the
@@ -253,28 +318,30 @@ bool FLodexBestLocatorFinder::MaySelectOnlyTheObject(FSearch& Search, const FCan
 			}
 			break;
 		case ENodeForm::AnchorDescendant:
-		{
 			// The anchors' subtrees are ranges of the document order, as is the sorted list of the name.
-			const FLodexIndexRange Named = Index.GetNodesNamed(NameId);
-			std::uint32_t Covered = 0;
-			for (const std::uint32_t Anchor : Index.GetNodesNamed(Index.GetNameId(Candidate.Id)))
+			if (!AppendNamedBelowAnchors(Index, Index.GetNodesNamed(Index.GetNameId(Candidate.Id)),
+					Index.GetNodesNamed(NameId), Wanted, Selected))
 			{
-				const std::uint32_t First = std::max(Anchor + 1, Covered);
-				const std::uint32_t Last = Index.GetSubtreeEnd(Anchor);
-				if (First >= Last)
-				{
-					continue;
-				}
-				Covered = Last;
-				const std::uint32_t* Begin = std::lower_bound(Named.begin(), Named.end(), First);
-				const std::uint32_t* End = std::lower_bound(Begin, Named.end(), Last);
-				if (Selected.size() + static_cast<std::size_t>(End - Begin) > Wanted)
-				{
-					return false;
-				}
-				Selected.insert(Selected.end(), Begin, End);
+				return false;
 			}
 			break;
+		case ENodeForm::TagAnchorDescendant:
+			if (!AppendNamedBelowAnchors(
+					Index, Index.GetNodesTagged(Candidate.Id), Index.GetNodesNamed(NameId), Wanted, Selected))
+			{
+				return false;
+			}
+			break;
+		case ENodeForm::AnchorComponent:
+		case ENodeForm::TagAnchorComponent:
+		{
+			// The components of the object's name below the anchors: the object alone, or the candidate is out.
+			const FLodexIndexRange Anchors = Candidate.Form == ENodeForm::AnchorComponent
+				? Index.GetNodesNamed(Index.GetNameId(Candidate.Id))
+				: Index.GetNodesTagged(Candidate.Id);
+			return AppendNamedBelowAnchors(
+					   Index, Anchors, Index.GetComponentsNamed(Index.GetNameId(Search.Object)), 1, Selected) &&
+				Selected.size() == 1 && Selected[0] == Search.Object;
 		}
 		case ENodeForm::AnchorChild:
 		{
@@ -363,7 +430,7 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 		const std::string& Name = Index.GetName(Search.Node);
 		Search.Components.push_back(Search.Node);
 		Search.ComponentLength += Name.size() + 17;
-		Search.bComponentsStable = Search.bComponentsStable && !HasGeneratedInstanceSuffix(Name);
+		Search.ComponentGeneratedNames += HasGeneratedInstanceSuffix(Name) ? 1 : 0;
 		Search.bComponentsPlain = Search.bComponentsPlain && IsPlainQuotedValue(Name);
 		Search.Node = Index.GetParent(Search.Node);
 		if (Search.Node != NoObject && Index.GetCycle(Search.Node) != NoObject && Index.IsComponent(Search.Node))
@@ -373,19 +440,21 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 		}
 	}
 	std::reverse(Search.Components.begin(), Search.Components.end());
+	Search.bLeafGenerated = !Search.Components.empty() && HasGeneratedInstanceSuffix(Index.GetName(ObjectIndex));
 
 	if (Search.bChainComplete)
 	{
 		GatherCandidates(Search);
 	}
-	std::sort(Search.Candidates.begin(), Search.Candidates.end(), RanksBefore);
+	std::sort(Search.Candidates.begin(), Search.Candidates.end(), LodexBestLocatorPrivate::RanksBefore);
 	const std::size_t Limit = bHasLoops ? Index.GetAbsoluteLodestring(ObjectIndex).size() : AbsoluteLength(ObjectIndex);
 
 	for (std::size_t First = 0; First < Search.Candidates.size();)
 	{
 		// Candidates that rank alike are told apart by their text.
 		std::size_t Last = First + 1;
-		while (Last < Search.Candidates.size() && RanksEqual(Search.Candidates[First], Search.Candidates[Last]))
+		while (Last < Search.Candidates.size() &&
+			LodexBestLocatorPrivate::RanksEqual(Search.Candidates[First], Search.Candidates[Last]))
 		{
 			++Last;
 		}
@@ -405,7 +474,7 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 				Result.Lodestring = std::move(Text);
 				Result.MatchCount = 1;
 				Result.Evidence = Search.Candidates[First].Evidence;
-				Result.bStable = Search.Candidates[First].bStable;
+				Result.bStable = Search.Candidates[First].GeneratedNames == 0;
 				return Result;
 			}
 		}
@@ -422,47 +491,72 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 
 void FLodexBestLocatorFinder::GatherCandidates(FSearch& Search) const
 {
+	using LodexBestLocatorPrivate::ENodeForm;
 	const bool bComponents = !Search.Components.empty();
 	const ELodexLocatorEvidence Floor = bComponents ? ELodexLocatorEvidence::Component : ELodexLocatorEvidence::Tag;
-	const auto Consider =
-		[&](ENodeForm Form, ELodexLocatorEvidence Evidence, bool bStable, std::uint32_t Id, std::size_t NodeLength)
+	const auto Generated = [](std::size_t Count)
 	{
-		Search.Candidates.push_back({Form, std::max(Evidence, Floor), bStable && Search.bComponentsStable, Id,
-			NodeLength + Search.ComponentLength});
+		return static_cast<std::uint8_t>(std::min<std::size_t>(Count, 255));
+	};
+	// A node part, then the component steps down to the object.
+	const auto Consider = [&](ENodeForm Form, ELodexLocatorEvidence Evidence, std::size_t GeneratedNames,
+							  std::uint32_t Id, std::size_t NodeLength)
+	{
+		Search.Candidates.push_back({Form, std::max(Evidence, Floor),
+			Generated(GeneratedNames + Search.ComponentGeneratedNames), Id, NodeLength + Search.ComponentLength});
+	};
+	// An anchor, then one step to the component among its descendants: `//fn:component('C')`, 16 + 2 characters.
+	const auto ConsiderComponentBelow =
+		[&](ENodeForm Form, std::size_t AnchorGeneratedNames, std::uint32_t Id, std::size_t AnchorLength)
+	{
+		const std::size_t Leaf = Index.GetName(Search.Object).size();
+		Search.Candidates.push_back({Form, ELodexLocatorEvidence::Component,
+			Generated(AnchorGeneratedNames + (Search.bLeafGenerated ? 1 : 0)), Id, AnchorLength + 18 + Leaf});
 	};
 	const std::uint32_t Node = Search.Node;
 	if (Node == NoObject)
 	{
 		// A component held by no node: only a step from the root reaches it.
-		Consider(ENodeForm::Empty, ELodexLocatorEvidence::Component, true, NoObject, 0);
+		Consider(ENodeForm::Empty, ELodexLocatorEvidence::Component, 0, NoObject, 0);
 		return;
 	}
+	// A tag other nodes share is weak evidence (and, without component steps, cannot find the node alone).
+	const auto IsUniqueTag = [this](std::uint32_t TagId)
+	{
+		return Index.GetNodesTagged(TagId).size() == 1 && IsPlainQuotedValue(Index.GetTagText(TagId));
+	};
 	for (const std::uint32_t TagId : Index.GetTagIds(Node))
 	{
-		const std::string& Tag = Index.GetTagText(TagId);
-		// A tag other nodes share is weak evidence (and, without component steps, cannot find the node alone).
-		if (Index.GetNodesTagged(TagId).size() == 1 && IsPlainQuotedValue(Tag))
+		if (IsUniqueTag(TagId))
 		{
-			Consider(ENodeForm::Tag, ELodexLocatorEvidence::Tag, true, TagId, Tag.size() + 14);
+			const std::size_t TagLength = Index.GetTagText(TagId).size() + 14;
+			Consider(ENodeForm::Tag, ELodexLocatorEvidence::Tag, 0, TagId, TagLength);
+			if (bComponents)
+			{
+				ConsiderComponentBelow(ENodeForm::TagAnchorComponent, 0, TagId, TagLength);
+			}
 		}
 	}
 	const std::string& Name = Index.GetName(Node);
-	if (!IsPlainBareName(Name))
-	{
-		return;
-	}
-	const bool bNameStable = !HasGeneratedInstanceSuffix(Name);
+	// A node's name is written only when it reads one way; a component's anchors do not write it.
+	const bool bNamePlain = IsPlainBareName(Name);
+	const std::size_t NameGenerated = HasGeneratedInstanceSuffix(Name) ? 1 : 0;
 	// A name many nodes share is not worth trying; one other node's is, when component steps follow.
 	const std::size_t Namesakes = Index.GetNodesNamed(Index.GetNameId(Node)).size();
-	if (Namesakes == 1 || (bComponents && Namesakes <= SharedNameLimit))
+	if (bNamePlain && (Namesakes == 1 || (bComponents && Namesakes <= SharedNameLimit)))
 	{
-		Consider(ENodeForm::Name, ELodexLocatorEvidence::Name, bNameStable, NoObject, Name.size() + 2);
+		Consider(ENodeForm::Name, ELodexLocatorEvidence::Name, NameGenerated, NoObject, Name.size() + 2);
+		if (bComponents)
+		{
+			ConsiderComponentBelow(ENodeForm::AnchorComponent, NameGenerated, Node, Name.size() + 2);
+		}
 	}
-	if (Index.IsRoot(Node))
+	if (bNamePlain && Index.IsRoot(Node))
 	{
-		Consider(ENodeForm::RootName, ELodexLocatorEvidence::Name, bNameStable, NoObject, Name.size() + 1);
+		Consider(ENodeForm::RootName, ELodexLocatorEvidence::Name, NameGenerated, NoObject, Name.size() + 1);
 	}
-	// The nearest ancestors with a plain name that few nodes share, each as an anchor of a relative step.
+	// The nearest ancestors with a plain name that few nodes share, or with a tag no other node has, each as an
+	// anchor: of a relative step to the node, and of a component step to a component below it.
 	std::uint32_t Ancestor = Index.GetParent(Node);
 	for (int Depth = 0; Ancestor != NoObject && Depth < 8; ++Depth)
 	{
@@ -470,12 +564,39 @@ void FLodexBestLocatorFinder::GatherCandidates(FSearch& Search) const
 		if (Index.IsNode(Ancestor) && IsPlainBareName(AncestorName) &&
 			Index.GetNodesNamed(Index.GetNameId(Ancestor)).size() <= SharedNameLimit)
 		{
-			const bool bAnchorStable = bNameStable && !HasGeneratedInstanceSuffix(AncestorName);
-			const std::size_t Length = AncestorName.size() + Name.size() + 2;
-			Consider(ENodeForm::AnchorDescendant, ELodexLocatorEvidence::Anchor, bAnchorStable, Ancestor, Length + 2);
-			if (Index.GetParent(Node) == Ancestor)
+			const std::size_t AncestorGenerated = HasGeneratedInstanceSuffix(AncestorName) ? 1 : 0;
+			if (bNamePlain)
 			{
-				Consider(ENodeForm::AnchorChild, ELodexLocatorEvidence::Anchor, bAnchorStable, Ancestor, Length + 1);
+				const std::size_t Length = AncestorName.size() + Name.size() + 2;
+				Consider(ENodeForm::AnchorDescendant, ELodexLocatorEvidence::Anchor, AncestorGenerated + NameGenerated,
+					Ancestor, Length + 2);
+				if (Index.GetParent(Node) == Ancestor)
+				{
+					Consider(ENodeForm::AnchorChild, ELodexLocatorEvidence::Anchor, AncestorGenerated + NameGenerated,
+						Ancestor, Length + 1);
+				}
+			}
+			if (bComponents)
+			{
+				ConsiderComponentBelow(
+					ENodeForm::AnchorComponent, AncestorGenerated, Ancestor, AncestorName.size() + 2);
+			}
+		}
+		for (const std::uint32_t TagId : Index.GetTagIds(Ancestor))
+		{
+			if (!Index.IsNode(Ancestor) || !IsUniqueTag(TagId))
+			{
+				continue;
+			}
+			const std::size_t TagLength = Index.GetTagText(TagId).size() + 14;
+			if (bNamePlain)
+			{
+				Consider(ENodeForm::TagAnchorDescendant, ELodexLocatorEvidence::Anchor, NameGenerated, TagId,
+					TagLength + 2 + Name.size());
+			}
+			if (bComponents)
+			{
+				ConsiderComponentBelow(ENodeForm::TagAnchorComponent, 0, TagId, TagLength);
 			}
 		}
 		if (Index.GetCycle(Ancestor) != NoObject)

@@ -15,9 +15,9 @@ enum class ELodexLocatorEvidence : std::uint8_t
 	Tag,
 	/** The object's own name, which carries no generated instance suffix. */
 	Name,
-	/** The nearest uniquely named ancestor, then a relative step to the object. */
+	/** A near ancestor by its name or by a tag only it has, then a relative step to the object. */
 	Anchor,
-	/** A component step below a located node. */
+	/** Component steps below a located node, or one component step below an anchor. */
 	Component,
 	/** No stable evidence is unique: the full chain of names, generated ones included. */
 	Absolute,

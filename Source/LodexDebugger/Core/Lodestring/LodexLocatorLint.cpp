@@ -19,7 +19,7 @@ namespace
 		return {0, static_cast<std::uint32_t>(Text.size())};
 	}
 
-	FLodexLintFinding MakeError(const char* Rule, std::string Message, FLodexSpan Span)
+	FLodexLintFinding MakeLintError(const char* Rule, std::string Message, FLodexSpan Span)
 	{
 		FLodexLintFinding Finding;
 		Finding.Severity = ELodexLintSeverity::Error;
@@ -29,9 +29,9 @@ namespace
 		return Finding;
 	}
 
-	FLodexLintFinding MakeWarning(const char* Rule, std::string Message, FLodexSpan Span)
+	FLodexLintFinding MakeLintWarning(const char* Rule, std::string Message, FLodexSpan Span)
 	{
-		FLodexLintFinding Finding = MakeError(Rule, std::move(Message), Span);
+		FLodexLintFinding Finding = MakeLintError(Rule, std::move(Message), Span);
 		Finding.Severity = ELodexLintSeverity::Warning;
 		return Finding;
 	}
@@ -76,13 +76,13 @@ namespace
 			if (Step->Kind == ELodexStepKind::Node && !Step->bAnyName && HasGeneratedInstanceSuffix(Step->Name))
 			{
 				const std::uint32_t NameBegin = Step->TestSpan.Begin + (Step->Axis == ELodexAxis::Descendant ? 2 : 1);
-				Out.push_back(MakeWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Step->Name),
+				Out.push_back(MakeLintWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Step->Name),
 					{NameBegin, Step->TestSpan.End}));
 			}
 			if (Step->Kind == ELodexStepKind::Component && HasGeneratedInstanceSuffix(Step->Name))
 			{
 				Out.push_back(
-					MakeWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Step->Name), Step->Span));
+					MakeLintWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Step->Name), Step->Span));
 			}
 			if (Step->Predicate == nullptr)
 			{
@@ -93,8 +93,8 @@ namespace
 				if (Edge.bStandard && Edge.Kind == ELodexPredicateEdgeKind::Comparison &&
 					Edge.Attribute == ELodexAttribute::Name && HasGeneratedInstanceSuffix(Edge.Value))
 				{
-					Out.push_back(
-						MakeWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Edge.Value), Edge.Span));
+					Out.push_back(MakeLintWarning(
+						LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Edge.Value), Edge.Span));
 				}
 			}
 		}
@@ -111,7 +111,7 @@ namespace
 		}
 		if (Depth > MaxDepth)
 		{
-			Out.push_back(MakeWarning(LodexLintRules::DeepAbsolute,
+			Out.push_back(MakeLintWarning(LodexLintRules::DeepAbsolute,
 				"the path names " + std::to_string(Depth) + " levels from the root (more than " +
 					std::to_string(MaxDepth) + "): re-attaching any of them breaks it",
 				{Steps.front()->Span.Begin, Steps[Depth - 1]->Span.End}));
@@ -144,7 +144,7 @@ namespace
 			const FLodexEvaluation Everywhere = EvaluateLodestring(Index, "//*" + Predicate);
 			if (Everywhere.bOk && Everywhere.Matches.size() > 1)
 			{
-				Out.push_back(MakeWarning(LodexLintRules::SharedTag,
+				Out.push_back(MakeLintWarning(LodexLintRules::SharedTag,
 					"the predicate " + ShowLodestringOnOneLine(Predicate) + " matches " +
 						FormatLodexObjectCount(Everywhere.Matches.size()) +
 						" of the scene: the path finds one only by where it looks",
@@ -160,7 +160,7 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	FLodexLintResult Result;
 	if (!LodexText::IsUtf8(Lodestring))
 	{
-		Result.Findings.push_back(MakeError(LodexLintRules::Unreadable,
+		Result.Findings.push_back(MakeLintError(LodexLintRules::Unreadable,
 			"the Lodestring is not UTF-8 text; save the file as UTF-8", WholeSpan(Lodestring)));
 		return Result;
 	}
@@ -170,13 +170,13 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	if (!CompileLodestring(Lodestring, Program, Error))
 	{
 		Result.Findings.push_back(
-			MakeError(LodexLintRules::Unreadable, Shown + " cannot be read: " + Error.Message, Error.Span));
+			MakeLintError(LodexLintRules::Unreadable, Shown + " cannot be read: " + Error.Message, Error.Span));
 		return Result;
 	}
 	const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Program);
 	if (!Evaluation.bOk)
 	{
-		Result.Findings.push_back(MakeError(
+		Result.Findings.push_back(MakeLintError(
 			LodexLintRules::Unreadable, Shown + " cannot be read: " + Evaluation.Error.Message, Evaluation.Error.Span));
 		return Result;
 	}
@@ -185,12 +185,12 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	if (Count == 0)
 	{
 		Result.Findings.push_back(
-			MakeError(LodexLintRules::NoMatch, Shown + " " + DescribeLodexMatchCount(0), WholeSpan(Lodestring)));
+			MakeLintError(LodexLintRules::NoMatch, Shown + " " + DescribeLodexMatchCount(0), WholeSpan(Lodestring)));
 	}
 	else if (Count > 1 && Options.bExpectsOneObject)
 	{
-		FLodexLintFinding Finding =
-			MakeError(LodexLintRules::Ambiguous, Shown + " " + DescribeLodexMatchCount(Count), WholeSpan(Lodestring));
+		FLodexLintFinding Finding = MakeLintError(
+			LodexLintRules::Ambiguous, Shown + " " + DescribeLodexMatchCount(Count), WholeSpan(Lodestring));
 		for (std::size_t Item = 0; Item < Count && Item < MaxListedMatches; ++Item)
 		{
 			const FLodexBestLocator Best = BestOfMatch(Finder, Program, Evaluation.Matches[Item]);

@@ -62,6 +62,22 @@ namespace
 	}
 
 	const std::string LodexNoKeyName;
+
+	/**
+	 * The scroll line of a wheel record, which holds the net of its events' deltas and their count: the line
+	 * scrolls the net, in as many steps as events when the count divides the net (always so when every event had
+	 * the same delta), else in one step.
+	 */
+	std::string MakeLodexScrollLine(const FLodexEventRecord& Wheel)
+	{
+		const std::int32_t Net = Wheel.X;
+		const std::int32_t Count = Wheel.Y;
+		if (Count > 0 && Net % Count == 0)
+		{
+			return LodexScriptLines::MakeScrollLine(Net / Count, Count);
+		}
+		return LodexScriptLines::MakeScrollLine(Net, 1);
+	}
 }
 
 FLodexInputRecorder::FLodexInputRecorder(
@@ -425,18 +441,22 @@ bool FLodexInputRecorder::HandleMouseWheel(const FLodexPointerInput& Input)
 		return false;
 	}
 	const std::int32_t Delta = LodexTruncateToInt32(Input.WheelDelta);
-	if (!Records.IsEmpty())
+	// The wheel record still waiting, wherever it is in the array: found by its sequence number, not by a scan.
+	FLodexEventRecord* Pending = PendingWheel ? Records.FindBySequence(*PendingWheel) : nullptr;
+	if (Pending != nullptr && Pending->Kind == ELodexEventKind::Wheel)
 	{
-		FLodexEventRecord& Last = Records.Back();
-		if (Last.Kind == ELodexEventKind::Wheel && Last.X == Delta)
+		const std::int64_t Net = static_cast<std::int64_t>(Pending->X) + Delta;
+		if (Net >= std::numeric_limits<std::int32_t>::min() && Net <= std::numeric_limits<std::int32_t>::max() &&
+			Pending->Y < std::numeric_limits<std::int32_t>::max())
 		{
-			++Last.Y;
+			Pending->X = static_cast<std::int32_t>(Net);
+			++Pending->Y;
 			return false;
 		}
 	}
 	FLodexEventRecord Wheel(Event.State.Frame, ELodexEventKind::Wheel, LodexMouseButton::WheelCode, Delta, 1);
 	Wheel.EndFrame = Event.State.Frame;
-	Records.Add(Wheel);
+	PendingWheel = Records.Add(Wheel);
 	return false;
 }
 
@@ -604,7 +624,7 @@ void FLodexInputRecorder::RunTick(const FTickContext& Context)
 				break;
 			}
 			case ELodexEventKind::Wheel:
-				AddLine(MakeScrollLine(Record.X, Record.Y));
+				AddLine(MakeLodexScrollLine(Record));
 				LastKind = LodexKindNumber(Kind);
 				break;
 			case ELodexEventKind::Move:
@@ -662,6 +682,7 @@ void FLodexInputRecorder::Flush()
 	{
 		LastClick.reset();
 	}
+	PendingWheel.reset();
 	if (bHasSeenViewport)
 	{
 		const double R = State.bVR ? LodexRecorderVRR : LodexRecorderR;

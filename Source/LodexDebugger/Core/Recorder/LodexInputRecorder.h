@@ -173,6 +173,9 @@ private:
 	/** The click records each button last completed, so that a double click can take the place of its first click. */
 	std::array<std::optional<std::uint64_t>, 3> LastClicks;
 
+	/** The last wheel record made: the next wheel event merges with it while it is still in the array. */
+	std::optional<std::uint64_t> PendingWheel;
+
 	/** Analog events of one key on consecutive frames make one burst: one record, or one line in VR mode. */
 	struct FAnalogBurst
 	{

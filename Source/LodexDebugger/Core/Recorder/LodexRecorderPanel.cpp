@@ -6,6 +6,35 @@
 #include "LodexDebugger/Core/Lodestring/Lodestring.h"
 #include "LodexDebugger/Core/Text/LodexText.h"
 
+namespace
+{
+	/**
+	 * The length of the line break at Text[Index], or 0: CR LF, and each character the engine's text layout takes
+	 * for a line break (FChar::IsLinebreak): LF, VT, FF, CR, and in UTF-8 NEL (U+0085), LS (U+2028), PS (U+2029).
+	 */
+	std::size_t LodexRecorderLineBreakLength(std::string_view Text, std::size_t Index)
+	{
+		const char Char = Text[Index];
+		if (Char == '\r')
+		{
+			return Index + 1 < Text.size() && Text[Index + 1] == '\n' ? 2 : 1;
+		}
+		if (Char == '\n' || Char == '\v' || Char == '\f')
+		{
+			return 1;
+		}
+		if (Text.compare(Index, 2, "\xC2\x85") == 0)
+		{
+			return 2;
+		}
+		if (Text.compare(Index, 3, "\xE2\x80\xA8") == 0 || Text.compare(Index, 3, "\xE2\x80\xA9") == 0)
+		{
+			return 3;
+		}
+		return 0;
+	}
+}
+
 FLodexRecorderPanel::FLodexRecorderPanel(ILodexRecorderHost& InHost)
 	: Host(InHost)
 	, PathMode(GetPathModes().front())
@@ -258,6 +287,28 @@ FLodexSaveDialogInfo FLodexRecorderPanel::GetSaveDialog()
 	// "%s (%s)|%s": the description, the pattern, the pattern again.
 	Dialog.FileTypes = Description + " (" + Pattern + ")|" + Pattern;
 	return Dialog;
+}
+
+std::string FLodexRecorderPanel::MakeDownloadText(std::string_view ShownText)
+{
+	std::string Text;
+	Text.reserve(ShownText.size() + ShownText.size() / 16);
+	std::size_t LineStart = 0;
+	for (std::size_t Index = 0; Index < ShownText.size();)
+	{
+		const std::size_t Break = LodexRecorderLineBreakLength(ShownText, Index);
+		if (Break == 0)
+		{
+			++Index;
+			continue;
+		}
+		Text.append(ShownText, LineStart, Index - LineStart);
+		Text += LodexText::LineSeparator;
+		Index += Break;
+		LineStart = Index;
+	}
+	Text.append(ShownText, LineStart, std::string_view::npos);
+	return Text;
 }
 
 const char* FLodexRecorderPanel::GetSupportUrl()

@@ -125,6 +125,13 @@ public:
 
 	/** Download's save dialog: title, default file name and filter text. */
 	static FLodexSaveDialogInfo GetSaveDialog();
+	/**
+	 * What Download saves: the text the output area shows, as its widget gives it (the user's edits included; while
+	 * recording, the session as it stands), its lines joined with "\r\n". The lines are split where the editor's
+	 * text area splits them: at CR LF, LF, CR, VT, FF, NEL, LS and PS, so the area's own line ends (the
+	 * platform's: "\n" on Linux and macOS) become "\r\n". The panel itself is left as it is.
+	 */
+	static std::string MakeDownloadText(std::string_view ShownText);
 	/** The page Info opens. */
 	static const char* GetSupportUrl();
 
