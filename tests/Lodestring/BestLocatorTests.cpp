@@ -1,9 +1,9 @@
 // Copyright Lodex contributors.
 #include "TestGraph.h"
 
-#include "LodexDebugger/Core/Evaluation/LodestringEvaluator.h"
-#include "LodexDebugger/Core/Evaluation/LodexBestLocator.h"
-#include "LodexDebugger/Core/Evaluation/LodexSceneIndex.h"
+#include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
+#include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
 
 #include <gtest/gtest.h>
 
