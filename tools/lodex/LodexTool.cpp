@@ -55,6 +55,7 @@ static int RunLodexCliWithInput(
 	Commands.push_back(MakeDebugCommand());
 	Commands.push_back(MakeLintCommand());
 	Commands.push_back(MakeExploreCommand());
+	Commands.push_back(MakeLevelCommand());
 	std::vector<CLI::App*> Subcommands;
 	for (const std::unique_ptr<ILodexCommand>& Command : Commands)
 	{

@@ -22,7 +22,9 @@ namespace
 {
 	const char* SeverityText(ELodexLintSeverity Severity)
 	{
-		return Severity == ELodexLintSeverity::Error ? "error" : "warning";
+		return Severity == ELodexLintSeverity::Error ? "error"
+			: Severity == ELodexLintSeverity::Warning ? "warning"
+													  : "note";
 	}
 
 	std::string Counted(std::size_t Count, const char* One, const char* Many)
@@ -70,7 +72,9 @@ void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFind
 			Diagnostic.MatchCount = Result.MatchCount;
 			Diagnostic.Suggestion = ShowLodestringOnOneLine(Finding.Suggestion);
 			Diagnostic.Notes = Finding.Notes;
-			(Finding.Severity == ELodexLintSeverity::Error ? Report.Errors : Report.Warnings) += 1;
+			(Finding.Severity == ELodexLintSeverity::Error     ? Report.Errors
+					: Finding.Severity == ELodexLintSeverity::Warning ? Report.Warnings
+																	  : Report.Notes) += 1;
 			Report.Diagnostics.push_back(std::move(Diagnostic));
 		}
 	}
@@ -101,12 +105,13 @@ std::string FormatLintReportText(const FLodexLintReport& Report, bool bStrict)
 	}
 	Text += "Checked " + Counted(Report.Checked, "Lodestring", "Lodestrings") + " in " +
 		Counted(Report.Files, "file", "files") + ": ";
+	const std::string Notes = Report.Notes > 0 ? ", " + Counted(Report.Notes, "note", "notes") : std::string();
 	if (Report.Errors == 0 && Report.Warnings == 0)
 	{
-		Text += "no errors, no warnings\n";
+		Text += "no errors, no warnings" + Notes + "\n";
 		return Text;
 	}
-	Text += Counted(Report.Errors, "error", "errors") + ", " + Counted(Report.Warnings, "warning", "warnings");
+	Text += Counted(Report.Errors, "error", "errors") + ", " + Counted(Report.Warnings, "warning", "warnings") + Notes;
 	Text += bStrict && Report.Warnings > 0 ? " (warnings fail with --strict)\n" : "\n";
 	return Text;
 }
@@ -136,6 +141,7 @@ std::string FormatLintReportJson(const FLodexLintReport& Report, bool bStrict)
 	Json["checked"] = Report.Checked;
 	Json["errors"] = Report.Errors;
 	Json["warnings"] = Report.Warnings;
+	Json["notes"] = Report.Notes;
 	Json["strict"] = bStrict;
 	Json["passed"] = !LintReportFails(Report, bStrict);
 	Json["diagnostics"] = std::move(Diagnostics);

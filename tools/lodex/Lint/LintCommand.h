@@ -36,6 +36,8 @@ struct FLodexLintReport
 	std::size_t Checked = 0;
 	std::size_t Errors = 0;
 	std::size_t Warnings = 0;
+	/** Findings that never fail a run, even with --strict. */
+	std::size_t Notes = 0;
 	std::vector<FLodexLintDiagnostic> Diagnostics;
 };
 

@@ -39,7 +39,11 @@ namespace LodexBestLocatorPrivate
 	{
 		ENodeForm Form;
 		ELodexLocatorEvidence Evidence;
-		/** How many of the names it writes end in a generated instance number (capped): 0 for a stable one. */
+		/**
+		 * What the generated names it writes cost (capped): each name with a generated instance number costs 1 when
+		 * its object was saved with its level, LodexBestLocatorPrivate::UnsavedNameCost otherwise; 0 for a stable
+		 * locator.
+		 */
 		std::uint8_t GeneratedNames;
 		/** Tag forms: the tag id; anchor forms: the anchor's object index. */
 		std::uint32_t Id;
@@ -160,9 +164,9 @@ struct FLodexBestLocatorFinder::FSearch
 	/** The components from the node down to the object, the object last. */
 	std::vector<std::uint32_t> Components;
 	std::size_t ComponentLength = 0;
-	/** How many of the components' names end in a generated instance number; whether the object's own does. */
+	/** What the components' generated names cost; what the object's own name costs (see FCandidate). */
 	std::size_t ComponentGeneratedNames = 0;
-	bool bLeafGenerated = false;
+	std::size_t LeafGeneratedCost = 0;
 	/** No component name holds a "'": the steps read one way only, and the index can count what they select. */
 	bool bComponentsPlain = true;
 	/** The components lead up to a node or to a root (not round a loop). */
@@ -184,6 +188,17 @@ FLodexBestLocatorFinder::FLodexBestLocatorFinder(const FLodexSceneIndex& InIndex
 			break;
 		}
 	}
+}
+
+std::size_t FLodexBestLocatorFinder::GeneratedNameCost(std::uint32_t ObjectIndex) const
+{
+	if (!HasGeneratedInstanceSuffix(Index.GetName(ObjectIndex)))
+	{
+		return 0;
+	}
+	return Index.GetGraph().GetPlacement(Index.GetObject(ObjectIndex)) == ELodexPlacement::Placed
+		? 1
+		: LodexBestLocatorPrivate::UnsavedNameCost;
 }
 
 std::size_t FLodexBestLocatorFinder::AbsoluteLength(std::uint32_t ObjectIndex) const
@@ -430,7 +445,7 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 		const std::string& Name = Index.GetName(Search.Node);
 		Search.Components.push_back(Search.Node);
 		Search.ComponentLength += Name.size() + 17;
-		Search.ComponentGeneratedNames += HasGeneratedInstanceSuffix(Name) ? 1 : 0;
+		Search.ComponentGeneratedNames += GeneratedNameCost(Search.Node);
 		Search.bComponentsPlain = Search.bComponentsPlain && IsPlainQuotedValue(Name);
 		Search.Node = Index.GetParent(Search.Node);
 		if (Search.Node != NoObject && Index.GetCycle(Search.Node) != NoObject && Index.IsComponent(Search.Node))
@@ -440,7 +455,7 @@ FLodexBestLocator FLodexBestLocatorFinder::Find(std::uint32_t ObjectIndex) const
 		}
 	}
 	std::reverse(Search.Components.begin(), Search.Components.end());
-	Search.bLeafGenerated = !Search.Components.empty() && HasGeneratedInstanceSuffix(Index.GetName(ObjectIndex));
+	Search.LeafGeneratedCost = Search.Components.empty() ? 0 : GeneratedNameCost(ObjectIndex);
 
 	if (Search.bChainComplete)
 	{
@@ -511,7 +526,7 @@ void FLodexBestLocatorFinder::GatherCandidates(FSearch& Search) const
 	{
 		const std::size_t Leaf = Index.GetName(Search.Object).size();
 		Search.Candidates.push_back({Form, ELodexLocatorEvidence::Component,
-			Generated(AnchorGeneratedNames + (Search.bLeafGenerated ? 1 : 0)), Id, AnchorLength + 18 + Leaf});
+			Generated(AnchorGeneratedNames + Search.LeafGeneratedCost), Id, AnchorLength + 18 + Leaf});
 	};
 	const std::uint32_t Node = Search.Node;
 	if (Node == NoObject)
@@ -540,7 +555,7 @@ void FLodexBestLocatorFinder::GatherCandidates(FSearch& Search) const
 	const std::string& Name = Index.GetName(Node);
 	// A node's name is written only when it reads one way; a component's anchors do not write it.
 	const bool bNamePlain = IsPlainBareName(Name);
-	const std::size_t NameGenerated = HasGeneratedInstanceSuffix(Name) ? 1 : 0;
+	const std::size_t NameGenerated = GeneratedNameCost(Node);
 	// A name many nodes share is not worth trying; one other node's is, when component steps follow.
 	const std::size_t Namesakes = Index.GetNodesNamed(Index.GetNameId(Node)).size();
 	if (bNamePlain && (Namesakes == 1 || (bComponents && Namesakes <= SharedNameLimit)))
@@ -564,7 +579,7 @@ void FLodexBestLocatorFinder::GatherCandidates(FSearch& Search) const
 		if (Index.IsNode(Ancestor) && IsPlainBareName(AncestorName) &&
 			Index.GetNodesNamed(Index.GetNameId(Ancestor)).size() <= SharedNameLimit)
 		{
-			const std::size_t AncestorGenerated = HasGeneratedInstanceSuffix(AncestorName) ? 1 : 0;
+			const std::size_t AncestorGenerated = GeneratedNameCost(Ancestor);
 			if (bNamePlain)
 			{
 				const std::size_t Length = AncestorName.size() + Name.size() + 2;

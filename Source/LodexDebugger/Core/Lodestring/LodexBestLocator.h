@@ -44,6 +44,11 @@ bool HasGeneratedInstanceSuffix(std::string_view Name);
 namespace LodexBestLocatorPrivate
 {
 	struct FCandidate;
+	/**
+	 * What a generated name of an object not known to be saved with its level costs, against 1 for a saved one: a
+	 * locator resting on one such name ranks after any resting on fewer than this many saved generated names.
+	 */
+	inline constexpr std::size_t UnsavedNameCost = 16;
 }
 
 /** Finds the best Lodestring of objects of one indexed scene; the index must outlive it. */
@@ -66,6 +71,11 @@ private:
 	bool MaySelectOnlyTheObject(FSearch& Search, const LodexBestLocatorPrivate::FCandidate& Candidate) const;
 	std::string MakeText(const FSearch& Search, std::size_t Which) const;
 	bool FindsOnlyTheObject(const std::string& Lodestring, std::uint32_t ObjectIndex) const;
+	/**
+	 * 0 when the object's name has no generated instance number; else 1 when the object was saved with its level
+	 * (its name is the same on every run), UnsavedNameCost when it was spawned or the scene cannot tell.
+	 */
+	std::size_t GeneratedNameCost(std::uint32_t ObjectIndex) const;
 	/** The length of the object's absolute Lodestring, read off the index (valid when no walk loops). */
 	std::size_t AbsoluteLength(std::uint32_t ObjectIndex) const;
 

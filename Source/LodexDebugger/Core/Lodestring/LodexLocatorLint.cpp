@@ -69,20 +69,53 @@ namespace
 			"' ends in a generated instance number, which can change from one run to the next";
 	}
 
-	void CheckGeneratedSuffixes(const std::vector<const FLodexStepOp*>& Steps, std::vector<FLodexLintFinding>& Out)
+	std::string PlacedGeneratedSuffixMessage(const std::string& Name)
+	{
+		return "the name '" + ShowLodestringOnOneLine(Name) +
+			"' ends in an instance number saved with the level: it is the same on every run, but an edit of the "
+			"level may renumber it";
+	}
+
+	/**
+	 * The finding for a name with a generated instance number: a note when every node (or component) of that name
+	 * was saved with its level, else a warning.
+	 */
+	FLodexLintFinding MakeGeneratedSuffixFinding(
+		const FLodexSceneIndex& Index, const std::string& Name, bool bComponent, FLodexSpan Span)
+	{
+		const std::uint32_t NameId = Index.FindNameId(Name);
+		bool bAllPlaced = NameId != FLodexSceneIndex::None;
+		if (bAllPlaced)
+		{
+			const FLodexIndexRange Named = bComponent ? Index.GetComponentsNamed(NameId) : Index.GetNodesNamed(NameId);
+			bAllPlaced = !Named.empty() &&
+				std::all_of(Named.begin(), Named.end(),
+					[&Index](std::uint32_t Object)
+					{ return Index.GetGraph().GetPlacement(Index.GetObject(Object)) == ELodexPlacement::Placed; });
+		}
+		if (!bAllPlaced)
+		{
+			return MakeLintWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Name), Span);
+		}
+		FLodexLintFinding Finding =
+			MakeLintWarning(LodexLintRules::PlacedGeneratedSuffix, PlacedGeneratedSuffixMessage(Name), Span);
+		Finding.Severity = ELodexLintSeverity::Note;
+		return Finding;
+	}
+
+	void CheckGeneratedSuffixes(const FLodexSceneIndex& Index, const std::vector<const FLodexStepOp*>& Steps,
+		std::vector<FLodexLintFinding>& Out)
 	{
 		for (const FLodexStepOp* Step : Steps)
 		{
 			if (Step->Kind == ELodexStepKind::Node && !Step->bAnyName && HasGeneratedInstanceSuffix(Step->Name))
 			{
 				const std::uint32_t NameBegin = Step->TestSpan.Begin + (Step->Axis == ELodexAxis::Descendant ? 2 : 1);
-				Out.push_back(MakeLintWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Step->Name),
-					{NameBegin, Step->TestSpan.End}));
+				Out.push_back(MakeGeneratedSuffixFinding(Index, Step->Name, false, {NameBegin, Step->TestSpan.End}));
 			}
 			if (Step->Kind == ELodexStepKind::Component && HasGeneratedInstanceSuffix(Step->Name))
 			{
-				Out.push_back(
-					MakeLintWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Step->Name), Step->Span));
+				Out.push_back(MakeGeneratedSuffixFinding(Index, Step->Name, true, Step->Span));
 			}
 			if (Step->Predicate == nullptr)
 			{
@@ -93,8 +126,7 @@ namespace
 				if (Edge.bStandard && Edge.Kind == ELodexPredicateEdgeKind::Comparison &&
 					Edge.Attribute == ELodexAttribute::Name && HasGeneratedInstanceSuffix(Edge.Value))
 				{
-					Out.push_back(MakeLintWarning(
-						LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Edge.Value), Edge.Span));
+					Out.push_back(MakeGeneratedSuffixFinding(Index, Edge.Value, false, Edge.Span));
 				}
 			}
 		}
@@ -184,8 +216,13 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	Result.MatchCount = Count;
 	if (Count == 0)
 	{
-		Result.Findings.push_back(
-			MakeLintError(LodexLintRules::NoMatch, Shown + " " + DescribeLodexMatchCount(0), WholeSpan(Lodestring)));
+		// A level's files hold only what it saves: what the locator names may be spawned at play time.
+		Result.Findings.push_back(Options.bSceneHoldsOnlyPlaced
+				? MakeLintWarning(LodexLintRules::NotInLevel,
+					  Shown + " matches no object the level saves: it may name one spawned at play time",
+					  WholeSpan(Lodestring))
+				: MakeLintError(
+					  LodexLintRules::NoMatch, Shown + " " + DescribeLodexMatchCount(0), WholeSpan(Lodestring)));
 	}
 	else if (Count > 1 && Options.bExpectsOneObject)
 	{
@@ -208,7 +245,7 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 		return Result;
 	}
 	std::vector<FLodexLintFinding> Warnings;
-	CheckGeneratedSuffixes(Steps, Warnings);
+	CheckGeneratedSuffixes(Index, Steps, Warnings);
 	CheckDepth(Steps, Options.MaxAbsoluteDepth, Warnings);
 	if (Options.bExpectsOneObject && Count == 1)
 	{
@@ -224,10 +261,14 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 		const FLodexBestLocator Best = BestOfMatch(Finder, Program, Evaluation.Matches.front());
 		for (FLodexLintFinding& Warning : Warnings)
 		{
-			// A replacement that rests on generated names too is no cure for this rule's warning.
-			if (std::string(Warning.Rule) == LodexLintRules::GeneratedSuffix && !Best.bStable)
+			// A replacement that rests on generated names too is no cure for these rules' findings.
+			const std::string Rule = Warning.Rule;
+			if ((Rule == LodexLintRules::GeneratedSuffix || Rule == LodexLintRules::PlacedGeneratedSuffix) &&
+				!Best.bStable)
 			{
-				Warning.Message += "; no stable name or tag in the scene finds the object alone";
+				Warning.Message += Rule == LodexLintRules::PlacedGeneratedSuffix
+					? "; a tag on the object, or on an ancestor, would not"
+					: "; no stable name or tag in the scene finds the object alone";
 				continue;
 			}
 			if (Best.MatchCount == 1 && Best.Lodestring != Lodestring)

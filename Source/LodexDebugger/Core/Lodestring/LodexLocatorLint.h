@@ -18,6 +18,8 @@ enum class ELodexLintSeverity : std::uint8_t
 	Error,
 	/** The locator works today but is likely to break: it rests on something that changes between runs or edits. */
 	Warning,
+	/** Worth knowing, never a failure: it rests on something only an edit of the level changes. */
+	Note,
 };
 
 /** The rules a locator is checked against, by the names the report gives them. */
@@ -29,8 +31,21 @@ namespace LodexLintRules
 	inline constexpr const char* NoMatch = "no-match";
 	/** Error: the locator matches more than one object where the call expects one. */
 	inline constexpr const char* Ambiguous = "ambiguous";
-	/** Warning: a name it tests ends in a generated instance number (`Cube_2`, `Enemy_C_3`). */
+	/**
+	 * Warning: a name it tests ends in a generated instance number (`Cube_2`, `Enemy_C_3`) and names an object
+	 * that is not known to be saved with its level: spawned at play time, or a scene that cannot tell.
+	 */
 	inline constexpr const char* GeneratedSuffix = "generated-suffix";
+	/**
+	 * Note: a name it tests ends in a generated instance number, and every object of that name was saved with its
+	 * level: the name is the same on every run, and only an edit of the level renumbers it.
+	 */
+	inline constexpr const char* PlacedGeneratedSuffix = "placed-generated-suffix";
+	/**
+	 * Warning, in place of `no-match` on a scene read from the level's files: the locator matches no object the
+	 * level saves, and may name one spawned at play time.
+	 */
+	inline constexpr const char* NotInLevel = "not-in-level";
 	/** Warning: it names more levels from the root than allowed, each a parent that may be re-attached. */
 	inline constexpr const char* DeepAbsolute = "deep-absolute";
 	/** Warning: the locator finds the one object the call expects, but its tag predicate alone matches several. */
