@@ -34,6 +34,7 @@ public:
 		FNode* RootWidget = nullptr;
 		bool bHasTags = false;
 		std::vector<std::string> Tags;
+		ELodexPlacement Placement = ELodexPlacement::Unknown;
 		/** How often the builder asked for this node's name. */
 		mutable int NameReads = 0;
 	};
@@ -100,6 +101,8 @@ public:
 		OutTags = Get(Object).Tags;
 		return Get(Object).bHasTags;
 	}
+
+	ELodexPlacement GetPlacement(FLodexObject Object) const override { return Get(Object).Placement; }
 
 private:
 	static const FNode& Get(FLodexObject Object) { return *static_cast<const FNode*>(Object.Ptr); }

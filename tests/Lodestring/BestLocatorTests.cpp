@@ -229,6 +229,42 @@ namespace
 		return Out;
 	}
 
+	TEST(LodestringBestLocator, RanksNamesSavedWithTheLevelBeforeNamesOfSpawnedObjects)
+	{
+		// Room_2 > Lamp_4 > Light, and a second lamp elsewhere with a Light of its own. Through the lamp is shorter
+		// than through the room; both rest on one generated name. Which one wins depends on what was saved.
+		const struct
+		{
+			ELodexPlacement Lamp;
+			ELodexPlacement Room;
+			const char* Lodestring;
+		} Rows[] = {
+			{ELodexPlacement::Placed, ELodexPlacement::Placed, "//Lamp_4/fn:component('Light')"},
+			{ELodexPlacement::Spawned, ELodexPlacement::Placed, "//Room_2//fn:component('Light')"},
+			{ELodexPlacement::Unknown, ELodexPlacement::Placed, "//Room_2//fn:component('Light')"},
+			{ELodexPlacement::Spawned, ELodexPlacement::Spawned, "//Lamp_4/fn:component('Light')"},
+			{ELodexPlacement::Placed, ELodexPlacement::Spawned, "//Lamp_4/fn:component('Light')"},
+		};
+		for (const auto& Row : Rows)
+		{
+			FListedTestGraph Level;
+			using EKind = FTestGraph::EKind;
+			FTestGraph::FNode& Room = Level.Listed(Level.Actor("Room_2"));
+			FTestGraph::FNode& Lamp = Level.Listed(Level.Actor("Lamp_4", &Room));
+			FTestGraph::FNode& Light = Level.Listed(Level.Add(EKind::Component, "Light", &Lamp));
+			FTestGraph::FNode& Other = Level.Listed(Level.Actor("Lamp_9"));
+			Level.Listed(Level.Add(EKind::Component, "Light", &Other));
+			Room.Placement = Row.Room;
+			Lamp.Placement = Row.Lamp;
+			const FLodexSceneIndex Index(Level, Level);
+			const FLodexBestLocator Best =
+				FLodexBestLocatorFinder(Index).Find(Index.FindIndex(FTestGraph::Handle(Light)));
+			EXPECT_EQ(Best.Lodestring, Row.Lodestring) << static_cast<int>(Row.Lamp) << static_cast<int>(Row.Room);
+			EXPECT_EQ(Best.MatchCount, 1u);
+			EXPECT_FALSE(Best.bStable);
+		}
+	}
+
 	TEST(LodestringRoundTrip, TheBestLocatorOfAGeneratedLevelRestsOnNoMoreGeneratedNamesThanAnAnchorThatFindsItAlone)
 	{
 		std::size_t Anchored = 0;

@@ -1,0 +1,174 @@
+// Copyright Lodex contributors.
+// lodex level, and the other commands on a level file: a level laid out by the test package writer in a
+// temporary Content folder.
+#include "LodexRun.h"
+#include "Scenes/SceneSnapshot.h"
+#include "TempDir.h"
+#include "Host/Scenes/TestPackageWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+	/**
+	 * Content/Maps/Main.umap: a tagged warehouse (label "Main Warehouse"), a crate attached to it, a lamp with a
+	 * generated name and a label of its own, and a Tür whose name is not ASCII.
+	 */
+	class LevelCommand : public ::testing::Test
+	{
+	protected:
+		void SetUp() override
+		{
+			FTestMap Map;
+			FTestActor Warehouse;
+			Warehouse.Name = "Warehouse";
+			Warehouse.Label = "Main Warehouse";
+			Warehouse.bTags = true;
+			Warehouse.Tags = {"store"};
+			Warehouse.Components = {{"Root", "SceneComponent"}};
+			Warehouse.Root = "Root";
+			FTestActor Crate;
+			Crate.Name = "Crate_3";
+			Crate.Label = "Crate";
+			Crate.Components = {{"Mesh", "StaticMeshComponent", "Warehouse.Root"}};
+			Crate.Root = "Mesh";
+			FTestActor Lamp;
+			Lamp.Name = "PointLight_7";
+			Lamp.Class = "PointLight";
+			Lamp.Label = "Lamp";
+			FTestActor Door;
+			Door.Name = "Tür";
+			Map.Actors = {Warehouse, Crate, Lamp, Door};
+			WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+			MapFile = Temp.Path + "/Content/Maps/Main.umap";
+		}
+
+		/** A C# test file holding one api.Click per Lodestring. */
+		std::string WriteTests(const std::vector<std::string>& Lodestrings)
+		{
+			std::string Source = "class T { void Run() {\n";
+			for (const std::string& Lodestring : Lodestrings)
+			{
+				Source += "api.Click(\"" + Lodestring + "\");\n";
+			}
+			return Temp.Write("Test.cs", Source + "} }\n");
+		}
+
+		FTempDir Temp;
+		std::string MapFile;
+	};
+
+	TEST_F(LevelCommand, ShowsEachActorWithItsLabelClassTagsAttachmentAndBestLodestringItsComponentsBelow)
+	{
+		const FLodexRun Run = RunLodex({"level", MapFile});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out,
+			MapFile + "\n"
+					  "└── level /Game/Maps/Main\n"
+					  "    ├── Warehouse (label \"Main Warehouse\"; class StaticMeshActor; tags store)  //*[@tag = 'store']\n"
+					  "    │   └── Root (SceneComponent)\n"
+					  "    ├── Crate_3 (label \"Crate\"; class StaticMeshActor; attached to Warehouse)  //Crate_3\n"
+					  "    │   └── Mesh (StaticMeshComponent)\n"
+					  "    ├── PointLight_7 (label \"Lamp\"; class PointLight)  /PointLight_7\n"
+					  "    └── Tür (class StaticMeshActor)  /Tür\n");
+		EXPECT_EQ(Run.Err, "");
+	}
+
+	TEST_F(LevelCommand, AsJsonIsASceneSnapshotThatGivesTheSameLodestringsAsTheLevel)
+	{
+		const FLodexRun Json = RunLodex({"level", MapFile, "--format", "json"});
+		ASSERT_EQ(Json.Exit, 0) << Json.Err;
+		FSceneSnapshot Snapshot;
+		std::string Error;
+		ASSERT_TRUE(FSceneSnapshot::Parse(Json.Out, "level.json", Snapshot, Error)) << Error;
+		const FSceneObject* Crate = nullptr;
+		for (const FSceneObject& Object : Snapshot.GetObjects())
+		{
+			EXPECT_EQ(Object.Origin, LodexSceneOrigin::Placed) << Object.Id;
+			Crate = Object.Name == "Crate_3" ? &Object : Crate;
+		}
+		ASSERT_NE(Crate, nullptr);
+		EXPECT_EQ(Crate->Label, "Crate");
+		EXPECT_EQ(Crate->ClassName, "StaticMeshActor");
+		ASSERT_NE(Crate->AttachParent, nullptr);
+		EXPECT_EQ(Crate->AttachParent->Name, "Warehouse");
+
+		const std::string SnapshotFile = Temp.Write("level.json", Json.Out);
+		for (const char* Mode : {"Absolute", "Relative", "best"})
+		{
+			const std::vector<std::string> Objects = {"Crate", "Lamp", "Main Warehouse", "Tür", "Mesh"};
+			std::vector<std::string> OnLevel = {"path", "--scene", MapFile, "--mode", Mode};
+			std::vector<std::string> OnSnapshot = {"path", "--scene", SnapshotFile, "--mode", Mode};
+			OnLevel.insert(OnLevel.end(), Objects.begin(), Objects.end());
+			OnSnapshot.insert(OnSnapshot.end(), Objects.begin(), Objects.end());
+			const FLodexRun Level = RunLodex(OnLevel);
+			const FLodexRun FromJson = RunLodex(OnSnapshot);
+			EXPECT_EQ(Level.Exit, 0) << Level.Err;
+			EXPECT_EQ(Level.Out, FromJson.Out) << Mode;
+		}
+	}
+
+	TEST_F(LevelCommand, ObjectsAreNamedByIdNameOrALabelOneObjectHasAlone)
+	{
+		const FLodexRun Run = RunLodex({"path", "--scene", MapFile, "--mode", "best", "Lamp", "Crate_3"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "/PointLight_7\n//Crate_3\n");
+		const FLodexRun Unknown = RunLodex({"path", "--scene", MapFile, "Sofa"});
+		EXPECT_EQ(Unknown.Exit, 1);
+		EXPECT_EQ(Unknown.Err, "lodex: " + MapFile + ": no object has the id, name or label 'Sofa'\n");
+	}
+
+	TEST_F(LevelCommand, LintOnALevelNotesSavedGeneratedNamesAndWarnsOfWhatTheLevelDoesNotHold)
+	{
+		const std::string Tests = WriteTests({"//Crate_3", "//Projectile_12", "/Warehouse"});
+		const FLodexRun Run = RunLodex({"lint", "--scene", MapFile, Tests});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out,
+			Tests + ":2:14: note: the name 'Crate_3' ends in an instance number saved with the level: it is the same "
+					"on every run, but an edit of the level may renumber it; a tag on the object, or on an ancestor, "
+					"would not [placed-generated-suffix]\n" +
+				Tests + ":3:12: warning: //Projectile_12 matches no object the level saves: it may name one spawned "
+						"at play time [not-in-level]\n" +
+				Tests + ":3:14: warning: the name 'Projectile_12' ends in a generated instance number, which can "
+						"change from one run to the next [generated-suffix]\n"
+						"Checked 3 Lodestrings in 1 file: 0 errors, 2 warnings, 1 note\n");
+		// A saved generated name never fails a run; a locator the level does not hold does, with --strict.
+		EXPECT_EQ(RunLodex({"lint", "--strict", "--scene", MapFile, WriteTests({"//Crate_3"})}).Exit, 0);
+		EXPECT_EQ(RunLodex({"lint", "--strict", "--scene", MapFile, WriteTests({"//Projectile_12"})}).Exit, 1);
+	}
+
+	TEST_F(LevelCommand, LintOnASnapshotKeepsGeneratedNamesOfSpawnedObjectsAsWarnings)
+	{
+		const std::string Scene = Temp.Write("scene.json",
+			R"({"objects": [
+				{"id": "a", "kind": "actor", "name": "Crate_3", "placed": true},
+				{"id": "b", "kind": "actor", "name": "Bullet_3", "placed": false},
+				{"id": "c", "kind": "actor", "name": "Barrel_3"}]})");
+		const FLodexRun Run =
+			RunLodex({"lint", "--strict", "--scene", Scene, WriteTests({"//Crate_3", "//Bullet_3", "//Barrel_3", "//Gone_1"})});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_NE(Run.Out.find(":2:14: note: the name 'Crate_3'"), std::string::npos) << Run.Out;
+		EXPECT_NE(Run.Out.find(":3:14: warning: the name 'Bullet_3'"), std::string::npos) << Run.Out;
+		EXPECT_NE(Run.Out.find(":4:14: warning: the name 'Barrel_3'"), std::string::npos) << Run.Out;
+		// On a snapshot a locator that matches nothing stays an error.
+		EXPECT_NE(Run.Out.find(":5:12: error: //Gone_1 matches no object [no-match]"), std::string::npos) << Run.Out;
+	}
+
+	TEST_F(LevelCommand, RefusesWhatIsNotALevelAndReadsLevelsWhateverTheirName)
+	{
+		const std::string Snapshot = Temp.Write("scene.json", R"({"objects": []})");
+		const FLodexRun NotLevel = RunLodex({"level", Snapshot});
+		EXPECT_EQ(NotLevel.Exit, 1);
+		EXPECT_EQ(NotLevel.Err, "lodex: " + Snapshot +
+				": not a level saved by Unreal Engine (a scene snapshot, or another kind of file); lodex level reads "
+				".umap files\n");
+		// A level under another name is still a level.
+		const std::string Renamed = Temp.Write("level.txt", FTempDir::Read(MapFile));
+		const FLodexRun Run = RunLodex({"path", "--scene", Renamed, "Lamp"});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_EQ(Run.Out, "/*[@name = 'PointLight_7']\n");
+	}
+}
