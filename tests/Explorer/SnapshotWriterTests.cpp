@@ -55,6 +55,9 @@ namespace
 		Reflection.SetClass(Door, Actor);
 		Reflection.SetClass(House, Actor);
 		Reflection.SetClass(Hinge, Object);
+		// Saved with the level, spawned at play time, and (the others) not known.
+		Door.Placement = ELodexPlacement::Placed;
+		OtherDoor.Placement = ELodexPlacement::Spawned;
 
 		FLodexSnapshotCounts Counts;
 		const std::string Text = LodexSnapshot::Write(Graph, Reflection,
@@ -65,9 +68,9 @@ namespace
 			"    {\"id\": \"Hinge\", \"kind\": \"component\", \"name\": \"Hinge\", \"outer\": \"Door#2\", \"class\": "
 			"\"Object\"},\n"
 			"    {\"id\": \"Door\", \"kind\": \"actor\", \"name\": \"Door\", \"outer\": \"PersistentLevel\", "
-			"\"tags\": []},\n"
+			"\"tags\": [], \"placed\": false},\n"
 			"    {\"id\": \"Door#2\", \"kind\": \"actor\", \"name\": \"Door\", \"outer\": \"PersistentLevel\", "
-			"\"attachParent\": \"House\", \"tags\": [], \"class\": \"Actor\"},\n"
+			"\"attachParent\": \"House\", \"tags\": [], \"placed\": true, \"class\": \"Actor\"},\n"
 			"    {\"id\": \"PersistentLevel\", \"kind\": \"other\", \"name\": \"PersistentLevel\"},\n"
 			"    {\"id\": \"House\", \"kind\": \"actor\", \"name\": \"House\", \"outer\": \"PersistentLevel\", "
 			"\"tags\": [\"bldg\"], \"class\": \"Actor\"}\n"
