@@ -2,7 +2,8 @@
 #pragma once
 
 // The Lodestring compiler's working state, shared by its two halves: the standard reading
-// (LodestringProgram.cpp) and every other reading (LodestringReadings.cpp). Nothing else includes it.
+// (LodestringCompiler.cpp, with CompileLodestring) and every other reading (LodestringReadings.cpp). Nothing else
+// includes it.
 
 #include "LodestringProgram.h"
 

@@ -1,4 +1,5 @@
 // Copyright Lodex contributors.
+// A level's objects made into a scene (declared in LevelScene.h and LoadedLevel.h).
 #include "LevelScene.h"
 
 #include "LoadedLevel.h"

@@ -1,4 +1,5 @@
 // Copyright Lodex contributors.
+// The compiler (declared in LodestringProgram.h): the standard reading of a Lodestring, then every other reading.
 #include "LodestringProgram.h"
 #include "LodestringCompiler.h"
 

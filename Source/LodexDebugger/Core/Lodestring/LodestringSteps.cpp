@@ -1,4 +1,6 @@
 // Copyright Lodex contributors.
+// The evaluation of a compiled Lodestring over a scene index, and how its matches are shown (declared in
+// LodestringEvaluator.h).
 #include "LodestringEvaluator.h"
 #include "LodestringSteps.h"
 
