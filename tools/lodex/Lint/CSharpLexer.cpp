@@ -5,32 +5,6 @@
 
 namespace
 {
-	void AppendUtf8(std::string& Out, std::uint32_t CodePoint)
-	{
-		if (CodePoint < 0x80)
-		{
-			Out += static_cast<char>(CodePoint);
-		}
-		else if (CodePoint < 0x800)
-		{
-			Out += static_cast<char>(0xC0 | (CodePoint >> 6));
-			Out += static_cast<char>(0x80 | (CodePoint & 0x3F));
-		}
-		else if (CodePoint < 0x10000)
-		{
-			Out += static_cast<char>(0xE0 | (CodePoint >> 12));
-			Out += static_cast<char>(0x80 | ((CodePoint >> 6) & 0x3F));
-			Out += static_cast<char>(0x80 | (CodePoint & 0x3F));
-		}
-		else
-		{
-			Out += static_cast<char>(0xF0 | (CodePoint >> 18));
-			Out += static_cast<char>(0x80 | ((CodePoint >> 12) & 0x3F));
-			Out += static_cast<char>(0x80 | ((CodePoint >> 6) & 0x3F));
-			Out += static_cast<char>(0x80 | (CodePoint & 0x3F));
-		}
-	}
-
 	bool IsIdentifierChar(char Char)
 	{
 		const unsigned char Byte = static_cast<unsigned char>(Char);
@@ -50,7 +24,7 @@ namespace
 		{
 			if (Value >= 0xDC00 && Value <= 0xDFFF && High != 0)
 			{
-				AppendUtf8(Out, 0x10000 + ((High - 0xD800) << 10) + (Value - 0xDC00));
+				LodexText::AppendUtf8(Out, 0x10000 + ((High - 0xD800) << 10) + (Value - 0xDC00));
 				High = 0;
 				return;
 			}
@@ -60,14 +34,14 @@ namespace
 				High = Value;
 				return;
 			}
-			AppendUtf8(Out, (Value >= 0xDC00 && Value <= 0xDFFF) ? 0xFFFD : Value);
+			LodexText::AppendUtf8(Out, (Value >= 0xDC00 && Value <= 0xDFFF) ? 0xFFFD : Value);
 		}
 		bool IsHolding() const { return High != 0; }
 		void Flush()
 		{
 			if (High != 0)
 			{
-				AppendUtf8(Out, 0xFFFD);
+				LodexText::AppendUtf8(Out, 0xFFFD);
 				High = 0;
 			}
 		}
@@ -312,7 +286,7 @@ namespace
 						if (Escape == 'U' && Code > 0xFFFF)
 						{
 							Joiner.Flush();
-							AppendUtf8(Value, Code <= 0x10FFFF ? Code : 0xFFFD);
+							LodexText::AppendUtf8(Value, Code <= 0x10FFFF ? Code : 0xFFFD);
 						}
 						else
 						{

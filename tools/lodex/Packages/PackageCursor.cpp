@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "PackageCursor.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <utility>
 
 std::string OneLineText(const std::string& Text)
@@ -184,28 +186,7 @@ void AppendUtf8CodePoint(std::string& Out, std::uint32_t CodePoint)
 	{
 		CodePoint = 0xFFFD;
 	}
-	if (CodePoint < 0x80)
-	{
-		Out += static_cast<char>(CodePoint);
-	}
-	else if (CodePoint < 0x800)
-	{
-		Out += static_cast<char>(0xC0 | (CodePoint >> 6));
-		Out += static_cast<char>(0x80 | (CodePoint & 0x3F));
-	}
-	else if (CodePoint < 0x10000)
-	{
-		Out += static_cast<char>(0xE0 | (CodePoint >> 12));
-		Out += static_cast<char>(0x80 | ((CodePoint >> 6) & 0x3F));
-		Out += static_cast<char>(0x80 | (CodePoint & 0x3F));
-	}
-	else
-	{
-		Out += static_cast<char>(0xF0 | (CodePoint >> 18));
-		Out += static_cast<char>(0x80 | ((CodePoint >> 12) & 0x3F));
-		Out += static_cast<char>(0x80 | ((CodePoint >> 6) & 0x3F));
-		Out += static_cast<char>(0x80 | (CodePoint & 0x3F));
-	}
+	LodexText::AppendUtf8(Out, CodePoint);
 }
 
 bool FPackageCursor::ReadString(std::string& Out)

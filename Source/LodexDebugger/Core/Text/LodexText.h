@@ -56,6 +56,12 @@ namespace LodexText
 	 */
 	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index);
 
+	/**
+	 * Appends the code point's UTF-8 bytes as they are (a surrogate gives its three bytes, which are not
+	 * well-formed UTF-8: callers that must write text replace it first). CodePoint is at most 0x1FFFFF.
+	 */
+	void AppendUtf8(std::string& Out, std::uint32_t CodePoint);
+
 	/** Whether the whole text is well-formed UTF-8. */
 	bool IsUtf8(const std::string& Text);
 
