@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "Evaluation/EvaluationFixture.h"
+#include "BestLocatorLaw.h"
 #include "TestGraph.h"
 
 #include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
@@ -242,22 +243,9 @@ namespace
 			const FLodexBestLocatorFinder Finder(Index);
 			for (std::uint32_t Object = 0; Object < Index.Num(); ++Object)
 			{
-				const FLodexBestLocator Best = Finder.Find(Object);
+				const FLodexBestLocator Best =
+					ExpectBestLocatorLaw(Index, Finder, Object, "seed " + std::to_string(Seed));
 				const std::string Absolute = Index.GetAbsoluteLodestring(Object);
-				const FLodexEvaluation Found = EvaluateLodestring(Index, Best.Lodestring);
-				const FLodexEvaluation AbsoluteFound = EvaluateLodestring(Index, Absolute);
-				ASSERT_TRUE(Found.bOk) << "seed " << Seed << ": " << Best.Lodestring;
-				// The count it reports is what the evaluator finds, and the object is among it.
-				EXPECT_EQ(Best.MatchCount, Found.Matches.size()) << "seed " << Seed << ": " << Best.Lodestring;
-				EXPECT_TRUE(std::any_of(Found.Matches.begin(), Found.Matches.end(),
-					[Object](const FLodexMatch& Match) { return Match.Object == Object; }))
-					<< "seed " << Seed << ": " << Best.Lodestring;
-				EXPECT_LE(Best.Lodestring.size(), Absolute.size()) << "seed " << Seed << ": " << Best.Lodestring;
-				// Never worse than the absolute Lodestring: unique whenever that one is.
-				if (AbsoluteFound.Matches.size() == 1)
-				{
-					EXPECT_EQ(Best.MatchCount, 1u) << "seed " << Seed << ": " << Best.Lodestring << " for " << Absolute;
-				}
 				Unique += Best.MatchCount == 1;
 				Shorter += Best.Lodestring.size() < Absolute.size();
 				Twins += Best.MatchCount > 1;
