@@ -5,31 +5,9 @@
 
 #include <utility>
 
-std::string OneLineText(const std::string& Text)
-{
-	static const char Digits[] = "0123456789ABCDEF";
-	std::string Shown;
-	Shown.reserve(Text.size());
-	for (const char Character : Text)
-	{
-		const unsigned char Byte = static_cast<unsigned char>(Character);
-		if (Byte < 0x20 || Byte == 0x7F)
-		{
-			Shown += "\\x";
-			Shown += Digits[Byte >> 4];
-			Shown += Digits[Byte & 0xF];
-		}
-		else
-		{
-			Shown += Character;
-		}
-	}
-	return Shown;
-}
-
 std::string FPackageError::Describe(const std::string& SourceName) const
 {
-	return SourceName + ": byte " + std::to_string(Offset) + ": " + OneLineText(Reason);
+	return SourceName + ": byte " + std::to_string(Offset) + ": " + LodexText::EscapeControlsAndIllFormed(Reason);
 }
 
 FPackageCursor::FPackageCursor(const std::string& InBytes, std::size_t Begin, std::size_t InEnd, std::string InWhat)

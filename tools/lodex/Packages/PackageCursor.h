@@ -63,8 +63,5 @@ private:
 	FPackageError Error;
 };
 
-/** Text from a file made fit for a one-line message: control characters become "\xNN". */
-std::string OneLineText(const std::string& Text);
-
 /** Appends the UTF-8 form of a code point (U+FFFD for surrogates and values past U+10FFFF). */
 void AppendUtf8CodePoint(std::string& Out, std::uint32_t CodePoint);

@@ -6,6 +6,8 @@
 #include "Packages/TaggedProperties.h"
 #include "Cli/WholeFile.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -153,17 +155,17 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		const std::string TargetFile = FileOfPackage(Target);
 		if (TargetFile.empty())
 		{
-			OutError = File + ": a redirector to " + OneLineText(Target) + ", which is not under " +
+			OutError = File + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Target) + ", which is not under " +
 				(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot));
 			return false;
 		}
 		if (Redirects + 1 == RedirectLimit || ReadLevels.count(Target) != 0)
 		{
-			OutError = File + ": a redirector to " + OneLineText(Target) + ", which redirects back or on past " +
+			OutError = File + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Target) + ", which redirects back or on past " +
 				std::to_string(RedirectLimit) + " redirectors";
 			return false;
 		}
-		Out.Notes.push_back(OneLineText(File + ": a redirector to " + Target + "; followed it to " + TargetFile));
+		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(File + ": a redirector to " + Target + "; followed it to " + TargetFile));
 		ReadLevels.insert(PackagePath);
 		File = TargetFile;
 		PackagePath = Target;
@@ -238,7 +240,7 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 		}
 		if (Actors.empty() && !OtherLevel.empty())
 		{
-			Out.Notes.push_back(OneLineText(Shown + ": an actor of " + OtherLevel + ", not of " + LevelPath + "; left out"));
+			Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Shown + ": an actor of " + OtherLevel + ", not of " + LevelPath + "; left out"));
 		}
 		Out.ExternalActorCount += Actors.size();
 		Level.Sources.push_back(FActorSource{Shown, PackagePath});
@@ -302,7 +304,7 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 		{
 			if (MissingClasses.insert(PackagePath).second)
 			{
-				Out.Notes.push_back(OneLineText("the Blueprint class " + ClassPath + " is not under " +
+				Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed("the Blueprint class " + ClassPath + " is not under " +
 					(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) +
 					": the default tags of its actors are unknown"));
 			}
@@ -325,7 +327,7 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 	std::string PackagePath;
 	if (!FindContentRoot(Path, PackagePath))
 	{
-		Out.Notes.push_back(OneLineText(Path + ": not inside a Content folder; its external actors, sub-levels and Blueprint "
+		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Path + ": not inside a Content folder; its external actors, sub-levels and Blueprint "
 			"classes are not looked up"));
 	}
 	std::vector<FLoadedLevel> Levels;
@@ -341,7 +343,7 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 		{
 			Names += (Names.empty() ? "" : ", ") + Name;
 		}
-		Out.Notes.push_back(OneLineText(Levels[0].File + ": sub-levels left out: " + Names));
+		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Levels[0].File + ": sub-levels left out: " + Names));
 		Pending.clear();
 	}
 	// Sub-levels in the order the levels name them, each read once; theirs after them.
@@ -356,7 +358,7 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 		if (File.empty())
 		{
 			ReadLevels.insert(SubLevel);
-			Out.Notes.push_back(OneLineText("the sub-level " + SubLevel + " is not under " +
+			Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed("the sub-level " + SubLevel + " is not under " +
 				(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) + "; left out"));
 			continue;
 		}

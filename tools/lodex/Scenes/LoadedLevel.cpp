@@ -5,6 +5,8 @@
 #include "LoadedLevel.h"
 #include "Packages/UnrealPackage.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <fstream>
 #include <string_view>
 #include <unordered_map>
@@ -89,7 +91,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 			if (!Inserted.second)
 			{
 				OutError = Source.File + ": byte " + std::to_string(Actor.Offset) + ": the actor '" +
-					OneLineText(Objects[ActorIndex].Id) + "' is read a second time (first from " +
+					LodexText::EscapeControlsAndIllFormed(Objects[ActorIndex].Id) + "' is read a second time (first from " +
 					SourceOf[Inserted.first->second]->File + ")";
 				return false;
 			}
@@ -127,7 +129,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 		}
 		if (Parent == FSceneObjectLinks::NoObject)
 		{
-			Out.Notes.push_back(OneLineText(Entry.Source->Package + ": actor '" + Objects[Entry.Actor].Name +
+			Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Entry.Source->Package + ": actor '" + Objects[Entry.Actor].Name +
 				"' is attached to '" + Entry.ParentPath + "', which is not among the objects read; it is shown unattached"));
 		}
 		else if (Parent != Entry.Actor)
@@ -138,7 +140,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 	std::string SceneError;
 	if (!FSceneSnapshot::FromObjects(std::move(Objects), Links, Out.Scene, SceneError))
 	{
-		OutError = (Levels.empty() ? std::string("level") : Levels[0].File) + ": " + OneLineText(SceneError);
+		OutError = (Levels.empty() ? std::string("level") : Levels[0].File) + ": " + LodexText::EscapeControlsAndIllFormed(SceneError);
 		return false;
 	}
 	return true;
@@ -159,7 +161,7 @@ bool ReadLevelSceneBytes(std::string Bytes, const std::string& SourceName, const
 	}
 	if (!Contents.RedirectTarget.empty())
 	{
-		OutError = SourceName + ": a redirector to " + OneLineText(Contents.RedirectTarget) + ", not a level";
+		OutError = SourceName + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Contents.RedirectTarget) + ", not a level";
 		return false;
 	}
 	std::vector<FLoadedLevel> Levels(1);
