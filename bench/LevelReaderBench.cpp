@@ -105,7 +105,8 @@ namespace
 			const std::string File = Files.substr(Start, End - Start);
 			if (!File.empty())
 			{
-				benchmark::RegisterBenchmark(("BM_ReadLevel/" + std::filesystem::path(File).filename().string()).c_str(),
+				benchmark::RegisterBenchmark(
+					("BM_ReadLevel/" + std::filesystem::path(File).filename().string()).c_str(),
 					[File](benchmark::State& State) { ReadLevel(State, File, 0); })
 					->Unit(benchmark::kMillisecond);
 			}

@@ -83,7 +83,8 @@ std::string CheckLevelPackageInput(const std::string& Input)
 			return "'" + Shown(Object.Id) + "' is not placed";
 		}
 		const bool bOuterFits = Object.Kind == "actor" ? Object.Outer == &Objects[0]
-			: Object.Kind == "component" ? Object.Outer != nullptr && Object.Outer < &Object && Object.Outer->Kind == "actor"
+			: Object.Kind == "component"
+			? Object.Outer != nullptr && Object.Outer < &Object && Object.Outer->Kind == "actor"
 			: Index == 0 && Object.Outer == nullptr;
 		if (!bOuterFits)
 		{

@@ -70,14 +70,15 @@ namespace
 		const FLodexRun Run = RunLodex({"level", MapFile});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out,
-			MapFile + "\n"
-					  "└── level /Game/Maps/Main\n"
-					  "    ├── Warehouse (label \"Main Warehouse\"; class StaticMeshActor; tags store)  //*[@tag = 'store']\n"
-					  "    │   └── Root (SceneComponent)\n"
-					  "    ├── Crate_3 (label \"Crate\"; class StaticMeshActor; attached to Warehouse)  //Crate_3\n"
-					  "    │   └── Mesh (StaticMeshComponent)\n"
-					  "    ├── PointLight_7 (label \"Lamp\"; class PointLight)  /PointLight_7\n"
-					  "    └── Tür (class StaticMeshActor)  /Tür\n");
+			MapFile +
+				"\n"
+				"└── level /Game/Maps/Main\n"
+				"    ├── Warehouse (label \"Main Warehouse\"; class StaticMeshActor; tags store)  //*[@tag = 'store']\n"
+				"    │   └── Root (SceneComponent)\n"
+				"    ├── Crate_3 (label \"Crate\"; class StaticMeshActor; attached to Warehouse)  //Crate_3\n"
+				"    │   └── Mesh (StaticMeshComponent)\n"
+				"    ├── PointLight_7 (label \"Lamp\"; class PointLight)  /PointLight_7\n"
+				"    └── Tür (class StaticMeshActor)  /Tür\n");
 		EXPECT_EQ(Run.Err, "");
 	}
 
@@ -131,14 +132,17 @@ namespace
 		const FLodexRun Run = RunLodex({"lint", "--scene", MapFile, Tests});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out,
-			Tests + ":2:14: note: the name 'Crate_3' ends in an instance number saved with the level: it is the same "
-					"on every run, but an edit of the level may renumber it; a tag on the object, or on an ancestor, "
-					"would not [placed-generated-suffix]\n" +
-				Tests + ":3:12: warning: //Projectile_12 matches no object the level saves: it may name one spawned "
-						"at play time [not-in-level]\n" +
-				Tests + ":3:14: warning: the name 'Projectile_12' ends in a generated instance number, which can "
-						"change from one run to the next [generated-suffix]\n"
-						"Checked 3 Lodestrings in 1 file: 0 errors, 2 warnings, 1 note\n");
+			Tests +
+				":2:14: note: the name 'Crate_3' ends in an instance number saved with the level: it is the same "
+				"on every run, but an edit of the level may renumber it; a tag on the object, or on an ancestor, "
+				"would not [placed-generated-suffix]\n" +
+				Tests +
+				":3:12: warning: //Projectile_12 matches no object the level saves: it may name one spawned "
+				"at play time [not-in-level]\n" +
+				Tests +
+				":3:14: warning: the name 'Projectile_12' ends in a generated instance number, which can "
+				"change from one run to the next [generated-suffix]\n"
+				"Checked 3 Lodestrings in 1 file: 0 errors, 2 warnings, 1 note\n");
 		// A saved generated name never fails a run; a locator the level does not hold does, with --strict.
 		EXPECT_EQ(RunLodex({"lint", "--strict", "--scene", MapFile, WriteTests({"//Crate_3"})}).Exit, 0);
 		EXPECT_EQ(RunLodex({"lint", "--strict", "--scene", MapFile, WriteTests({"//Projectile_12"})}).Exit, 1);
@@ -151,8 +155,8 @@ namespace
 				{"id": "a", "kind": "actor", "name": "Crate_3", "placed": true},
 				{"id": "b", "kind": "actor", "name": "Bullet_3", "placed": false},
 				{"id": "c", "kind": "actor", "name": "Barrel_3"}]})");
-		const FLodexRun Run =
-			RunLodex({"lint", "--strict", "--scene", Scene, WriteTests({"//Crate_3", "//Bullet_3", "//Barrel_3", "//Gone_1"})});
+		const FLodexRun Run = RunLodex(
+			{"lint", "--strict", "--scene", Scene, WriteTests({"//Crate_3", "//Bullet_3", "//Barrel_3", "//Gone_1"})});
 		EXPECT_EQ(Run.Exit, 1);
 		EXPECT_NE(Run.Out.find(":2:14: note: the name 'Crate_3'"), std::string::npos) << Run.Out;
 		EXPECT_NE(Run.Out.find(":3:14: warning: the name 'Bullet_3'"), std::string::npos) << Run.Out;
@@ -166,7 +170,8 @@ namespace
 		const std::string Snapshot = Temp.Write("scene.json", R"({"objects": []})");
 		const FLodexRun NotLevel = RunLodex({"level", Snapshot});
 		EXPECT_EQ(NotLevel.Exit, 1);
-		EXPECT_EQ(NotLevel.Err, "lodex: " + Snapshot +
+		EXPECT_EQ(NotLevel.Err,
+			"lodex: " + Snapshot +
 				": not a level saved by Unreal Engine (a scene snapshot, or another kind of file); lodex level reads "
 				".umap files\n");
 		// A level under another name is still a level.

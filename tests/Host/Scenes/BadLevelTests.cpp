@@ -78,12 +78,17 @@ namespace
 		{
 			std::string Bytes, Error;
 		} Rows[] = {
-			{"", "level.umap: byte 0: not an Unreal package: it starts with nothing (the file is empty), not the package "
+			{"",
+				"level.umap: byte 0: not an Unreal package: it starts with nothing (the file is empty), not the "
+				"package "
 				"tag C1 83 2A 9E"},
-			{"{\"objects\": []}", "level.umap: byte 0: not an Unreal package: it starts with 7B 22 6F 62, not the package "
+			{"{\"objects\": []}",
+				"level.umap: byte 0: not an Unreal package: it starts with 7B 22 6F 62, not the package "
 				"tag C1 83 2A 9E"},
-			{"\xC1\x83", "level.umap: byte 0: not an Unreal package: it starts with C1 83, not the package tag C1 83 2A 9E"},
-			{std::string("\x9E\x2A\x83\xC1\0\0\0\0", 8), "level.umap: byte 0: a byte-swapped (big-endian) package; Lodex "
+			{"\xC1\x83",
+				"level.umap: byte 0: not an Unreal package: it starts with C1 83, not the package tag C1 83 2A 9E"},
+			{std::string("\x9E\x2A\x83\xC1\0\0\0\0", 8),
+				"level.umap: byte 0: a byte-swapped (big-endian) package; Lodex "
 				"reads the editor's little-endian packages"},
 		};
 		for (const auto& Row : Rows)
@@ -99,26 +104,53 @@ namespace
 			std::function<void(FTestPackage&)> Setup;
 			std::string Error;
 		} Rows[] = {
-			{[](FTestPackage& P) { P.LegacyFileVersion = -7; P.EngineMajor = 4; P.EngineMinor = 27; P.EnginePatch = 2;
-				P.EngineBranch = "++UE4+Release-4.27"; },
+			{[](FTestPackage& P)
+				{
+					P.LegacyFileVersion = -7;
+					P.EngineMajor = 4;
+					P.EngineMinor = 27;
+					P.EnginePatch = 2;
+					P.EngineBranch = "++UE4+Release-4.27";
+				},
 				"level.umap: byte 12: saved by Unreal Engine 4.27.2-20979098+++UE4+Release-4.27 (package file version "
-				"UE4 522, legacy version -7); Lodex reads " + std::string(Versions)},
-			{[](FTestPackage& P) { P.FileVersionUE5 = 1008; P.EngineMinor = 2; },
+				"UE4 522, legacy version -7); Lodex reads " +
+					std::string(Versions)},
+			{[](FTestPackage& P)
+				{
+					P.FileVersionUE5 = 1008;
+					P.EngineMinor = 2;
+				},
 				"level.umap: byte 12: saved with package file version UE4 522 and UE5 1008, legacy version -8; Lodex "
-				"reads " + std::string(Versions)},
-			{[](FTestPackage& P) { P.FileVersionUE4 = 517; P.FileVersionUE5 = 0; P.LegacyFileVersion = -7;
-				P.EngineMajor = 4; P.EngineMinor = 24; P.EnginePatch = 0; P.EngineBranch = ""; },
+				"reads " +
+					std::string(Versions)},
+			{[](FTestPackage& P)
+				{
+					P.FileVersionUE4 = 517;
+					P.FileVersionUE5 = 0;
+					P.LegacyFileVersion = -7;
+					P.EngineMajor = 4;
+					P.EngineMinor = 24;
+					P.EnginePatch = 0;
+					P.EngineBranch = "";
+				},
 				"level.umap: byte 12: saved by Unreal Engine 4.24.0-20979098 (package file version UE4 517, legacy "
-				"version -7); Lodex reads " + std::string(Versions)},
+				"version -7); Lodex reads " +
+					std::string(Versions)},
 			{[](FTestPackage& P) { P.LegacyFileVersion = -9; },
 				"level.umap: byte 4: saved by an engine newer than 5.0 (legacy file version -9); Lodex reads " +
-				std::string(Versions)},
+					std::string(Versions)},
 			{[](FTestPackage& P) { P.LegacyFileVersion = 864; },
 				"level.umap: byte 4: saved by Unreal Engine 3 or older (legacy file version 864); Lodex reads " +
-				std::string(Versions)},
-			{[](FTestPackage& P) { P.FileVersionUE4 = 0; P.FileVersionUE5 = 0; },
-				"level.umap: byte 12: an unversioned package (cooked for a game); Lodex reads uncooked packages saved by "
-				"the editor, with their versions: " + std::string(Versions)},
+					std::string(Versions)},
+			{[](FTestPackage& P)
+				{
+					P.FileVersionUE4 = 0;
+					P.FileVersionUE5 = 0;
+				},
+				"level.umap: byte 12: an unversioned package (cooked for a game); Lodex reads uncooked packages saved "
+				"by "
+				"the editor, with their versions: " +
+					std::string(Versions)},
 			{[](FTestPackage& P) { P.PackageFlags = 0x80000200u; },
 				"level.umap: byte 61: a cooked package (package flags 0x80000200); Lodex reads the editor's uncooked "
 				"packages, as they sit in a project's Content folder"},
@@ -136,7 +168,8 @@ namespace
 			FLevelScene Scene;
 			std::string Error;
 			EXPECT_TRUE(ReadLevelSceneBytes(Build(SmallMap(), [UE5](FTestPackage& P) { P.FileVersionUE5 = UE5; }).Bytes,
-				"level.umap", "/Game/Maps/Main", Scene, Error)) << UE5 << ": " << Error;
+				"level.umap", "/Game/Maps/Main", Scene, Error))
+				<< UE5 << ": " << Error;
 			EXPECT_EQ(Scene.Scene.GetObjects().size(), 5u) << UE5;
 		}
 	}
@@ -153,35 +186,46 @@ namespace
 			std::string Error;
 		} Rows[] = {
 			{[&](std::string& B) { PatchInt32(B, At.NameCountField, 1000000); },
-				"level.umap: byte " + std::to_string(At.NameCountField) + ": the name map's count 1000000 does not fit "
-				"in the file: 8 bytes or more each from byte " + std::to_string(At.NameOffset) + ", in " + Size + " bytes"},
+				"level.umap: byte " + std::to_string(At.NameCountField) +
+					": the name map's count 1000000 does not fit "
+					"in the file: 8 bytes or more each from byte " +
+					std::to_string(At.NameOffset) + ", in " + Size + " bytes"},
 			{[&](std::string& B) { PatchInt32(B, At.ImportCountField, -1); },
-				"level.umap: byte " + std::to_string(At.ImportCountField) + ": the import map's count is negative (-1)"},
+				"level.umap: byte " + std::to_string(At.ImportCountField) +
+					": the import map's count is negative (-1)"},
 			{[&](std::string& B) { PatchInt32(B, At.ExportCountField + 4, 0x7FFFFFFF); },
-				"level.umap: byte " + std::to_string(At.ExportCountField + 4) + ": the export map's offset 2147483647 is "
-				"outside the file (" + Size + " bytes)"},
+				"level.umap: byte " + std::to_string(At.ExportCountField + 4) +
+					": the export map's offset 2147483647 is "
+					"outside the file (" +
+					Size + " bytes)"},
 			{[&](std::string& B) { PatchInt32(B, At.NameOffset, 5000); },
-				"level.umap: byte " + std::to_string(At.NameOffset) + ": the name map's entry 0 has a length of 5000 "
-				"(a name holds 1 to 1024 characters with its NUL)"},
+				"level.umap: byte " + std::to_string(At.NameOffset) +
+					": the name map's entry 0 has a length of 5000 "
+					"(a name holds 1 to 1024 characters with its NUL)"},
 			{[&](std::string& B) { PatchInt32(B, At.ImportOffset, 9999); },
-				"level.umap: byte " + std::to_string(At.ImportOffset) + ": an import's class package: name 9999 is not in "
-				"the name map (37 names)"},
+				"level.umap: byte " + std::to_string(At.ImportOffset) +
+					": an import's class package: name 9999 is not in "
+					"the name map (37 names)"},
 			{[&](std::string& B) { PatchInt32(B, Export0 + 12, 500); },
-				"level.umap: byte " + std::to_string(Export0 + 12) + ": export 0's outer is export 499, outside the export "
-				"map (7 exports)"},
+				"level.umap: byte " + std::to_string(Export0 + 12) +
+					": export 0's outer is export 499, outside the export "
+					"map (7 exports)"},
 			{[&](std::string& B) { PatchInt32(B, Export0 + 0, -400); },
-				"level.umap: byte " + std::to_string(Export0) + ": export 0's class is import 399, outside the import map "
-				"(7 imports)"},
+				"level.umap: byte " + std::to_string(Export0) +
+					": export 0's class is import 399, outside the import map "
+					"(7 imports)"},
 			{[&](std::string& B) { PatchInt32(B, Export0 + 12, 2); },
-				"level.umap: byte " + std::to_string(Export0 + 12) + ": the outer chain of export 0 'Main' loops back to it"},
+				"level.umap: byte " + std::to_string(Export0 + 12) +
+					": the outer chain of export 0 'Main' loops back to it"},
 			{[&](std::string& B) { PatchInt32(B, Export0 + 36, 99999999); },
 				"level.umap: byte " + std::to_string(Export0 + 28) + ": export 0 'Main': its data (" +
-				std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte 99999999) lies outside the file (" +
-				Size + " bytes)"},
+					std::to_string(At.ExportData[1] - At.ExportData[0]) +
+					" bytes at byte 99999999) lies outside the file (" + Size + " bytes)"},
 			{[&](std::string& B) { B.resize(At.ExportData[0] + 3); },
 				"level.umap: byte " + std::to_string(At.ExportEntries[0] + 28) + ": export 0 'Main': its data (" +
-				std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte " + std::to_string(At.ExportData[0]) +
-				") lies outside the file (" + std::to_string(At.ExportData[0] + 3) + " bytes)"},
+					std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte " +
+					std::to_string(At.ExportData[0]) + ") lies outside the file (" +
+					std::to_string(At.ExportData[0] + 3) + " bytes)"},
 		};
 		for (const auto& Row : Rows)
 		{
@@ -221,36 +265,73 @@ namespace
 			std::function<std::string(const FBadMap&)> Error;
 		} Rows[] = {
 			{[](FData& D) { D.Raw("Big", "IntProperty", "", 100000); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 16) + ": property 'Big' "
-					"has a size of 100000 bytes, past the end of the data of export 2 'Cube' at byte " +
-					std::to_string(M.Bytes.size()); }},
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Layout.ExportData[2] + 16) +
+						": property 'Big' "
+						"has a size of 100000 bytes, past the end of the data of export 2 'Cube' at byte " +
+						std::to_string(M.Bytes.size());
+				}},
 			{[](FData& D) { D.String("Tags", "door"); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2]) + ": property 'Tags' is a "
-					"StrProperty; Lodex reads it as an ArrayProperty of NameProperty"; }},
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Layout.ExportData[2]) +
+						": property 'Tags' is a "
+						"StrProperty; Lodex reads it as an ArrayProperty of NameProperty";
+				}},
 			{[](FData& D) { D.Raw("Tags", "ArrayProperty", Int32Bytes(1000), 4, "NameProperty"); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 33) + ": an array count "
-					"of 1000 does not fit in its 0 bytes"; }},
-			{[](FData& D) { D.Raw("Tags", "ArrayProperty", Int32Bytes(1) + Int32Bytes(4242) + Int32Bytes(0), 12,
-				"NameProperty"); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 37) + ": a name: name "
-					"4242 is not in the name map"; }},
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Layout.ExportData[2] + 33) +
+						": an array count "
+						"of 1000 does not fit in its 0 bytes";
+				}},
+			{[](FData& D) {
+				 D.Raw("Tags", "ArrayProperty", Int32Bytes(1) + Int32Bytes(4242) + Int32Bytes(0), 12, "NameProperty");
+			 },
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Layout.ExportData[2] + 37) +
+						": a name: name "
+						"4242 is not in the name map";
+				}},
 			{[](FData& D) { D.Object("RootComponent", 77); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 25) + ": an object "
-					"reference (77) outside the import map (4 imports) and the export map (3 exports)"; }},
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Layout.ExportData[2] + 25) +
+						": an object "
+						"reference (77) outside the import map (4 imports) and the export map (3 exports)";
+				}},
 			{[](FData& D) { D.Raw("RootComponent", "ObjectProperty", "", 0); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 25) + ": a value runs past "
-					"the end of the value of property 'RootComponent' at byte " +
-					std::to_string(M.Layout.ExportData[2] + 25); }},
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Layout.ExportData[2] + 25) +
+						": a value runs past "
+						"the end of the value of property 'RootComponent' at byte " +
+						std::to_string(M.Layout.ExportData[2] + 25);
+				}},
 			{[](FData& D) { D.String("ActorLabel", "Front\ndoor"); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 25) + ": the label of "
-					"actor 'Cube' holds the control character U+000A"; }},
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Layout.ExportData[2] + 25) +
+						": the label of "
+						"actor 'Cube' holds the control character U+000A";
+				}},
 			{[](FData& D) { D.Raw("ActorLabel", "StrProperty", Int32Bytes(-40) + "ab", 6); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Layout.ExportData[2] + 25) + ": a text in the "
-					"value of property 'ActorLabel' of 40 characters runs past the end of the value of property "
-					"'ActorLabel' at byte " + std::to_string(M.Layout.ExportData[2] + 31); }},
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Layout.ExportData[2] + 25) +
+						": a text in the "
+						"value of property 'ActorLabel' of 40 characters runs past the end of the value of property "
+						"'ActorLabel' at byte " +
+						std::to_string(M.Layout.ExportData[2] + 31);
+				}},
 			{[](FData& D) { D.WithoutEnd(); },
-				[](const FBadMap& M) { return "byte " + std::to_string(M.Bytes.size()) + ": the file ends at byte " +
-					std::to_string(M.Bytes.size()) + ", inside the data of export 2 'Cube'"; }},
+				[](const FBadMap& M)
+				{
+					return "byte " + std::to_string(M.Bytes.size()) + ": the file ends at byte " +
+						std::to_string(M.Bytes.size()) + ", inside the data of export 2 'Cube'";
+				}},
 		};
 		for (const auto& Row : Rows)
 		{
@@ -270,22 +351,39 @@ namespace
 			std::int32_t Value;
 			std::string Error;
 		} Rows[] = {
-			{Count, 5000, "byte " + std::to_string(Count) + ": the level's Actors has a count of 5000, past the end of "
-				"the object's data at byte " + std::to_string(Good.Layout.ExportData[2])},
-			{Count + 4, 99, "byte " + std::to_string(Count + 4) + ": the level's Actors[0] is object 99, which the "
-				"package does not list"},
-			{Count + 4, 1, "byte " + std::to_string(Count + 4) + ": the level's Actors[0] is export 0 'Main', which the "
-				"level does not hold"},
-			{World + 12, 1, "byte " + std::to_string(World + 12) + ": the world's persistent level is object 1, not a "
-				"level the world holds"},
-			{World + 20, 3, "byte " + std::to_string(World + 20) + ": the world's StreamingLevels has a count of 3, past "
-				"the end of the object's data at byte " + std::to_string(Good.Layout.ExportData[1])},
-			{World + 8, 7, "byte " + std::to_string(World + 8) + ": a boolean in the data of export 0 'Main' holds 7, "
-				"not 0 or 1"},
-			{Good.Layout.ExportEntries[1] + 20, 3, "byte " + std::to_string(Good.Layout.ExportEntries[1] + 16) +
-				": the world's persistent level is named 'PersistentLevel_2', not PersistentLevel"},
-			{Good.Layout.ExportData[2], 4242, "byte " + std::to_string(Good.Layout.ExportData[2]) + ": a property's "
-				"name: name 4242 is not in the name map"},
+			{Count, 5000,
+				"byte " + std::to_string(Count) +
+					": the level's Actors has a count of 5000, past the end of "
+					"the object's data at byte " +
+					std::to_string(Good.Layout.ExportData[2])},
+			{Count + 4, 99,
+				"byte " + std::to_string(Count + 4) +
+					": the level's Actors[0] is object 99, which the "
+					"package does not list"},
+			{Count + 4, 1,
+				"byte " + std::to_string(Count + 4) +
+					": the level's Actors[0] is export 0 'Main', which the "
+					"level does not hold"},
+			{World + 12, 1,
+				"byte " + std::to_string(World + 12) +
+					": the world's persistent level is object 1, not a "
+					"level the world holds"},
+			{World + 20, 3,
+				"byte " + std::to_string(World + 20) +
+					": the world's StreamingLevels has a count of 3, past "
+					"the end of the object's data at byte " +
+					std::to_string(Good.Layout.ExportData[1])},
+			{World + 8, 7,
+				"byte " + std::to_string(World + 8) +
+					": a boolean in the data of export 0 'Main' holds 7, "
+					"not 0 or 1"},
+			{Good.Layout.ExportEntries[1] + 20, 3,
+				"byte " + std::to_string(Good.Layout.ExportEntries[1] + 16) +
+					": the world's persistent level is named 'PersistentLevel_2', not PersistentLevel"},
+			{Good.Layout.ExportData[2], 4242,
+				"byte " + std::to_string(Good.Layout.ExportData[2]) +
+					": a property's "
+					"name: name 4242 is not in the name map"},
 		};
 		for (const auto& Row : Rows)
 		{
@@ -303,16 +401,18 @@ namespace
 		Cube.Components = {{"Mesh"}, {"Mesh", "PointLightComponent"}};
 		Twins.Actors = {Cube};
 		const FBadMap TwinMap = Build(Twins);
-		EXPECT_EQ(ReadError(TwinMap.Bytes), "level.umap: byte " + std::to_string(TwinMap.Layout.ExportEntries[4] + 16) +
-			": actor 'Cube' holds a second component named 'Mesh'");
+		EXPECT_EQ(ReadError(TwinMap.Bytes),
+			"level.umap: byte " + std::to_string(TwinMap.Layout.ExportEntries[4] + 16) +
+				": actor 'Cube' holds a second component named 'Mesh'");
 
 		FTestMap Dotted;
 		Cube.Name = "Cube.Mesh";
 		Cube.Components = {};
 		Dotted.Actors = {Cube};
 		const FBadMap DottedMap = Build(Dotted);
-		EXPECT_EQ(ReadError(DottedMap.Bytes), "level.umap: byte " + std::to_string(DottedMap.Layout.ExportEntries[2] + 16) +
-			": the name of actor 'Cube.Mesh' holds '.', which no object name holds");
+		EXPECT_EQ(ReadError(DottedMap.Bytes),
+			"level.umap: byte " + std::to_string(DottedMap.Layout.ExportEntries[2] + 16) +
+				": the name of actor 'Cube.Mesh' holds '.', which no object name holds");
 	}
 
 	TEST(BadLevel, APackageThatHoldsNoLevelSaysWhatItHolds)
@@ -320,11 +420,13 @@ namespace
 		const FBadMap Good = OneActor(nullptr);
 		const std::string Blueprint =
 			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door"});
-		const std::string ExportOffset = std::to_string(
-			static_cast<unsigned char>(Blueprint[Good.Layout.ExportCountField + 4]) +
-			256 * static_cast<unsigned char>(Blueprint[Good.Layout.ExportCountField + 5]));
-		EXPECT_EQ(ReadError(Blueprint), "level.umap: byte " + ExportOffset + ": not a level: the package holds no World "
-			"but BP_Door_C (BlueprintGeneratedClass), Default__BP_Door_C (BP_Door_C)");
+		const std::string ExportOffset =
+			std::to_string(static_cast<unsigned char>(Blueprint[Good.Layout.ExportCountField + 4]) +
+				256 * static_cast<unsigned char>(Blueprint[Good.Layout.ExportCountField + 5]));
+		EXPECT_EQ(ReadError(Blueprint),
+			"level.umap: byte " + ExportOffset +
+				": not a level: the package holds no World "
+				"but BP_Door_C (BlueprintGeneratedClass), Default__BP_Door_C (BP_Door_C)");
 		EXPECT_EQ(ReadError(WriteTestRedirector("/Game/Maps/Main", "/Game/Maps/Other")),
 			"level.umap: a redirector to /Game/Maps/Other.Other, not a level");
 	}

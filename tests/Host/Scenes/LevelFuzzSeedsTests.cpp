@@ -46,7 +46,8 @@ namespace
 
 		FTestActor External;
 		External.Name = "Cube_UAID_0A";
-		External.Components = {{"StaticMeshComponent0", "StaticMeshComponent", "/Game/Maps/Main.Main:PersistentLevel.Base_3.Root"}};
+		External.Components = {
+			{"StaticMeshComponent0", "StaticMeshComponent", "/Game/Maps/Main.Main:PersistentLevel.Base_3.Root"}};
 		External.Root = "StaticMeshComponent0";
 		return {
 			{"level.umap", WriteTestMap(Map)},
@@ -54,7 +55,8 @@ namespace
 			{"redirector.umap", WriteTestRedirector("/Game/Maps/Old", "/Game/Maps/Main")},
 			{"external-actor.uasset",
 				WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/0/AB/CD", External)},
-			{"blueprint.uasset", WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door"})},
+			{"blueprint.uasset",
+				WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door"})},
 		};
 	}
 

@@ -22,7 +22,10 @@ namespace
 			WriteTestFile(Temp.Path + "/Content", RelativePath, Bytes);
 		}
 
-		std::string ContentFile(const std::string& RelativePath) const { return Temp.Path + "/Content/" + RelativePath; }
+		std::string ContentFile(const std::string& RelativePath) const
+		{
+			return Temp.Path + "/Content/" + RelativePath;
+		}
 
 		/** Reads Content/Maps/Main.umap; fails the test on an error. */
 		const FLevelScene& Read(const FLevelReadOptions& Options = FLevelReadOptions())
@@ -101,22 +104,24 @@ namespace
 	TEST_F(LevelReader, ActorsComeInTheActorsArraysOrderEachFollowedByItsComponents)
 	{
 		FTestMap Map;
-		Map.Actors = {Actor("A", {{"Root"}}, "Root"), Actor("B"), Actor("C", {{"Mesh"}, {"Light", "PointLightComponent"}})};
+		Map.Actors = {
+			Actor("A", {{"Root"}}, "Root"), Actor("B"), Actor("C", {{"Mesh"}, {"Light", "PointLightComponent"}})};
 		Map.Actors.push_back(Actor("Unlisted"));
 		Map.Actors.back().bListed = false;
 		Map.Order = {2, 0, 1, 3};
 		Map.bNullActor = true;
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Read();
-		EXPECT_EQ(Listing(), (std::vector<std::string>{
-			"other " + Level,
-			"actor " + Level + ".C",
-			"component " + Level + ".C.Mesh",
-			"component " + Level + ".C.Light",
-			"actor " + Level + ".A",
-			"component " + Level + ".A.Root",
-			"actor " + Level + ".B",
-		}));
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{
+				"other " + Level,
+				"actor " + Level + ".C",
+				"component " + Level + ".C.Mesh",
+				"component " + Level + ".C.Light",
+				"actor " + Level + ".A",
+				"component " + Level + ".A.Root",
+				"actor " + Level + ".B",
+			}));
 		const FSceneObject& Light = Object(Level + ".C.Light");
 		EXPECT_EQ(Light.Outer, &Object(Level + ".C"));
 		EXPECT_EQ(Light.ClassName, "PointLightComponent");
@@ -180,19 +185,21 @@ namespace
 	TEST_F(LevelReader, ComponentsAreTheActorsSubobjectsOfComponentClassesOrThoseItLists)
 	{
 		FTestMap Map;
-		FTestActor Mixed = Actor("Mixed", {{"Mesh"}, {"Brush", "Model"}, {"Glow", "BP_Glow_C"}, {"Spare", "BP_Glow_C"},
-			{"Custom", "BP_Thing_C"}}, "Custom");
+		FTestActor Mixed = Actor("Mixed",
+			{{"Mesh"}, {"Brush", "Model"}, {"Glow", "BP_Glow_C"}, {"Spare", "BP_Glow_C"}, {"Custom", "BP_Thing_C"}},
+			"Custom");
 		Mixed.InstanceComponents = {"Glow"};
 		Map.Actors = {Mixed};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Read();
-		EXPECT_EQ(Listing(), (std::vector<std::string>{
-			"other " + Level,
-			"actor " + Level + ".Mixed",
-			"component " + Level + ".Mixed.Mesh",
-			"component " + Level + ".Mixed.Glow",
-			"component " + Level + ".Mixed.Custom",
-		}));
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{
+				"other " + Level,
+				"actor " + Level + ".Mixed",
+				"component " + Level + ".Mixed.Mesh",
+				"component " + Level + ".Mixed.Glow",
+				"component " + Level + ".Mixed.Custom",
+			}));
 	}
 
 	TEST_F(LevelReader, AnActorsAttachParentIsTheOwnerOfTheComponentItsRootIsAttachedTo)
@@ -201,11 +208,13 @@ namespace
 		Map.Actors = {
 			Actor("Base", {{"Root"}, {"Socket"}}, "Root"),
 			// The root attaches to the base's component: the base is the parent.
-			Actor("Child", {{"Root", "SceneComponent", "Base.Socket"}, {"Mesh", "StaticMeshComponent", "Child.Root"}}, "Root"),
+			Actor("Child", {{"Root", "SceneComponent", "Base.Socket"}, {"Mesh", "StaticMeshComponent", "Child.Root"}},
+				"Root"),
 			// A component other than the root attaches elsewhere: not the actor's attachment.
 			Actor("Loose", {{"Root"}, {"Arm", "SceneComponent", "Base.Root"}}, "Root"),
 			// No root saved: the component attached outside the actor is its root.
-			Actor("Rootless", {{"Mesh", "StaticMeshComponent", "Rootless.Pivot"}, {"Pivot", "SceneComponent", "Child.Mesh"}}),
+			Actor("Rootless",
+				{{"Mesh", "StaticMeshComponent", "Rootless.Pivot"}, {"Pivot", "SceneComponent", "Child.Mesh"}}),
 			// Attached to its own component: no parent.
 			Actor("Self", {{"Root", "SceneComponent", "Self.Root"}}, "Root"),
 		};
@@ -225,13 +234,16 @@ namespace
 	TEST_F(LevelReader, AnAttachParentOutsideTheObjectsReadIsLeftOutWithANote)
 	{
 		FTestMap Map;
-		Map.Actors = {Actor("Child", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root")};
+		Map.Actors = {
+			Actor("Child", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root")};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Read();
 		EXPECT_EQ(Object(Level + ".Child").AttachParent, nullptr);
-		EXPECT_EQ(Scene.Notes, std::vector<std::string>{"/Game/Maps/Main: actor 'Child' is attached to "
-			"'/Game/Maps/Other.Other:PersistentLevel.Far.Root', which is not among the objects read; it is shown "
-			"unattached"});
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{
+				"/Game/Maps/Main: actor 'Child' is attached to "
+				"'/Game/Maps/Other.Other:PersistentLevel.Far.Root', which is not among the objects read; it is shown "
+				"unattached"});
 	}
 
 	TEST_F(LevelReader, WorldPartitionActorsAreReadFromTheirPackagesAfterTheLevelsOwnAndAttachAcrossThem)
@@ -250,24 +262,27 @@ namespace
 			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", Base));
 		// An actor package of another map in the same folder tree is left out.
 		Write(Folder + "C/00/Stray.uasset",
-			WriteTestExternalActor("/Game/Maps/Other", "/Game/__ExternalActors__/Maps/Main/C/00/Stray", Actor("Stray")));
+			WriteTestExternalActor(
+				"/Game/Maps/Other", "/Game/__ExternalActors__/Maps/Main/C/00/Stray", Actor("Stray")));
 		Write(Folder + "C/00/notes.txt", "not a package");
 		Read();
-		EXPECT_EQ(Listing(), (std::vector<std::string>{
-			"other " + Level,
-			"actor " + Level + ".WorldSettings",
-			"actor " + Level + ".Base_UAID_01",
-			"component " + Level + ".Base_UAID_01.Root",
-			"actor " + Level + ".Cube_UAID_02",
-			"component " + Level + ".Cube_UAID_02.Root",
-		}));
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{
+				"other " + Level,
+				"actor " + Level + ".WorldSettings",
+				"actor " + Level + ".Base_UAID_01",
+				"component " + Level + ".Base_UAID_01.Root",
+				"actor " + Level + ".Cube_UAID_02",
+				"component " + Level + ".Cube_UAID_02.Root",
+			}));
 		EXPECT_EQ(Scene.ExternalActorCount, 2u);
 		EXPECT_EQ(Object(Level + ".Cube_UAID_02").AttachParent, &Object(Level + ".Base_UAID_01"));
 		EXPECT_EQ(Object(Level + ".Cube_UAID_02").Label, "Cube");
 		EXPECT_EQ(Object(Level + ".Cube_UAID_02").Package, "/Game/__ExternalActors__/Maps/Main/B/AA/Second");
 		EXPECT_EQ(Object(Level + ".Cube_UAID_02.Root").Package, "/Game/__ExternalActors__/Maps/Main/B/AA/Second");
-		EXPECT_EQ(Scene.Notes, std::vector<std::string>{ContentFile(Folder + "C/00/Stray.uasset") +
-			": an actor of /Game/Maps/Other.Other:PersistentLevel, not of " + Level + "; left out"});
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{ContentFile(Folder + "C/00/Stray.uasset") +
+				": an actor of /Game/Maps/Other.Other:PersistentLevel, not of " + Level + "; left out"});
 	}
 
 	TEST_F(LevelReader, AnActorTheActorsArrayNamesTwiceIsReadOnceAndOneInTwoPackagesIsAnError)
@@ -280,17 +295,18 @@ namespace
 		EXPECT_EQ(Listing(), (std::vector<std::string>{"other " + Level, "actor " + Level + ".B"}));
 
 		const std::string External = "__ExternalActors__/Maps/Main/0/AB/CD.uasset";
-		const std::string Bytes = WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/0/AB/CD",
-			Actor("B"));
+		const std::string Bytes =
+			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/0/AB/CD", Actor("B"));
 		Write(External, Bytes);
 		// The actor is the external package's first export; the export map's offset follows its count.
 		FTestPackage Layout;
 		WriteTestMap(FTestMap(), &Layout);
 		const std::size_t At = Layout.Layout.ExportCountField + 4;
-		const std::size_t ExportMap = static_cast<unsigned char>(Bytes[At]) +
-			256 * static_cast<unsigned char>(Bytes[At + 1]);
-		EXPECT_EQ(ReadError("Maps/Main.umap"), ContentFile(External) + ": byte " + std::to_string(ExportMap + 16) +
-			": the actor '" + Level + ".B' is read a second time (first from " + ContentFile("Maps/Main.umap") + ")");
+		const std::size_t ExportMap =
+			static_cast<unsigned char>(Bytes[At]) + 256 * static_cast<unsigned char>(Bytes[At + 1]);
+		EXPECT_EQ(ReadError("Maps/Main.umap"),
+			ContentFile(External) + ": byte " + std::to_string(ExportMap + 16) + ": the actor '" + Level +
+				".B' is read a second time (first from " + ContentFile("Maps/Main.umap") + ")");
 	}
 
 	TEST_F(LevelReader, SubLevelsUnderTheSameContentAreReadAfterTheLevelWithTheirOwnIds)
@@ -310,30 +326,34 @@ namespace
 		Write("Maps/Deeper.umap", WriteTestMap(Deeper));
 		Read();
 		const std::string SubLevel = "/Game/Maps/Sub.Sub:PersistentLevel";
-		EXPECT_EQ(Listing(), (std::vector<std::string>{
-			"other " + Level,
-			"actor " + Level + ".DirectionalLight_0",
-			"other " + SubLevel,
-			"actor " + SubLevel + ".DirectionalLight_0",
-			"component " + SubLevel + ".DirectionalLight_0.Root",
-			"other /Game/Maps/Deeper.Deeper:PersistentLevel",
-			"actor /Game/Maps/Deeper.Deeper:PersistentLevel.Rock",
-		}));
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{
+				"other " + Level,
+				"actor " + Level + ".DirectionalLight_0",
+				"other " + SubLevel,
+				"actor " + SubLevel + ".DirectionalLight_0",
+				"component " + SubLevel + ".DirectionalLight_0.Root",
+				"other /Game/Maps/Deeper.Deeper:PersistentLevel",
+				"actor /Game/Maps/Deeper.Deeper:PersistentLevel.Rock",
+			}));
 		EXPECT_EQ(Object(SubLevel + ".DirectionalLight_0").Package, "/Game/Maps/Sub");
 		EXPECT_EQ(Scene.SubLevelCount, 2u);
 		const std::string Content = Temp.Path + "/Content";
-		EXPECT_EQ(Scene.Notes, (std::vector<std::string>{
-			"the sub-level /Game/Maps/Missing is not under " + Content + "; left out",
-			"the sub-level /Plugin/Maps/Elsewhere is not under " + Content + "; left out",
-		}));
+		EXPECT_EQ(Scene.Notes,
+			(std::vector<std::string>{
+				"the sub-level /Game/Maps/Missing is not under " + Content + "; left out",
+				"the sub-level /Plugin/Maps/Elsewhere is not under " + Content + "; left out",
+			}));
 
 		FLevelReadOptions Without;
 		Without.bSubLevels = false;
 		Read(Without);
 		EXPECT_EQ(Listing(), (std::vector<std::string>{"other " + Level, "actor " + Level + ".DirectionalLight_0"}));
 		EXPECT_EQ(Scene.SubLevelCount, 0u);
-		EXPECT_EQ(Scene.Notes, std::vector<std::string>{ContentFile("Maps/Main.umap") + ": sub-levels left out: "
-			"/Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{ContentFile("Maps/Main.umap") +
+				": sub-levels left out: "
+				"/Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
 	}
 
 	TEST_F(LevelReader, ARedirectorIsFollowedAndSaidSo)
@@ -344,22 +364,29 @@ namespace
 		Renamed.Actors = {Actor("Cube")};
 		Write("Maps/Renamed.umap", WriteTestMap(Renamed));
 		Read();
-		EXPECT_EQ(Listing(), (std::vector<std::string>{"other /Game/Maps/Renamed.Renamed:PersistentLevel",
-			"actor /Game/Maps/Renamed.Renamed:PersistentLevel.Cube"}));
-		EXPECT_EQ(Scene.Notes, std::vector<std::string>{ContentFile("Maps/Main.umap") +
-			": a redirector to /Game/Maps/Renamed; followed it to " + ContentFile("Maps/Renamed.umap")});
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{"other /Game/Maps/Renamed.Renamed:PersistentLevel",
+				"actor /Game/Maps/Renamed.Renamed:PersistentLevel.Cube"}));
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{ContentFile("Maps/Main.umap") +
+				": a redirector to /Game/Maps/Renamed; followed it to " + ContentFile("Maps/Renamed.umap")});
 		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Maps/Renamed.umap")});
 	}
 
 	TEST_F(LevelReader, ARedirectorToNothingOrInACircleIsAnError)
 	{
 		Write("Maps/Gone.umap", WriteTestRedirector("/Game/Maps/Gone", "/Game/Maps/Nowhere"));
-		EXPECT_EQ(ReadError("Maps/Gone.umap"), ContentFile("Maps/Gone.umap") + ": a redirector to /Game/Maps/Nowhere, "
-			"which is not under " + Temp.Path + "/Content");
+		EXPECT_EQ(ReadError("Maps/Gone.umap"),
+			ContentFile("Maps/Gone.umap") +
+				": a redirector to /Game/Maps/Nowhere, "
+				"which is not under " +
+				Temp.Path + "/Content");
 		Write("Maps/Ping.umap", WriteTestRedirector("/Game/Maps/Ping", "/Game/Maps/Pong"));
 		Write("Maps/Pong.umap", WriteTestRedirector("/Game/Maps/Pong", "/Game/Maps/Ping"));
-		EXPECT_EQ(ReadError("Maps/Ping.umap"), ContentFile("Maps/Pong.umap") + ": a redirector to /Game/Maps/Ping, "
-			"which redirects back or on past 8 redirectors");
+		EXPECT_EQ(ReadError("Maps/Ping.umap"),
+			ContentFile("Maps/Pong.umap") +
+				": a redirector to /Game/Maps/Ping, "
+				"which redirects back or on past 8 redirectors");
 	}
 
 	TEST_F(LevelReader, ABlueprintActorWithoutSavedTagsHasItsClassesDefaultTags)
@@ -379,8 +406,8 @@ namespace
 		Plain.Class = "/Game/BP/BP_Plain.BP_Plain_C";
 		Map.Actors = {Door, Gate, Own, Lost, Plain};
 		Write("Maps/Main.umap", WriteTestMap(Map));
-		Write("BP/BP_Door.uasset", WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true,
-			{"door", "locked"}));
+		Write("BP/BP_Door.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door", "locked"}));
 		Write("BP/BP_Gate.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Gate", "BP_Gate_C", "/Game/BP/BP_Door.BP_Door_C", false, {}));
 		Write("BP/BP_Plain.uasset",
@@ -402,8 +429,9 @@ namespace
 			EXPECT_EQ(Object(Level + "." + Row.Actor).Tags, Row.Tags) << Row.Actor;
 			EXPECT_EQ(Object(Level + "." + Row.Actor).ClassName, Row.Actor.substr(0, Row.Actor.rfind('_')));
 		}
-		EXPECT_EQ(Scene.Notes, std::vector<std::string>{"the Blueprint class /Game/BP/BP_Lost.BP_Lost_C is not under " +
-			Temp.Path + "/Content: the default tags of its actors are unknown"});
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{"the Blueprint class /Game/BP/BP_Lost.BP_Lost_C is not under " + Temp.Path +
+				"/Content: the default tags of its actors are unknown"});
 	}
 
 	TEST_F(LevelReader, AMapOutsideAContentFolderIsReadAloneWithANote)
@@ -415,11 +443,14 @@ namespace
 		const std::string File = Temp.Write("Loose.umap", WriteTestMap(Map));
 		std::string Error;
 		ASSERT_TRUE(ReadLevelScene(File, FLevelReadOptions(), Scene, Error)) << Error;
-		EXPECT_EQ(Listing(), (std::vector<std::string>{"other /Game/Loose.Loose:PersistentLevel",
-			"actor /Game/Loose.Loose:PersistentLevel.Cube"}));
-		EXPECT_EQ(Scene.Notes, (std::vector<std::string>{
-			File + ": not inside a Content folder; its external actors, sub-levels and Blueprint classes are not looked up",
-			"the sub-level /Game/Sub is not under a Content folder; left out"}));
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{
+				"other /Game/Loose.Loose:PersistentLevel", "actor /Game/Loose.Loose:PersistentLevel.Cube"}));
+		EXPECT_EQ(Scene.Notes,
+			(std::vector<std::string>{File +
+					": not inside a Content folder; its external actors, sub-levels and Blueprint classes are not "
+					"looked up",
+				"the sub-level /Game/Sub is not under a Content folder; left out"}));
 	}
 
 	TEST(LevelFiles, AreToldFromOtherFilesByTheirFirstBytes)
@@ -447,13 +478,21 @@ namespace
 
 	TEST(SceneFromObjects, ResolvesLinksByIndexAndRejectsBadOnes)
 	{
-		auto Make = [](const std::string& Id) { FSceneObject Object; Object.Id = Id; Object.Kind = "actor"; Object.Name = Id; return Object; };
+		auto Make = [](const std::string& Id)
+		{
+			FSceneObject Object;
+			Object.Id = Id;
+			Object.Kind = "actor";
+			Object.Name = Id;
+			return Object;
+		};
 		FSceneObjectLinks ToFirst;
 		ToFirst.Outer = 0;
 		ToFirst.AttachParent = 0;
 		FSceneSnapshot Scene;
 		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::FromObjects({Make("a"), Make("b"), Make("c")}, {FSceneObjectLinks(), ToFirst}, Scene, Error));
+		ASSERT_TRUE(FSceneSnapshot::FromObjects(
+			{Make("a"), Make("b"), Make("c")}, {FSceneObjectLinks(), ToFirst}, Scene, Error));
 		const std::vector<FSceneObject>& Objects = Scene.GetObjects();
 		EXPECT_EQ(Objects[1].Outer, &Objects[0]);
 		EXPECT_EQ(Objects[1].AttachParent, &Objects[0]);
@@ -471,7 +510,8 @@ namespace
 		} Rows[] = {
 			{{Make("a"), Make("")}, {}, "objects[1]: the id is empty"},
 			{{Make("a"), Make("a")}, {}, "objects[1] (id 'a'): duplicate id, first used by objects[0]"},
-			{{Make("a"), Make("b"), Make("c")}, {FSceneObjectLinks(), Past}, "objects[1] (id 'b'): refers to objects[3] of 3"},
+			{{Make("a"), Make("b"), Make("c")}, {FSceneObjectLinks(), Past},
+				"objects[1] (id 'b'): refers to objects[3] of 3"},
 		};
 		for (const auto& Row : Rows)
 		{

@@ -21,8 +21,8 @@ namespace
 		{
 			return Package.ImportPath(Class, "BlueprintGeneratedClass");
 		}
-		return Package.Import("/Script/CoreUObject", "Class", Package.Import("/Script/CoreUObject", "Package", 0,
-			"/Script/Engine"), Class);
+		return Package.Import("/Script/CoreUObject", "Class",
+			Package.Import("/Script/CoreUObject", "Package", 0, "/Script/Engine"), Class);
 	}
 
 	/** Writes an actor and its components as exports of Package under Outer; returns the actor's index. */
@@ -153,29 +153,34 @@ std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 	{
 		Actors.push_back(0);
 	}
-	Package.GetData(World).Native([Level, Streaming](FTestPackage&, FTestBytes& Out)
-	{
-		Out.Int32(Level);
-		Out.Int32(0); // extra referenced objects
-		Out.Int32(static_cast<std::int32_t>(Streaming.size()));
-		for (const std::int32_t Sub : Streaming)
+	Package.GetData(World).Native(
+		[Level, Streaming](FTestPackage&, FTestBytes& Out)
 		{
-			Out.Int32(Sub);
-		}
-	});
-	Package.GetData(Level).Bool("bLocked", false).Native([Actors](FTestPackage&, FTestBytes& Out)
-	{
-		Out.Int32(static_cast<std::int32_t>(Actors.size()));
-		for (const std::int32_t Actor : Actors)
-		{
-			Out.Int32(Actor);
-		}
-		Out.Zeros(8); // what a level saves after its actors, unread
-	});
+			Out.Int32(Level);
+			Out.Int32(0); // extra referenced objects
+			Out.Int32(static_cast<std::int32_t>(Streaming.size()));
+			for (const std::int32_t Sub : Streaming)
+			{
+				Out.Int32(Sub);
+			}
+		});
+	Package.GetData(Level)
+		.Bool("bLocked", false)
+		.Native(
+			[Actors](FTestPackage&, FTestBytes& Out)
+			{
+				Out.Int32(static_cast<std::int32_t>(Actors.size()));
+				for (const std::int32_t Actor : Actors)
+				{
+					Out.Int32(Actor);
+				}
+				Out.Zeros(8); // what a level saves after its actors, unread
+			});
 	return Package.Build();
 }
 
-std::string WriteTestExternalActor(const std::string& MapPackage, const std::string& ActorPackage, const FTestActor& Actor)
+std::string WriteTestExternalActor(
+	const std::string& MapPackage, const std::string& ActorPackage, const FTestActor& Actor)
 {
 	FTestPackage Package(ActorPackage);
 	const std::string Short = ShortName(MapPackage);
@@ -201,8 +206,8 @@ std::string WriteTestRedirector(const std::string& PackagePath, const std::strin
 {
 	FTestPackage Package(PackagePath);
 	const std::int32_t Target = Package.ImportPath(TargetPackage + "." + ShortName(TargetPackage), "World");
-	const std::int32_t Redirector = Package.Export(
-		Package.ImportPath("/Script/CoreUObject.ObjectRedirector", "Class"), 0, ShortName(PackagePath));
+	const std::int32_t Redirector =
+		Package.Export(Package.ImportPath("/Script/CoreUObject.ObjectRedirector", "Class"), 0, ShortName(PackagePath));
 	Package.GetData(Redirector).Native([Target](FTestPackage&, FTestBytes& Out) { Out.Int32(Target); });
 	return Package.Build();
 }
@@ -214,8 +219,8 @@ std::string WriteTestBlueprint(const std::string& PackagePath, const std::string
 	const std::int32_t Super = SuperPath.rfind("/Game/", 0) == 0
 		? Package.ImportPath(SuperPath, "BlueprintGeneratedClass")
 		: Package.ImportPath(SuperPath, "Class");
-	const std::int32_t Class = Package.Export(
-		Package.ImportPath("/Script/Engine.BlueprintGeneratedClass", "Class"), 0, ClassName, Super);
+	const std::int32_t Class =
+		Package.Export(Package.ImportPath("/Script/Engine.BlueprintGeneratedClass", "Class"), 0, ClassName, Super);
 	const std::int32_t Defaults = Package.Export(Class, 0, "Default__" + ClassName);
 	if (bTags)
 	{

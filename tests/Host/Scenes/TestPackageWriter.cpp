@@ -10,7 +10,10 @@ namespace
 		{
 			const unsigned char Lead = static_cast<unsigned char>(Text[Index]);
 			const std::size_t Length = Lead < 0x80 ? 1 : Lead < 0xE0 ? 2 : Lead < 0xF0 ? 3 : 4;
-			std::uint32_t Point = Length == 1 ? Lead : Length == 2 ? (Lead & 0x1F) : Length == 3 ? (Lead & 0x0F) : (Lead & 0x07);
+			std::uint32_t Point = Length == 1 ? Lead
+				: Length == 2                 ? (Lead & 0x1F)
+				: Length == 3                 ? (Lead & 0x0F)
+											  : (Lead & 0x07);
 			for (std::size_t More = 1; More < Length && Index + More < Text.size(); ++More)
 			{
 				Point = (Point << 6) | (static_cast<unsigned char>(Text[Index + More]) & 0x3F);
@@ -71,7 +74,10 @@ namespace
 
 	FWriter InnerType(const std::string& Type)
 	{
-		return [=](FTestPackage& Package, FTestBytes& Out) { Package.Name(Out, Type); };
+		return [=](FTestPackage& Package, FTestBytes& Out)
+		{
+			Package.Name(Out, Type);
+		};
 	}
 }
 
@@ -134,8 +140,8 @@ void FTestBytes::String(const std::string& Utf8)
 
 FTestPackage::FData& FTestPackage::FData::Object(const std::string& Name, std::int32_t Index)
 {
-	Properties.push_back(MakeProperty(Name, "ObjectProperty", nullptr,
-		[=](FTestPackage&, FTestBytes& Out) { Out.Int32(Index); }));
+	Properties.push_back(
+		MakeProperty(Name, "ObjectProperty", nullptr, [=](FTestPackage&, FTestBytes& Out) { Out.Int32(Index); }));
 	return *this;
 }
 
@@ -169,8 +175,8 @@ FTestPackage::FData& FTestPackage::FData::NameArray(const std::string& Name, con
 
 FTestPackage::FData& FTestPackage::FData::String(const std::string& Name, const std::string& Value)
 {
-	Properties.push_back(MakeProperty(Name, "StrProperty", nullptr,
-		[=](FTestPackage&, FTestBytes& Out) { Out.String(Value); }));
+	Properties.push_back(
+		MakeProperty(Name, "StrProperty", nullptr, [=](FTestPackage&, FTestBytes& Out) { Out.String(Value); }));
 	return *this;
 }
 
@@ -187,42 +193,46 @@ FTestPackage::FData& FTestPackage::FData::SoftObject(const std::string& Name, co
 
 FTestPackage::FData& FTestPackage::FData::Bool(const std::string& Name, bool bValue)
 {
-	Properties.push_back([=](FTestPackage& Package, FTestBytes& Out)
-	{
-		Package.Name(Out, Name);
-		Package.Name(Out, "BoolProperty");
-		Out.Int32(0);
-		Out.Int32(0);
-		Out.UInt8(bValue ? 1 : 0);
-		Out.UInt8(0);
-	});
+	Properties.push_back(
+		[=](FTestPackage& Package, FTestBytes& Out)
+		{
+			Package.Name(Out, Name);
+			Package.Name(Out, "BoolProperty");
+			Out.Int32(0);
+			Out.Int32(0);
+			Out.UInt8(bValue ? 1 : 0);
+			Out.UInt8(0);
+		});
 	return *this;
 }
 
-FTestPackage::FData& FTestPackage::FData::Struct(const std::string& Name, const std::string& StructName, std::size_t Size)
+FTestPackage::FData& FTestPackage::FData::Struct(
+	const std::string& Name, const std::string& StructName, std::size_t Size)
 {
-	Properties.push_back([=](FTestPackage& Package, FTestBytes& Out)
-	{
-		Package.Name(Out, Name);
-		Package.Name(Out, "StructProperty");
-		Out.Int32(static_cast<std::int32_t>(Size));
-		Out.Int32(0);
-		Package.Name(Out, StructName);
-		Out.Zeros(16); // struct GUID
-		Out.UInt8(1);  // a property GUID follows
-		Out.Zeros(16);
-		for (std::size_t Index = 0; Index < Size; ++Index)
+	Properties.push_back(
+		[=](FTestPackage& Package, FTestBytes& Out)
 		{
-			Out.UInt8(0xAB); // looks like nothing the reader knows
-		}
-	});
+			Package.Name(Out, Name);
+			Package.Name(Out, "StructProperty");
+			Out.Int32(static_cast<std::int32_t>(Size));
+			Out.Int32(0);
+			Package.Name(Out, StructName);
+			Out.Zeros(16); // struct GUID
+			Out.UInt8(1); // a property GUID follows
+			Out.Zeros(16);
+			for (std::size_t Index = 0; Index < Size; ++Index)
+			{
+				Out.UInt8(0xAB); // looks like nothing the reader knows
+			}
+		});
 	return *this;
 }
 
 FTestPackage::FData& FTestPackage::FData::Raw(const std::string& Name, const std::string& Type,
 	const std::string& Value, std::int32_t Size, const std::string& Inner)
 {
-	Properties.push_back(MakeProperty(Name, Type, Inner.empty() ? nullptr : InnerType(Inner),
+	Properties.push_back(MakeProperty(
+		Name, Type, Inner.empty() ? nullptr : InnerType(Inner),
 		[=](FTestPackage&, FTestBytes& Out) { Out.Append(Value); }, Size));
 	return *this;
 }
@@ -298,8 +308,8 @@ std::int32_t FTestPackage::ImportPath(const std::string& Path, const std::string
 		OuterClass = "World";
 	}
 	const std::int32_t Outer = ImportPath(OuterPath, OuterClass);
-	return Import(ClassName == "Package" ? "/Script/CoreUObject" : "/Script/Engine", ClassName, Outer,
-		Path.substr(Cut + 1));
+	return Import(
+		ClassName == "Package" ? "/Script/CoreUObject" : "/Script/Engine", ClassName, Outer, Path.substr(Cut + 1));
 }
 
 std::int32_t FTestPackage::Export(std::int32_t Class, std::int32_t Outer, const std::string& Name, std::int32_t Super)
@@ -346,10 +356,10 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	Layout.ImportCountField = Out.Size();
 	Out.Int32(static_cast<std::int32_t>(Imports.size()));
 	Out.Int32(static_cast<std::int32_t>(At.ImportOffset));
-	Out.Int32(0);  // depends offset
-	Out.Zeros(8);  // soft package references
-	Out.Int32(0);  // searchable names
-	Out.Int32(0);  // thumbnails
+	Out.Int32(0); // depends offset
+	Out.Zeros(8); // soft package references
+	Out.Int32(0); // searchable names
+	Out.Int32(0); // thumbnails
 	Out.Zeros(16); // GUID
 	if (!bEditorOnlyFiltered && FileVersionUE4 >= 518)
 	{
@@ -367,14 +377,14 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 		Out.String(EngineBranch);
 	}
 	Out.UInt32(0); // compression flags
-	Out.Int32(0);  // compressed chunks
+	Out.Int32(0); // compressed chunks
 	Out.UInt32(0); // package source
-	Out.Int32(0);  // additional packages to cook
-	Out.Int32(0);  // asset registry data
-	Out.Int64(0);  // bulk data start
-	Out.Int32(0);  // world tile info
-	Out.Int32(0);  // chunk ids
-	Out.Int32(0);  // preload dependencies: count and offset
+	Out.Int32(0); // additional packages to cook
+	Out.Int32(0); // asset registry data
+	Out.Int64(0); // bulk data start
+	Out.Int32(0); // world tile info
+	Out.Int32(0); // chunk ids
+	Out.Int32(0); // preload dependencies: count and offset
 	Out.Int32(0);
 	Out.Int32(static_cast<std::int32_t>(Names.size()));
 	Out.Int64(-1); // payload table of contents

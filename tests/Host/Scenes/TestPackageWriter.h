@@ -79,9 +79,10 @@ public:
 	}
 
 	/** An import; returns its index (negative). */
-	std::int32_t Import(const std::string& ClassPackage, const std::string& ClassName, std::int32_t Outer,
-		const std::string& Name);
-	/** Imports an object by its path (`/Script/Engine.StaticMeshActor`, `/Game/M.M:PersistentLevel.A.B`), with its outers. */
+	std::int32_t Import(
+		const std::string& ClassPackage, const std::string& ClassName, std::int32_t Outer, const std::string& Name);
+	/** Imports an object by its path (`/Script/Engine.StaticMeshActor`, `/Game/M.M:PersistentLevel.A.B`), with its
+	 * outers. */
 	std::int32_t ImportPath(const std::string& Path, const std::string& ClassName);
 	/** An export; returns its index (positive). Data may be filled in later with GetData. */
 	std::int32_t Export(std::int32_t Class, std::int32_t Outer, const std::string& Name, std::int32_t Super = 0);
@@ -179,7 +180,8 @@ struct FTestMap
 std::string WriteTestMap(const FTestMap& Map, FTestPackage* Package = nullptr);
 
 /** An external actor package of MapPackage's level (World Partition). */
-std::string WriteTestExternalActor(const std::string& MapPackage, const std::string& ActorPackage, const FTestActor& Actor);
+std::string WriteTestExternalActor(
+	const std::string& MapPackage, const std::string& ActorPackage, const FTestActor& Actor);
 
 /** A map that is only a redirector to the world of TargetPackage. */
 std::string WriteTestRedirector(const std::string& PackagePath, const std::string& TargetPackage);

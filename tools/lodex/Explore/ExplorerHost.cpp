@@ -72,7 +72,6 @@ namespace
 		return "\"" + Text + "\"";
 	}
 
-
 	void AddMenuEntries(FTextTreeNode& Parent, const FLodexMenuInfo& Menu)
 	{
 		for (const FLodexMenuEntryInfo& Entry : Menu.Entries)
@@ -490,4 +489,3 @@ void FHeadlessExplorer::CopyToClipboard(const std::string& Text)
 	Clipboard = Text;
 	++Copies;
 }
-

@@ -33,7 +33,8 @@ namespace
 			}
 		}
 		return SameName;
-	}}
+	}
+}
 
 const char* FHeadlessExplorer::ListTitle(ELodexExplorerList List)
 {
@@ -233,4 +234,3 @@ std::string& FHeadlessExplorer::GetSearchBox(ELodexExplorerList List)
 {
 	return List == ELodexExplorerList::Properties ? PropertySearchBox : MethodSearchBox;
 }
-

@@ -82,7 +82,8 @@ namespace
 				FTextTreeNode& Actor = Level->Add(DescribeLevelActor(Object, *Index, Finder));
 				for (const FSceneObject* Component : Components[&Object])
 				{
-					Actor.Add(Component->Name + (Component->ClassName.empty() ? "" : " (" + Component->ClassName + ")"));
+					Actor.Add(
+						Component->Name + (Component->ClassName.empty() ? "" : " (" + Component->ClassName + ")"));
 				}
 			}
 		}
@@ -160,7 +161,8 @@ namespace
 					   << "another kind of file); lodex level reads .umap files\n";
 				return LodexExitFailure;
 			}
-			Io.Out << (Format == "json" ? RenderLevelSnapshot(Read.Scene) : RenderLevelTree(SceneFile.Path, Read.Scene));
+			Io.Out << (Format == "json" ? RenderLevelSnapshot(Read.Scene)
+										: RenderLevelTree(SceneFile.Path, Read.Scene));
 			return LodexExitOk;
 		}
 

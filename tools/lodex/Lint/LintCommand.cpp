@@ -22,7 +22,7 @@ namespace
 {
 	const char* SeverityText(ELodexLintSeverity Severity)
 	{
-		return Severity == ELodexLintSeverity::Error ? "error"
+		return Severity == ELodexLintSeverity::Error  ? "error"
 			: Severity == ELodexLintSeverity::Warning ? "warning"
 													  : "note";
 	}
@@ -72,7 +72,7 @@ void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFind
 			Diagnostic.MatchCount = Result.MatchCount;
 			Diagnostic.Suggestion = ShowLodestringOnOneLine(Finding.Suggestion);
 			Diagnostic.Notes = Finding.Notes;
-			(Finding.Severity == ELodexLintSeverity::Error     ? Report.Errors
+			(Finding.Severity == ELodexLintSeverity::Error            ? Report.Errors
 					: Finding.Severity == ELodexLintSeverity::Warning ? Report.Warnings
 																	  : Report.Notes) += 1;
 			Report.Diagnostics.push_back(std::move(Diagnostic));

@@ -34,7 +34,8 @@ namespace
 			{
 				if (Exports[Index].OuterIndex > 0)
 				{
-					Items[Next[static_cast<std::size_t>(Exports[Index].OuterIndex)]++] = static_cast<std::int32_t>(Index + 1);
+					Items[Next[static_cast<std::size_t>(Exports[Index].OuterIndex)]++] =
+						static_cast<std::int32_t>(Index + 1);
 				}
 			}
 		}
@@ -42,7 +43,8 @@ namespace
 		template<typename TFunction>
 		void ForEach(std::int32_t Outer, TFunction&& Function) const
 		{
-			for (std::size_t Item = Start[static_cast<std::size_t>(Outer)]; Item < Start[static_cast<std::size_t>(Outer) + 1]; ++Item)
+			for (std::size_t Item = Start[static_cast<std::size_t>(Outer)];
+				 Item < Start[static_cast<std::size_t>(Outer) + 1]; ++Item)
 			{
 				Function(Items[Item]);
 			}
@@ -66,7 +68,8 @@ namespace
 			if (static_cast<unsigned char>(Character) < 0x20)
 			{
 				char Code[8];
-				std::snprintf(Code, sizeof(Code), "U+%04X", static_cast<unsigned>(static_cast<unsigned char>(Character)));
+				std::snprintf(
+					Code, sizeof(Code), "U+%04X", static_cast<unsigned>(static_cast<unsigned char>(Character)));
 				return Code;
 			}
 		}
@@ -174,52 +177,55 @@ namespace
 		std::int32_t AttachParent = 0;
 		std::vector<std::size_t> ComponentOffsets;
 		bool bFailed = false;
-		Children.ForEach(ActorIndex, [&](std::int32_t Child)
-		{
-			const std::string ClassName = Package.ClassNameOf(Child);
-			bool bListed = false;
-			for (const std::int32_t Entry : Listed)
+		Children.ForEach(ActorIndex,
+			[&](std::int32_t Child)
 			{
-				bListed = bListed || Entry == Child;
-			}
-			if (bFailed || (!bListed && !EndsWith(ClassName, "Component") && !EndsWith(ClassName, "Component_C")))
-			{
-				return;
-			}
-			FLevelComponent Component;
-			Component.Name = Package.ObjectName(Child);
-			Component.Path = Out.Path + "." + Component.Name;
-			Component.ClassName = ClassName;
-			const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
-			FObjectProperties ComponentProperties;
-			if (!CheckOneLine(Component.Name, ChildExport.Offset + 16, "the name of component '" + Component.Name + "'",
-					OutError) ||
-				!CheckObjectName(Component.Name, ChildExport.Offset + 16, "the name of component '" + Component.Name + "'",
-					OutError) ||
-				!CheckOneLine(ClassName, ChildExport.Offset, "the class of component '" + Component.Name + "'", OutError) ||
-				!ReadObjectProperties(Package, Child, ComponentProperties, OutError))
-			{
-				bFailed = true;
-				return;
-			}
-			// The actor's attachment is its root component's; without a saved root, that of the one component
-			// attached outside the actor (the others attach inside it).
-			const FTaggedProperty* Parent = ComponentProperties.Find(Package, "AttachParent");
-			std::int32_t ParentIndex = 0;
-			if (Parent != nullptr && !PropertyValues::ReadObject(Package, *Parent, ParentIndex, OutError))
-			{
-				bFailed = true;
-				return;
-			}
-			const bool bInside = IsExport(ParentIndex) && Package.OuterOf(ParentIndex) == ActorIndex;
-			if (ParentIndex != 0 && (Child == RootComponent || (RootComponent == 0 && !bInside && AttachedComponent == 0)))
-			{
-				AttachedComponent = Child;
-				AttachParent = ParentIndex;
-			}
-			Out.Components.push_back(std::move(Component));
-			ComponentOffsets.push_back(ChildExport.Offset + 16);
-		});
+				const std::string ClassName = Package.ClassNameOf(Child);
+				bool bListed = false;
+				for (const std::int32_t Entry : Listed)
+				{
+					bListed = bListed || Entry == Child;
+				}
+				if (bFailed || (!bListed && !EndsWith(ClassName, "Component") && !EndsWith(ClassName, "Component_C")))
+				{
+					return;
+				}
+				FLevelComponent Component;
+				Component.Name = Package.ObjectName(Child);
+				Component.Path = Out.Path + "." + Component.Name;
+				Component.ClassName = ClassName;
+				const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
+				FObjectProperties ComponentProperties;
+				if (!CheckOneLine(Component.Name, ChildExport.Offset + 16,
+						"the name of component '" + Component.Name + "'", OutError) ||
+					!CheckObjectName(Component.Name, ChildExport.Offset + 16,
+						"the name of component '" + Component.Name + "'", OutError) ||
+					!CheckOneLine(
+						ClassName, ChildExport.Offset, "the class of component '" + Component.Name + "'", OutError) ||
+					!ReadObjectProperties(Package, Child, ComponentProperties, OutError))
+				{
+					bFailed = true;
+					return;
+				}
+				// The actor's attachment is its root component's; without a saved root, that of the one component
+				// attached outside the actor (the others attach inside it).
+				const FTaggedProperty* Parent = ComponentProperties.Find(Package, "AttachParent");
+				std::int32_t ParentIndex = 0;
+				if (Parent != nullptr && !PropertyValues::ReadObject(Package, *Parent, ParentIndex, OutError))
+				{
+					bFailed = true;
+					return;
+				}
+				const bool bInside = IsExport(ParentIndex) && Package.OuterOf(ParentIndex) == ActorIndex;
+				if (ParentIndex != 0 &&
+					(Child == RootComponent || (RootComponent == 0 && !bInside && AttachedComponent == 0)))
+				{
+					AttachedComponent = Child;
+					AttachParent = ParentIndex;
+				}
+				Out.Components.push_back(std::move(Component));
+				ComponentOffsets.push_back(ChildExport.Offset + 16);
+			});
 		if (bFailed)
 		{
 			return false;
@@ -230,16 +236,16 @@ namespace
 		{
 			Names.emplace_back(&Out.Components[Index].Name, ComponentOffsets[Index]);
 		}
-		std::sort(Names.begin(), Names.end(), [](const auto& Left, const auto& Right)
-		{
-			return *Left.first != *Right.first ? *Left.first < *Right.first : Left.second < Right.second;
-		});
+		std::sort(Names.begin(), Names.end(),
+			[](const auto& Left, const auto& Right)
+			{ return *Left.first != *Right.first ? *Left.first < *Right.first : Left.second < Right.second; });
 		for (std::size_t Index = 1; Index < Names.size(); ++Index)
 		{
 			if (*Names[Index].first == *Names[Index - 1].first)
 			{
 				OutError.Offset = Names[Index].second;
-				OutError.Reason = "actor '" + Out.Name + "' holds a second component named '" + *Names[Index].first + "'";
+				OutError.Reason =
+					"actor '" + Out.Name + "' holds a second component named '" + *Names[Index].first + "'";
 				return false;
 			}
 		}
@@ -272,15 +278,16 @@ namespace
 			if (Exports[Index].OuterIndex == 0)
 			{
 				const std::int32_t Object = static_cast<std::int32_t>(Index + 1);
-				Text += (Count++ > 0 ? ", " : "") + Package.ObjectName(Object) + " (" + Package.ClassNameOf(Object) + ")";
+				Text +=
+					(Count++ > 0 ? ", " : "") + Package.ObjectName(Object) + " (" + Package.ClassNameOf(Object) + ")";
 			}
 		}
 		return Count == 0 ? "no object" : Text;
 	}
 
 	/** Reads an array of object references at Cursor: a count, then the indices, each checked. */
-	bool ReadObjectList(const FUnrealPackage& Package, FPackageCursor& Cursor, const char* What,
-		std::vector<std::int32_t>& Out)
+	bool ReadObjectList(
+		const FUnrealPackage& Package, FPackageCursor& Cursor, const char* What, std::vector<std::int32_t>& Out)
 	{
 		const std::size_t Start = Cursor.Tell();
 		std::int32_t Count = 0;
@@ -290,8 +297,9 @@ namespace
 		}
 		if (Count < 0 || static_cast<std::size_t>(Count) > Cursor.Remaining() / 4)
 		{
-			return Cursor.Fail(Start, std::string(What) + " has a count of " + std::to_string(Count) +
-				", past the end of the object's data at byte " + std::to_string(Cursor.GetEnd()));
+			return Cursor.Fail(Start,
+				std::string(What) + " has a count of " + std::to_string(Count) +
+					", past the end of the object's data at byte " + std::to_string(Cursor.GetEnd()));
 		}
 		Out.resize(static_cast<std::size_t>(Count));
 		for (std::size_t Entry = 0; Entry < Out.size(); ++Entry)
@@ -300,16 +308,17 @@ namespace
 			Cursor.ReadInt32(Out[Entry]);
 			if (!Cursor.HasFailed() && !Package.IsObjectIndex(Out[Entry]))
 			{
-				return Cursor.Fail(EntryOffset, std::string(What) + "[" + std::to_string(Entry) + "] is object " +
-					std::to_string(Out[Entry]) + ", which the package does not list");
+				return Cursor.Fail(EntryOffset,
+					std::string(What) + "[" + std::to_string(Entry) + "] is object " + std::to_string(Out[Entry]) +
+						", which the package does not list");
 			}
 		}
 		return !Cursor.HasFailed();
 	}
 
 	/** Where an object's own data begins: past its tagged properties and its object GUID. */
-	bool SkipToNativeData(const FUnrealPackage& Package, std::int32_t Object, std::size_t& OutOffset,
-		FPackageError& OutError)
+	bool SkipToNativeData(
+		const FUnrealPackage& Package, std::int32_t Object, std::size_t& OutOffset, FPackageError& OutError)
 	{
 		FObjectProperties Properties;
 		if (!ReadObjectProperties(Package, Object, Properties, OutError))
@@ -327,8 +336,8 @@ namespace
 			"the data of export " + std::to_string(Object - 1) + " '" + Package.ObjectName(Object) + "'");
 	}
 
-	bool ReadRedirector(const FUnrealPackage& Package, std::int32_t Redirector, FLevelPackageContents& Out,
-		FPackageError& OutError)
+	bool ReadRedirector(
+		const FUnrealPackage& Package, std::int32_t Redirector, FLevelPackageContents& Out, FPackageError& OutError)
 	{
 		std::size_t Offset = 0;
 		if (!SkipToNativeData(Package, Redirector, Offset, OutError))
@@ -369,7 +378,8 @@ namespace
 		const std::size_t LevelOffset = Cursor.Tell();
 		std::vector<std::int32_t> Extra;
 		std::vector<std::int32_t> Streaming;
-		if (!Cursor.ReadInt32(OutLevel) || !ReadObjectList(Package, Cursor, "the world's ExtraReferencedObjects", Extra) ||
+		if (!Cursor.ReadInt32(OutLevel) ||
+			!ReadObjectList(Package, Cursor, "the world's ExtraReferencedObjects", Extra) ||
 			!ReadObjectList(Package, Cursor, "the world's StreamingLevels", Streaming))
 		{
 			OutError = Cursor.GetError();
@@ -379,15 +389,15 @@ namespace
 			Package.ClassNameOf(OutLevel) != "Level")
 		{
 			OutError.Offset = LevelOffset;
-			OutError.Reason = "the world's persistent level is object " + std::to_string(OutLevel) +
-				", not a level the world holds";
+			OutError.Reason =
+				"the world's persistent level is object " + std::to_string(OutLevel) + ", not a level the world holds";
 			return false;
 		}
 		if (Package.ObjectName(OutLevel) != "PersistentLevel")
 		{
 			OutError.Offset = Package.GetExports()[static_cast<std::size_t>(OutLevel - 1)].Offset + 16;
-			OutError.Reason = "the world's persistent level is named '" + Package.ObjectName(OutLevel) +
-				"', not PersistentLevel";
+			OutError.Reason =
+				"the world's persistent level is named '" + Package.ObjectName(OutLevel) + "', not PersistentLevel";
 			return false;
 		}
 		for (const std::int32_t Level : Streaming)
@@ -433,8 +443,8 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 			return ReadRedirector(Package, Redirector, Out, OutError);
 		}
 		// The export map, or, when it is empty, the summary's count of exports.
-		OutError.Offset = Package.GetExports().empty() ? Package.GetSummary().ExportCountOffset
-													   : Package.GetExports()[0].Offset;
+		OutError.Offset =
+			Package.GetExports().empty() ? Package.GetSummary().ExportCountOffset : Package.GetExports()[0].Offset;
 		OutError.Reason = "not a level: the package holds no World but " + DescribeTopLevelObjects(Package);
 		return false;
 	}
@@ -472,8 +482,8 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 		if (IsExport(Actor) && Package.OuterOf(Actor) != Level)
 		{
 			OutError.Offset = Offset + 4 + 4 * Entry;
-			OutError.Reason = "the level's Actors[" + std::to_string(Entry) + "] is export " + std::to_string(Actor - 1) +
-				" '" + Package.ObjectName(Actor) + "', which the level does not hold";
+			OutError.Reason = "the level's Actors[" + std::to_string(Entry) + "] is export " +
+				std::to_string(Actor - 1) + " '" + Package.ObjectName(Actor) + "', which the level does not hold";
 			return false;
 		}
 		// Null entries are deleted actors; imports are actors kept in packages of their own (World Partition). An

@@ -63,8 +63,8 @@ bool FPackageCursor::Seek(std::size_t Offset)
 	}
 	if (Offset > End)
 	{
-		return Fail(Position, What + ": offset " + std::to_string(Offset) + " is past its end at byte " +
-			std::to_string(End));
+		return Fail(
+			Position, What + ": offset " + std::to_string(Offset) + " is past its end at byte " + std::to_string(End));
 	}
 	Position = Offset;
 	return true;
@@ -181,14 +181,14 @@ bool FPackageCursor::ReadString(std::string& Out)
 		return true;
 	}
 	const bool bWide = Count < 0;
-	const std::uint64_t Characters = bWide ? static_cast<std::uint64_t>(-static_cast<std::int64_t>(Count))
-										   : static_cast<std::uint64_t>(Count);
+	const std::uint64_t Characters =
+		bWide ? static_cast<std::uint64_t>(-static_cast<std::int64_t>(Count)) : static_cast<std::uint64_t>(Count);
 	const std::uint64_t Size = bWide ? Characters * 2 : Characters;
 	if (Size > Remaining())
 	{
-		return Fail(Start, "a text in " + What + " of " + std::to_string(Characters) +
-			" characters runs past the end of " + (End == Bytes.size() ? std::string("the file") : What) + " at byte " +
-			std::to_string(End));
+		return Fail(Start,
+			"a text in " + What + " of " + std::to_string(Characters) + " characters runs past the end of " +
+				(End == Bytes.size() ? std::string("the file") : What) + " at byte " + std::to_string(End));
 	}
 	if (!bWide)
 	{

@@ -12,8 +12,8 @@ namespace
 		}
 		if (!Package.IsNameIndex(Name.Index))
 		{
-			return Cursor.Fail(Start, std::string(What) + ": name " + std::to_string(Name.Index) +
-				" is not in the name map");
+			return Cursor.Fail(
+				Start, std::string(What) + ": name " + std::to_string(Name.Index) + " is not in the name map");
 		}
 		return true;
 	}
@@ -75,9 +75,10 @@ namespace
 		}
 		if (!Package.IsObjectIndex(Out))
 		{
-			return Cursor.Fail(Start, "an object reference (" + std::to_string(Out) + ") outside the import map (" +
-				std::to_string(Package.GetImports().size()) + " imports) and the export map (" +
-				std::to_string(Package.GetExports().size()) + " exports)");
+			return Cursor.Fail(Start,
+				"an object reference (" + std::to_string(Out) + ") outside the import map (" +
+					std::to_string(Package.GetImports().size()) + " imports) and the export map (" +
+					std::to_string(Package.GetExports().size()) + " exports)");
 		}
 		return true;
 	}
@@ -93,8 +94,9 @@ namespace
 		}
 		if (Count < 0 || static_cast<std::size_t>(Count) > Cursor.Remaining() / ElementSize)
 		{
-			return Cursor.Fail(Start, "an array count of " + std::to_string(Count) + " does not fit in its " +
-				std::to_string(Cursor.Remaining()) + " bytes");
+			return Cursor.Fail(Start,
+				"an array count of " + std::to_string(Count) + " does not fit in its " +
+					std::to_string(Cursor.Remaining()) + " bytes");
 		}
 		Out = static_cast<std::size_t>(Count);
 		return true;
@@ -179,9 +181,10 @@ bool ReadObjectProperties(
 		}
 		if (Size < 0 || static_cast<std::size_t>(Size) > Cursor.Remaining())
 		{
-			Cursor.Fail(SizeOffset, "property '" + Package.NameText(Property.Name) + "' has a size of " + std::to_string(Size) +
-				" bytes, past the end of " + DescribeExport(Package, ExportIndex) + " at byte " +
-				std::to_string(Cursor.GetEnd()));
+			Cursor.Fail(SizeOffset,
+				"property '" + Package.NameText(Property.Name) + "' has a size of " + std::to_string(Size) +
+					" bytes, past the end of " + DescribeExport(Package, ExportIndex) + " at byte " +
+					std::to_string(Cursor.GetEnd()));
 			return Finish(Cursor, OutError);
 		}
 		Property.ValueOffset = Cursor.Tell();
@@ -193,11 +196,12 @@ bool ReadObjectProperties(
 	return true;
 }
 
-bool SkipObjectGuid(const FUnrealPackage& Package, std::int32_t ExportIndex, std::size_t& Offset, FPackageError& OutError)
+bool SkipObjectGuid(
+	const FUnrealPackage& Package, std::int32_t ExportIndex, std::size_t& Offset, FPackageError& OutError)
 {
 	const FPackageExport& Export = Package.GetExports()[static_cast<std::size_t>(ExportIndex - 1)];
-	FPackageCursor Cursor(Package.GetBytes(), Offset, Export.SerialOffset + Export.SerialSize,
-		DescribeExport(Package, ExportIndex));
+	FPackageCursor Cursor(
+		Package.GetBytes(), Offset, Export.SerialOffset + Export.SerialSize, DescribeExport(Package, ExportIndex));
 	bool bHasGuid = false;
 	if (Cursor.ReadBool32(bHasGuid) && bHasGuid)
 	{
@@ -209,8 +213,8 @@ bool SkipObjectGuid(const FUnrealPackage& Package, std::int32_t ExportIndex, std
 
 namespace PropertyValues
 {
-	bool ReadObject(const FUnrealPackage& Package, const FTaggedProperty& Property, std::int32_t& Out,
-		FPackageError& OutError)
+	bool ReadObject(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, std::int32_t& Out, FPackageError& OutError)
 	{
 		if (!Package.NameIs(Property.Type, "ObjectProperty"))
 		{
@@ -221,8 +225,8 @@ namespace PropertyValues
 		return Finish(Cursor, OutError);
 	}
 
-	bool ReadObjectArray(const FUnrealPackage& Package, const FTaggedProperty& Property,
-		std::vector<std::int32_t>& Out, FPackageError& OutError)
+	bool ReadObjectArray(const FUnrealPackage& Package, const FTaggedProperty& Property, std::vector<std::int32_t>& Out,
+		FPackageError& OutError)
 	{
 		if (!Package.NameIs(Property.Type, "ArrayProperty") || !Package.NameIs(Property.InnerType, "ObjectProperty"))
 		{
@@ -261,8 +265,8 @@ namespace PropertyValues
 		return Finish(Cursor, OutError);
 	}
 
-	bool ReadString(const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out,
-		FPackageError& OutError)
+	bool ReadString(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out, FPackageError& OutError)
 	{
 		if (!Package.NameIs(Property.Type, "StrProperty"))
 		{
@@ -273,8 +277,8 @@ namespace PropertyValues
 		return Finish(Cursor, OutError);
 	}
 
-	bool ReadSoftObjectPath(const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out,
-		FPackageError& OutError)
+	bool ReadSoftObjectPath(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out, FPackageError& OutError)
 	{
 		if (!Package.NameIs(Property.Type, "SoftObjectProperty"))
 		{

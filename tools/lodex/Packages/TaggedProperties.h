@@ -50,24 +50,25 @@ bool ReadObjectProperties(
  * After an object's tagged properties, the object's optional GUID (a 32-bit flag, then the GUID when set); Offset
  * moves past it. This is where a class's own data begins (a level's actors, a redirector's destination).
  */
-bool SkipObjectGuid(const FUnrealPackage& Package, std::int32_t ExportIndex, std::size_t& Offset, FPackageError& OutError);
+bool SkipObjectGuid(
+	const FUnrealPackage& Package, std::int32_t ExportIndex, std::size_t& Offset, FPackageError& OutError);
 
 /** The value readers: each checks the property's type and reads inside its value only. */
 namespace PropertyValues
 {
 	/** An ObjectProperty (or a subclass of it): an object index of the package, checked. */
-	bool ReadObject(const FUnrealPackage& Package, const FTaggedProperty& Property, std::int32_t& Out,
-		FPackageError& OutError);
+	bool ReadObject(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, std::int32_t& Out, FPackageError& OutError);
 	/** An ArrayProperty of ObjectProperty: object indices, checked. */
-	bool ReadObjectArray(const FUnrealPackage& Package, const FTaggedProperty& Property,
-		std::vector<std::int32_t>& Out, FPackageError& OutError);
+	bool ReadObjectArray(const FUnrealPackage& Package, const FTaggedProperty& Property, std::vector<std::int32_t>& Out,
+		FPackageError& OutError);
 	/** An ArrayProperty of NameProperty: the names as the engine renders them. */
 	bool ReadNameArray(const FUnrealPackage& Package, const FTaggedProperty& Property, std::vector<std::string>& Out,
 		FPackageError& OutError);
 	/** A StrProperty: UTF-8 text. */
-	bool ReadString(const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out,
-		FPackageError& OutError);
+	bool ReadString(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out, FPackageError& OutError);
 	/** A SoftObjectProperty: the object path it holds (`/Game/Maps/Sub.Sub`), its sub-path after a ":" if any. */
-	bool ReadSoftObjectPath(const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out,
-		FPackageError& OutError);
+	bool ReadSoftObjectPath(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out, FPackageError& OutError);
 }

@@ -65,11 +65,13 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 	{
 		if (Bytes.size() >= 4 && FileTag == 0xC1832A9E)
 		{
-			return Cursor.Fail(0, "a byte-swapped (big-endian) package; Lodex reads the editor's little-endian packages");
+			return Cursor.Fail(
+				0, "a byte-swapped (big-endian) package; Lodex reads the editor's little-endian packages");
 		}
-		return Cursor.Fail(0, "not an Unreal package: it starts with " +
-			(Bytes.empty() ? std::string("nothing (the file is empty)") : HexBytes(Bytes, 4)) +
-			", not the package tag C1 83 2A 9E");
+		return Cursor.Fail(0,
+			"not an Unreal package: it starts with " +
+				(Bytes.empty() ? std::string("nothing (the file is empty)") : HexBytes(Bytes, 4)) +
+				", not the package tag C1 83 2A 9E");
 	}
 	Cursor.ReadInt32(Summary.LegacyFileVersion);
 	const std::int32_t Legacy = Summary.LegacyFileVersion;
@@ -79,8 +81,9 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 	}
 	if (Legacy >= 0 || Legacy < LegacyFileVersion || Legacy > -6)
 	{
-		const std::string Era = Legacy >= 0 ? "saved by Unreal Engine 3 or older" :
-			Legacy < LegacyFileVersion ? "saved by an engine newer than 5.0" : "saved by an early Unreal Engine 4";
+		const std::string Era = Legacy >= 0 ? "saved by Unreal Engine 3 or older"
+			: Legacy < LegacyFileVersion    ? "saved by an engine newer than 5.0"
+											: "saved by an early Unreal Engine 4";
 		return Cursor.Fail(4, Era + " (legacy file version " + std::to_string(Legacy) + "); Lodex reads " + Describe());
 	}
 	std::int32_t LegacyUE3Version = 0;
@@ -102,15 +105,17 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 	}
 	if (CustomVersionCount < 0 || static_cast<std::size_t>(CustomVersionCount) > Cursor.Remaining() / 20)
 	{
-		return Cursor.Fail(CustomVersionsOffset, "the count of custom versions " +
-			std::to_string(CustomVersionCount) + " does not fit in the file (" + std::to_string(Bytes.size()) +
-			" bytes)");
+		return Cursor.Fail(CustomVersionsOffset,
+			"the count of custom versions " + std::to_string(CustomVersionCount) + " does not fit in the file (" +
+				std::to_string(Bytes.size()) + " bytes)");
 	}
 	Cursor.Skip(static_cast<std::size_t>(CustomVersionCount) * 20); // a GUID and a version each
 	if (Summary.FileVersionUE4 == 0 && Summary.FileVersionUE5 == 0 && Licensee == 0)
 	{
-		return Cursor.Fail(VersionOffset, "an unversioned package (cooked for a game); Lodex reads uncooked "
-			"packages saved by the editor, with their versions: " + std::string(Describe()));
+		return Cursor.Fail(VersionOffset,
+			"an unversioned package (cooked for a game); Lodex reads uncooked "
+			"packages saved by the editor, with their versions: " +
+				std::string(Describe()));
 	}
 	const std::int32_t UE4 = Summary.FileVersionUE4;
 	const std::int32_t UE5 = Summary.FileVersionUE5;
@@ -149,7 +154,8 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 		Cursor.ReadInt32(Summary.ImportCount);
 		Cursor.ReadInt32(Summary.ImportOffset);
 		Cursor.ReadInt32(Ignored); // depends offset
-		Cursor.Skip((UE4 >= 384 ? 8 : 0) + (UE4 >= 510 ? 4 : 0) + 4 + 16); // soft references, searchable names, thumbnails, GUID
+		Cursor.Skip((UE4 >= 384 ? 8 : 0) + (UE4 >= 510 ? 4 : 0) + 4 +
+			16); // soft references, searchable names, thumbnails, GUID
 		if (!bFilterEditorOnly && UE4 >= 518)
 		{
 			Cursor.Skip(UE4 < 520 ? 32 : 16); // persistent GUID (and the owner's, in two versions)
@@ -159,8 +165,9 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 		Cursor.ReadInt32(Generations);
 		if (!Cursor.HasFailed() && (Generations < 0 || static_cast<std::size_t>(Generations) > Cursor.Remaining() / 8))
 		{
-			return Cursor.Fail(GenerationsOffset, "the count of generations " + std::to_string(Generations) +
-				" does not fit in the file (" + std::to_string(Bytes.size()) + " bytes)");
+			return Cursor.Fail(GenerationsOffset,
+				"the count of generations " + std::to_string(Generations) + " does not fit in the file (" +
+					std::to_string(Bytes.size()) + " bytes)");
 		}
 		Cursor.Skip(static_cast<std::size_t>(Generations) * 8);
 		std::uint16_t Major = 0, Minor = 0, Patch = 0;
@@ -176,7 +183,8 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 			return false;
 		}
 		Summary.SavedByEngineVersion = std::to_string(Major) + "." + std::to_string(Minor) + "." +
-			std::to_string(Patch) + "-" + std::to_string(Changelist & 0x7FFFFFFFu) + (Branch.empty() ? "" : "+" + Branch);
+			std::to_string(Patch) + "-" + std::to_string(Changelist & 0x7FFFFFFFu) +
+			(Branch.empty() ? "" : "+" + Branch);
 	}
 	if (Cursor.HasFailed())
 	{
@@ -197,10 +205,12 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 			: "saved with " + Versions;
 		return Cursor.Fail(VersionOffset, Saved + "; Lodex reads " + Describe());
 	}
-	if ((Summary.PackageFlags & (PackageFlagCooked | PackageFlagFilterEditorOnly | PackageFlagUnversionedProperties)) != 0)
+	if ((Summary.PackageFlags & (PackageFlagCooked | PackageFlagFilterEditorOnly | PackageFlagUnversionedProperties)) !=
+		0)
 	{
-		return Cursor.Fail(FlagsOffset, "a cooked package (package flags " + HexFlags(Summary.PackageFlags) +
-			"); Lodex reads the editor's uncooked packages, as they sit in a project's Content folder");
+		return Cursor.Fail(FlagsOffset,
+			"a cooked package (package flags " + HexFlags(Summary.PackageFlags) +
+				"); Lodex reads the editor's uncooked packages, as they sit in a project's Content folder");
 	}
 	return true;
 }
@@ -214,8 +224,9 @@ bool FUnrealPackage::ReadName(FPackageCursor& Cursor, FPackageName& Out, const c
 	}
 	if (!IsNameIndex(Out.Index))
 	{
-		return Cursor.Fail(Start, std::string(What) + ": name " + std::to_string(Out.Index) +
-			" is not in the name map (" + std::to_string(Names.size()) + " names)");
+		return Cursor.Fail(Start,
+			std::string(What) + ": name " + std::to_string(Out.Index) + " is not in the name map (" +
+				std::to_string(Names.size()) + " names)");
 	}
 	return true;
 }
@@ -235,8 +246,8 @@ namespace
 		const std::size_t Size = Cursor.GetBytes().size();
 		if (Count < 0)
 		{
-			return Cursor.Fail(CountField, std::string("the ") + Table + "'s count is negative (" +
-				std::to_string(Count) + ")");
+			return Cursor.Fail(
+				CountField, std::string("the ") + Table + "'s count is negative (" + std::to_string(Count) + ")");
 		}
 		if (Count == 0)
 		{
@@ -244,14 +255,16 @@ namespace
 		}
 		if (Offset < 0 || static_cast<std::size_t>(Offset) > Size)
 		{
-			return Cursor.Fail(CountField + 4, std::string("the ") + Table + "'s offset " + std::to_string(Offset) +
-				" is outside the file (" + std::to_string(Size) + " bytes)");
+			return Cursor.Fail(CountField + 4,
+				std::string("the ") + Table + "'s offset " + std::to_string(Offset) + " is outside the file (" +
+					std::to_string(Size) + " bytes)");
 		}
 		if (static_cast<std::size_t>(Count) > (Size - static_cast<std::size_t>(Offset)) / Entry)
 		{
-			return Cursor.Fail(CountField, std::string("the ") + Table + "'s count " + std::to_string(Count) +
-				" does not fit in the file: " + std::to_string(Entry) + " bytes or more each from byte " +
-				std::to_string(Offset) + ", in " + std::to_string(Size) + " bytes");
+			return Cursor.Fail(CountField,
+				std::string("the ") + Table + "'s count " + std::to_string(Count) +
+					" does not fit in the file: " + std::to_string(Entry) + " bytes or more each from byte " +
+					std::to_string(Offset) + ", in " + std::to_string(Size) + " bytes");
 		}
 		return true;
 	}
@@ -263,8 +276,8 @@ bool FUnrealPackage::ReadNames(FPackageCursor& Cursor)
 	{
 		return false;
 	}
-	FPackageCursor Table(Bytes, Summary.NameCount > 0 ? static_cast<std::size_t>(Summary.NameOffset) : 0,
-		Bytes.size(), "the name map");
+	FPackageCursor Table(
+		Bytes, Summary.NameCount > 0 ? static_cast<std::size_t>(Summary.NameOffset) : 0, Bytes.size(), "the name map");
 	Names.reserve(static_cast<std::size_t>(Summary.NameCount));
 	for (std::int32_t Index = 0; Index < Summary.NameCount; ++Index)
 	{
@@ -277,8 +290,9 @@ bool FUnrealPackage::ReadNames(FPackageCursor& Cursor)
 		if (Length > static_cast<std::int32_t>(NameSizeLimit) || Length < -static_cast<std::int32_t>(NameSizeLimit) ||
 			Length == 0)
 		{
-			return Cursor.Fail(Start, "the name map's entry " + std::to_string(Index) + " has a length of " +
-				std::to_string(Length) + " (a name holds 1 to 1024 characters with its NUL)");
+			return Cursor.Fail(Start,
+				"the name map's entry " + std::to_string(Index) + " has a length of " + std::to_string(Length) +
+					" (a name holds 1 to 1024 characters with its NUL)");
 		}
 		std::string Name;
 		if (!Table.ReadString(Name) || !Table.Skip(4))
@@ -362,9 +376,10 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 		if (SerialSize < 0 || SerialOffset < 0 || static_cast<std::uint64_t>(SerialOffset) > Size ||
 			static_cast<std::uint64_t>(SerialSize) > Size - static_cast<std::uint64_t>(SerialOffset))
 		{
-			return Cursor.Fail(SerialField, "export " + std::to_string(Index) + " '" + NameText(Export.ObjectName) +
-				"': its data (" + std::to_string(SerialSize) + " bytes at byte " + std::to_string(SerialOffset) +
-				") lies outside the file (" + std::to_string(Size) + " bytes)");
+			return Cursor.Fail(SerialField,
+				"export " + std::to_string(Index) + " '" + NameText(Export.ObjectName) + "': its data (" +
+					std::to_string(SerialSize) + " bytes at byte " + std::to_string(SerialOffset) +
+					") lies outside the file (" + std::to_string(Size) + " bytes)");
 		}
 		Export.SerialOffset = static_cast<std::size_t>(SerialOffset);
 		Export.SerialSize = static_cast<std::size_t>(SerialSize);
@@ -407,9 +422,10 @@ bool FUnrealPackage::CheckObjectIndex(
 	{
 		return true;
 	}
-	return Cursor.Fail(Offset, What + " is " + ObjectWord(Index) + ", outside the " +
-		(Index > 0 ? "export map (" + std::to_string(Exports.size()) + " exports)"
-				   : "import map (" + std::to_string(Imports.size()) + " imports)"));
+	return Cursor.Fail(Offset,
+		What + " is " + ObjectWord(Index) + ", outside the " +
+			(Index > 0 ? "export map (" + std::to_string(Exports.size()) + " exports)"
+					   : "import map (" + std::to_string(Imports.size()) + " imports)"));
 }
 
 bool FUnrealPackage::CheckOuterChains(FPackageCursor& Cursor)
@@ -423,8 +439,8 @@ bool FUnrealPackage::CheckOuterChains(FPackageCursor& Cursor)
 						 : ImportCount + static_cast<std::size_t>(Index);
 	};
 	std::vector<std::int32_t> Walk;
-	for (std::int64_t Start = -static_cast<std::int64_t>(ImportCount); Start <= static_cast<std::int64_t>(Exports.size());
-		 ++Start)
+	for (std::int64_t Start = -static_cast<std::int64_t>(ImportCount);
+		 Start <= static_cast<std::int64_t>(Exports.size()); ++Start)
 	{
 		Walk.clear();
 		for (std::int32_t Index = static_cast<std::int32_t>(Start); Index != 0 && State[Slot(Index)] != 2;
@@ -434,8 +450,8 @@ bool FUnrealPackage::CheckOuterChains(FPackageCursor& Cursor)
 			{
 				const std::size_t Offset = Index < 0 ? Imports[Slot(Index)].Offset + 16
 													 : Exports[static_cast<std::size_t>(Index - 1)].Offset + 12;
-				return Cursor.Fail(Offset, "the outer chain of " + ObjectWord(Index) + " '" + ObjectName(Index) +
-					"' loops back to it");
+				return Cursor.Fail(Offset,
+					"the outer chain of " + ObjectWord(Index) + " '" + ObjectName(Index) + "' loops back to it");
 			}
 			State[Slot(Index)] = 1;
 			Walk.push_back(Index);

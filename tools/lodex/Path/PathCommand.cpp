@@ -55,7 +55,8 @@ namespace
 				   "Absolute, Relative or Tag (exact case), or best: the shortest, most stable Lodestring "
 				   "that finds the object alone; any other text gives no node steps")
 				->default_val("Absolute");
-			Sub->add_option("objects", Objects, "Object ids, or names (or editor labels) that exactly one object has")->required();
+			Sub->add_option("objects", Objects, "Object ids, or names (or editor labels) that exactly one object has")
+				->required();
 			return Sub;
 		}
 
@@ -132,7 +133,8 @@ namespace
 				->check(CLI::Validator([](const std::string& Value)
 					{ return Value.empty() ? std::string("needs a file name") : std::string(); },
 					"FILE"));
-			Sub->add_option("objects", Objects, "The selection, in order: object ids, or names or editor labels that one object has");
+			Sub->add_option("objects", Objects,
+				"The selection, in order: object ids, or names or editor labels that one object has");
 			return Sub;
 		}
 

@@ -413,8 +413,8 @@ void AddLodexEvaluationOptions(CLI::App& Command, FLodexSessionOptions& Options)
 {
 	// Exactly one evaluator: the native one over a scene, or the scripted one.
 	CLI::Option_group* Evaluator = Command.add_option_group("evaluator", "Which evaluator answers (one of them)");
-	Evaluator->add_option(
-		"--scene", Options.SceneFile, "A scene file, a snapshot (JSON) or a level (.umap), on which the native evaluator answers");
+	Evaluator->add_option("--scene", Options.SceneFile,
+		"A scene file, a snapshot (JSON) or a level (.umap), on which the native evaluator answers");
 	Evaluator->add_option("--evaluator", Options.EvaluatorFile,
 		"Canned answers for the scripted evaluator instead (text; see docs/scripted-evaluator.md)");
 	Evaluator->require_option(1);

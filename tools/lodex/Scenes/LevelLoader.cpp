@@ -44,8 +44,8 @@ namespace
 	private:
 		bool FindContentRoot(const std::string& Path, std::string& OutPackagePath);
 		std::string FileOfPackage(const std::string& PackagePath) const;
-		bool ReadPackage(const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage,
-			std::string& OutError);
+		bool ReadPackage(
+			const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage, std::string& OutError);
 		bool LoadLevel(std::string File, std::string PackagePath, std::vector<FLoadedLevel>& Levels,
 			std::vector<std::string>& OutStreaming, std::string& OutError);
 		bool LoadExternalActors(FLoadedLevel& Level, std::string& OutError);
@@ -155,17 +155,19 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		const std::string TargetFile = FileOfPackage(Target);
 		if (TargetFile.empty())
 		{
-			OutError = File + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Target) + ", which is not under " +
+			OutError = File + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Target) +
+				", which is not under " +
 				(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot));
 			return false;
 		}
 		if (Redirects + 1 == RedirectLimit || ReadLevels.count(Target) != 0)
 		{
-			OutError = File + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Target) + ", which redirects back or on past " +
-				std::to_string(RedirectLimit) + " redirectors";
+			OutError = File + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Target) +
+				", which redirects back or on past " + std::to_string(RedirectLimit) + " redirectors";
 			return false;
 		}
-		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(File + ": a redirector to " + Target + "; followed it to " + TargetFile));
+		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(
+			File + ": a redirector to " + Target + "; followed it to " + TargetFile));
 		ReadLevels.insert(PackagePath);
 		File = TargetFile;
 		PackagePath = Target;
@@ -240,7 +242,8 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 		}
 		if (Actors.empty() && !OtherLevel.empty())
 		{
-			Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Shown + ": an actor of " + OtherLevel + ", not of " + LevelPath + "; left out"));
+			Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(
+				Shown + ": an actor of " + OtherLevel + ", not of " + LevelPath + "; left out"));
 		}
 		Out.ExternalActorCount += Actors.size();
 		Level.Sources.push_back(FActorSource{Shown, PackagePath});
@@ -252,7 +255,8 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 	return true;
 }
 
-const FReadPackage* FLevelLoader::FindClassPackage(const std::string& PackagePath, std::string& OutError, bool& bOutFailed)
+const FReadPackage* FLevelLoader::FindClassPackage(
+	const std::string& PackagePath, std::string& OutError, bool& bOutFailed)
 {
 	bOutFailed = false;
 	const auto Found = ClassPackages.find(PackagePath);
@@ -304,9 +308,10 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 		{
 			if (MissingClasses.insert(PackagePath).second)
 			{
-				Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed("the Blueprint class " + ClassPath + " is not under " +
-					(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) +
-					": the default tags of its actors are unknown"));
+				Out.Notes.push_back(
+					LodexText::EscapeControlsAndIllFormed("the Blueprint class " + ClassPath + " is not under " +
+						(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) +
+						": the default tags of its actors are unknown"));
 			}
 			break;
 		}
@@ -327,7 +332,8 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 	std::string PackagePath;
 	if (!FindContentRoot(Path, PackagePath))
 	{
-		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Path + ": not inside a Content folder; its external actors, sub-levels and Blueprint "
+		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Path +
+			": not inside a Content folder; its external actors, sub-levels and Blueprint "
 			"classes are not looked up"));
 	}
 	std::vector<FLoadedLevel> Levels;

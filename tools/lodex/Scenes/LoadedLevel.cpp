@@ -16,8 +16,7 @@ bool IsUnrealPackageBytes(const std::string& Bytes)
 {
 	static const char Tag[] = {'\xC1', '\x83', '\x2A', '\x9E'};
 	static const char Swapped[] = {'\x9E', '\x2A', '\x83', '\xC1'};
-	return Bytes.size() >= 4 &&
-		(Bytes.compare(0, 4, Tag, 4) == 0 || Bytes.compare(0, 4, Swapped, 4) == 0);
+	return Bytes.size() >= 4 && (Bytes.compare(0, 4, Tag, 4) == 0 || Bytes.compare(0, 4, Swapped, 4) == 0);
 }
 
 bool IsUnrealPackageFile(const std::string& Path)
@@ -91,8 +90,8 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 			if (!Inserted.second)
 			{
 				OutError = Source.File + ": byte " + std::to_string(Actor.Offset) + ": the actor '" +
-					LodexText::EscapeControlsAndIllFormed(Objects[ActorIndex].Id) + "' is read a second time (first from " +
-					SourceOf[Inserted.first->second]->File + ")";
+					LodexText::EscapeControlsAndIllFormed(Objects[ActorIndex].Id) +
+					"' is read a second time (first from " + SourceOf[Inserted.first->second]->File + ")";
 				return false;
 			}
 			if (!Actor.AttachParentPath.empty())
@@ -129,8 +128,9 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 		}
 		if (Parent == FSceneObjectLinks::NoObject)
 		{
-			Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Entry.Source->Package + ": actor '" + Objects[Entry.Actor].Name +
-				"' is attached to '" + Entry.ParentPath + "', which is not among the objects read; it is shown unattached"));
+			Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Entry.Source->Package + ": actor '" +
+				Objects[Entry.Actor].Name + "' is attached to '" + Entry.ParentPath +
+				"', which is not among the objects read; it is shown unattached"));
 		}
 		else if (Parent != Entry.Actor)
 		{
@@ -140,7 +140,8 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 	std::string SceneError;
 	if (!FSceneSnapshot::FromObjects(std::move(Objects), Links, Out.Scene, SceneError))
 	{
-		OutError = (Levels.empty() ? std::string("level") : Levels[0].File) + ": " + LodexText::EscapeControlsAndIllFormed(SceneError);
+		OutError = (Levels.empty() ? std::string("level") : Levels[0].File) + ": " +
+			LodexText::EscapeControlsAndIllFormed(SceneError);
 		return false;
 	}
 	return true;
@@ -161,7 +162,8 @@ bool ReadLevelSceneBytes(std::string Bytes, const std::string& SourceName, const
 	}
 	if (!Contents.RedirectTarget.empty())
 	{
-		OutError = SourceName + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Contents.RedirectTarget) + ", not a level";
+		OutError = SourceName + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Contents.RedirectTarget) +
+			", not a level";
 		return false;
 	}
 	std::vector<FLoadedLevel> Levels(1);

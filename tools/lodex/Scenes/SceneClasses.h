@@ -35,8 +35,9 @@ struct FSceneClass
 
 /**
  * Reads the snapshot's "classes" (absent in files without reflection) and each object's "class": OutObjectClasses
- * holds, for each entry of ObjectEntries, its class among OutClasses (null for none). On failure returns false with one message naming the class, function, property or
- * object and the field ("classes[1] (name 'Actor'): field 'super': no class has the name 'Objet'").
+ * holds, for each entry of ObjectEntries, its class among OutClasses (null for none). On failure returns false with one
+ * message naming the class, function, property or object and the field ("classes[1] (name 'Actor'): field 'super': no
+ * class has the name 'Objet'").
  */
 bool ParseSceneReflection(const nlohmann::json& Root, const nlohmann::json& ObjectEntries,
 	std::vector<FSceneClass>& OutClasses, std::vector<const FSceneClass*>& OutObjectClasses, std::string& OutMessage);

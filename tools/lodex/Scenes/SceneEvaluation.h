@@ -32,8 +32,8 @@ private:
 std::unique_ptr<FLodexSceneIndex> IndexSceneSnapshot(const FSceneSnapshot& Scene);
 
 /**
- * The native evaluator over a scene file (a snapshot or a level), as `lodex repl --scene` and `lodex debug --scene` use it: the scene
- * loaded and indexed once, and requests answered on the block. On a file that cannot be read or parsed, one
- * line naming the file on Err, and null.
+ * The native evaluator over a scene file (a snapshot or a level), as `lodex repl --scene` and `lodex debug --scene` use
+ * it: the scene loaded and indexed once, and requests answered on the block. On a file that cannot be read or parsed,
+ * one line naming the file on Err, and null.
  */
 std::unique_ptr<ILodexEvaluator> MakeLodexSceneEvaluator(const FSceneFileOptions& SceneFile, std::ostream& Err);

@@ -38,7 +38,6 @@ public:
 	virtual void SetDeviceAnnounced() = 0;
 };
 
-
 /** A key or analog event: the engine key's name ("SpaceBar", "Gamepad_LeftX"). */
 struct FLodexKeyInput
 {
