@@ -31,7 +31,7 @@ struct FLodexEventRecord
 	/** For a double click frame + 20; otherwise 0 at creation, filled by the handler that ends the gesture. */
 	std::uint32_t EndFrame;
 	ELodexEventKind Kind;
-	/** Pointer position in viewport pixels (0 for keys); for a wheel record the sum of its events' truncated deltas. */
+	/** Pointer position in viewport pixels (0 for keys); for a wheel record its first event's truncated delta. */
 	std::int32_t X;
 	/** Pointer position in viewport pixels (0 for keys); for a wheel record the number of wheel events merged. */
 	std::int32_t Y;

@@ -402,16 +402,13 @@ bool FLodexInputRecorder::HandleMouseWheel(const FLodexPointerInput& Input)
 	const std::int32_t Delta = LodexTruncateToInt32(Input.WheelDelta);
 	// The wheel record still waiting, wherever it is in the array: found by its sequence number, not by a scan.
 	FLodexEventRecord* Pending = PendingWheel ? Records.FindBySequence(*PendingWheel) : nullptr;
-	if (Pending != nullptr && Pending->Kind == ELodexEventKind::Wheel)
+	// The merge only counts the event: the record keeps its first event's delta, and a count that would pass a
+	// 32-bit integer starts a new record.
+	if (Pending != nullptr && Pending->Kind == ELodexEventKind::Wheel &&
+		Pending->Y < std::numeric_limits<std::int32_t>::max())
 	{
-		const std::int64_t Net = static_cast<std::int64_t>(Pending->X) + Delta;
-		if (Net >= std::numeric_limits<std::int32_t>::min() && Net <= std::numeric_limits<std::int32_t>::max() &&
-			Pending->Y < std::numeric_limits<std::int32_t>::max())
-		{
-			Pending->X = static_cast<std::int32_t>(Net);
-			++Pending->Y;
-			return false;
-		}
+		++Pending->Y;
+		return false;
 	}
 	FLodexEventRecord Wheel(Event.State.Frame, ELodexEventKind::Wheel, LodexMouseButton::WheelCode, Delta, 1);
 	Wheel.EndFrame = Event.State.Frame;

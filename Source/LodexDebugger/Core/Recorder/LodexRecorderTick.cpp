@@ -39,20 +39,10 @@ namespace
 		return static_cast<int>(Kind);
 	}
 
-	/**
-	 * The scroll line of a wheel record, which holds the net of its events' deltas and their count: the line
-	 * scrolls the net, in as many steps as events when the count divides the net (always so when every event had
-	 * the same delta), else in one step.
-	 */
+	/** The scroll line of a wheel record: its first event's truncated delta and the number of events merged. */
 	std::string MakeLodexScrollLine(const FLodexEventRecord& Wheel)
 	{
-		const std::int32_t Net = Wheel.X;
-		const std::int32_t Count = Wheel.Y;
-		if (Count > 0 && Net % Count == 0)
-		{
-			return LodexScriptLines::MakeScrollLine(Net / Count, Count);
-		}
-		return LodexScriptLines::MakeScrollLine(Net, 1);
+		return LodexScriptLines::MakeScrollLine(Wheel.X, Wheel.Y);
 	}
 }
 
