@@ -6,11 +6,10 @@
 #include "Framework/Docking/TabManager.h"
 #include "Framework/MultiBox/MultiBoxBuilder.h"
 #include "HAL/IConsoleManager.h"
-#include "LodexDebugger.h"
 #include "LodexDebugger/Core/Paths/LodexBestCopy.h"
 #include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
-#include "LodexInterop.h"
-#include "LodexWorldEvaluation.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
+#include "LodexDebugger/Interop/LodexWorldEvaluation.h"
 #include "SnapshotExporter.h"
 #include "Textures/SlateIcon.h"
 #include "Widgets/Docking/SDockTab.h"
@@ -47,8 +46,7 @@ TSharedRef<SDockTab> DetailsTool::SpawnTab(const FSpawnTabArgs& TabSpawnArgs)
 
 void DetailsTool::AddPullDownEntry(const FLodexPullDownCommandInfo& Command)
 {
-	FLodexDebugger::Get().AddMenuExtension(
-		FMenuExtensionDelegate::CreateSP(this, &DetailsTool::MakePullDownEntry, &Command),
+	Menus.AddMenuExtension(FMenuExtensionDelegate::CreateSP(this, &DetailsTool::MakePullDownEntry, &Command),
 		LodexInterop::ToName(Command.MenuHook), nullptr, LodexInterop::ToExtensionHookPosition(Command.MenuPosition));
 }
 

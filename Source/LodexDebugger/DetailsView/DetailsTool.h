@@ -18,6 +18,8 @@ class DetailsTool
 	, public ILodexPullDownCommandHost
 {
 public:
+	using ExampleTabToolBase::ExampleTabToolBase;
+
 	virtual ~DetailsTool() override = default;
 
 	//~ Begin ExampleTabToolBase Interface

@@ -8,9 +8,9 @@
 #include "Widgets/SCompoundWidget.h"
 
 #include "LodexDebugger/Core/Explorer/ExplorerPanel.h"
-#include "LodexEditorAdapters.h"
-#include "LodexInterop.h"
-#include "LodexUObjectReflection.h"
+#include "LodexDebugger/Interop/LodexEditorAdapters.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
+#include "LodexDebugger/Interop/LodexUObjectReflection.h"
 
 class ExampleTabToolBase;
 class FSubobjectEditorTreeNode;

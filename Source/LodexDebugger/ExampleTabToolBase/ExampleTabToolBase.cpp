@@ -4,8 +4,7 @@
 #include "Framework/Docking/TabManager.h"
 #include "Framework/Docking/WorkspaceItem.h"
 #include "Framework/MultiBox/MultiBoxBuilder.h"
-#include "LodexDebugger.h"
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "Widgets/Docking/SDockTab.h"
 
 class ExampleTabToolBase::FTabToolCalls final : public ILodexTabTool
@@ -26,7 +25,7 @@ public:
 		FGlobalTabmanager::Get()
 			->RegisterNomadTabSpawner(
 				Tool.TabName, FOnSpawnTab::CreateSP(Tool.AsShared(), &ExampleTabToolBase::SpawnTab))
-			.SetGroup(FLodexDebugger::Get().GetMenuRoot())
+			.SetGroup(Tool.Menus.MenuRoot)
 			.SetDisplayName(Tool.TabDisplayName)
 			.SetTooltipText(Tool.ToolTipText);
 	}
@@ -38,7 +37,7 @@ public:
 
 	virtual void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position) override
 	{
-		FLodexDebugger::Get().AddMenuExtension(
+		Tool.Menus.AddMenuExtension(
 			FMenuExtensionDelegate::CreateSP(Tool.AsShared(), &ExampleTabToolBase::MakeMenuEntry),
 			LodexInterop::ToName(Hook), nullptr, LodexInterop::ToExtensionHookPosition(Position));
 	}

@@ -20,6 +20,11 @@ class ExampleTabToolBase
 	, public TSharedFromThis<ExampleTabToolBase>
 {
 public:
+	explicit ExampleTabToolBase(const FLodexModuleMenus& InMenus)
+		: Menus(InMenus)
+	{
+	}
+
 	//~ Begin IModuleListenerInterface Interface
 	virtual void OnStartupModule() override;
 	virtual void OnShutdownModule() override;
@@ -46,6 +51,9 @@ protected:
 	FName TabName;
 	FText TabDisplayName;
 	FText ToolTipText;
+
+	/** The module's menu extender and "Menu Root", as the module handed them over. */
+	const FLodexModuleMenus Menus;
 
 private:
 	/** The editor calls of the tool as the core's tab start-up and shut-down make them. */

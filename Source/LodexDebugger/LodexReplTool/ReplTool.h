@@ -8,6 +8,8 @@
 class ReplTool : public ExampleTabToolBase
 {
 public:
+	using ExampleTabToolBase::ExampleTabToolBase;
+
 	virtual ~ReplTool() override = default;
 
 	//~ Begin ExampleTabToolBase Interface

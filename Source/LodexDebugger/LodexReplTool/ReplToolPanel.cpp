@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #include "ReplToolPanel.h"
 
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "VELTStyle.h"
 #include "Widgets/Input/SEditableTextBox.h"
 #include "Widgets/Layout/SBorder.h"

@@ -6,7 +6,7 @@
 #include "Widgets/SCompoundWidget.h"
 
 #include "LodexDebugger/Core/Evaluation/LodexReplPanel.h"
-#include "LodexEvaluatorHost.h"
+#include "LodexDebugger/Interop/LodexEvaluatorHost.h"
 
 class ExampleTabToolBase;
 class SEditableTextBox;

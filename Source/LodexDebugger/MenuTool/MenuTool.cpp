@@ -5,9 +5,8 @@
 #include "Framework/MultiBox/MultiBoxBuilder.h"
 #include "Framework/MultiBox/MultiBoxExtender.h"
 #include "LevelEditor.h"
-#include "LodexDebugger.h"
-#include "LodexInterop.h"
-#include "LodexWorldEvaluation.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
+#include "LodexDebugger/Interop/LodexWorldEvaluation.h"
 #include "MenuToolCommands.h"
 #include "Modules/ModuleManager.h"
 #include "Textures/SlateIcon.h"
@@ -55,7 +54,7 @@ void MenuTool::MapPrintAction(const FLodexCommandInfo& Command, const std::strin
 
 void MenuTool::AddModuleMenuExtension(const FLodexMenuInfo& Menu)
 {
-	FLodexDebugger::Get().AddMenuExtension(FMenuExtensionDelegate::CreateSP(this, &MenuTool::MakeMenuSection, &Menu),
+	Menus.AddMenuExtension(FMenuExtensionDelegate::CreateSP(this, &MenuTool::MakeMenuSection, &Menu),
 		LodexInterop::ToName(Menu.ExtensionHook), CommandList, EExtensionHook::Before);
 }
 

@@ -22,6 +22,11 @@ class MenuTool
 	, public TSharedFromThis<MenuTool>
 {
 public:
+	explicit MenuTool(const FLodexModuleMenus& InMenus)
+		: Menus(InMenus)
+	{
+	}
+
 	virtual ~MenuTool() override = default;
 
 	//~ Begin IModuleListenerInterface Interface
@@ -48,6 +53,8 @@ private:
 		const TArray<AActor*> SelectedActors, const FLodexMenuInfo* Menu);
 	void HandlePrintLodestrings(FString Mode);
 
+	/** The module's menu extender, as the module handed it over. */
+	const FLodexModuleMenus Menus;
 	TSharedPtr<FUICommandList> CommandList;
 	FDelegateHandle ViewportContextMenuExtenderHandle;
 };

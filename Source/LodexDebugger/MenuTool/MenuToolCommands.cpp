@@ -1,8 +1,8 @@
 // Copyright Lodex contributors.
 #include "MenuToolCommands.h"
 
-#include "LodexEditorAdapters.h"
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexEditorAdapters.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "Styling/AppStyle.h"
 
 // The context, labels and tooltips are those of the core's "MenuTool" table (GetMenuToolCommandSet), localisable under

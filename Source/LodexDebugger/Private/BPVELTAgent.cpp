@@ -3,7 +3,7 @@
 
 #include "HAL/PlatformProcess.h"
 #include "LodexDebugger/Core/Shell/LodexDllImport.h"
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "Misc/Paths.h"
 
 /** The project folder, the file check and the dynamic loader of the engine. */

@@ -12,8 +12,8 @@
 #include "LodexDebugger/RecorderTool/RecorderTool.h"
 #include "LodexDebugger/TabTool/TabTool.h"
 #include "LodexDebuggerCommands.h"
-#include "LodexEditorAdapters.h"
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexEditorAdapters.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "Modules/ModuleManager.h"
 
 /** The pull-down's content calls, made on the engine's menu builder. */
@@ -132,22 +132,24 @@ public:
 
 	virtual void CreateListener(const FLodexListenerInfo& Listener) override
 	{
+		// Each tool is handed the module's menus when it is made, so that no tool reaches back into the module.
+		const FLodexModuleMenus Menus{Module.MenuExtender, FLodexDebugger::MenuRoot};
 		switch (Listener.Listener)
 		{
 			case ELodexListener::MenuTool:
-				Module.ModuleListeners.Add(MakeShareable(new MenuTool));
+				Module.ModuleListeners.Add(MakeShareable(new MenuTool(Menus)));
 				break;
 			case ELodexListener::TabTool:
-				Module.ModuleListeners.Add(MakeShareable(new TabTool));
+				Module.ModuleListeners.Add(MakeShareable(new TabTool(Menus)));
 				break;
 			case ELodexListener::RecorderTool:
-				Module.ModuleListeners.Add(MakeShareable(new RecorderTool));
+				Module.ModuleListeners.Add(MakeShareable(new RecorderTool(Menus)));
 				break;
 			case ELodexListener::ReplTool:
-				Module.ModuleListeners.Add(MakeShareable(new ReplTool));
+				Module.ModuleListeners.Add(MakeShareable(new ReplTool(Menus)));
 				break;
 			case ELodexListener::DetailsTool:
-				Module.ModuleListeners.Add(MakeShareable(new DetailsTool));
+				Module.ModuleListeners.Add(MakeShareable(new DetailsTool(Menus)));
 				break;
 		}
 	}
@@ -220,15 +222,6 @@ void FLodexDebugger::AddModuleListeners()
 FLodexDebugger& FLodexDebugger::Get()
 {
 	return FModuleManager::LoadModuleChecked<FLodexDebugger>(LodexInterop::ToName(LodexModuleName));
-}
-
-void FLodexDebugger::AddMenuExtension(const FMenuExtensionDelegate& ExtensionDelegate, FName ExtensionHook,
-	const TSharedPtr<FUICommandList>& CommandList, EExtensionHook::Position Position)
-{
-	if (MenuExtender.IsValid())
-	{
-		MenuExtender->AddMenuExtension(ExtensionHook, Position, CommandList, ExtensionDelegate);
-	}
 }
 
 TSharedPtr<IModuleListenerInterface> FLodexDebugger::FindModuleListener(ELodexListener Listener) const

@@ -31,14 +31,6 @@ public:
 	/** The loaded module. */
 	static FLodexDebugger& Get();
 
-	/** Adds a menu extension to the module's menu extender, when there is one. */
-	void AddMenuExtension(const FMenuExtensionDelegate& ExtensionDelegate, FName ExtensionHook,
-		const TSharedPtr<FUICommandList>& CommandList = nullptr,
-		EExtensionHook::Position Position = EExtensionHook::Before);
-
-	/** The workspace group of every tab spawner of the module. */
-	TSharedRef<FWorkspaceItem> GetMenuRoot() { return MenuRoot; }
-
 protected:
 	TArray<TSharedRef<IModuleListenerInterface>> ModuleListeners;
 	TSharedPtr<FExtender> MenuExtender;

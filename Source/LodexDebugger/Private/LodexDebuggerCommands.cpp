@@ -1,8 +1,8 @@
 // Copyright Lodex contributors.
 #include "LodexDebuggerCommands.h"
 
-#include "LodexEditorAdapters.h"
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexEditorAdapters.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "Styling/AppStyle.h"
 
 // The context is named after the module; the command's label and tooltip are those of the core's module command

@@ -2,7 +2,7 @@
 #include "VELTStyle.h"
 
 #include "Brushes/SlateImageBrush.h"
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "Misc/Paths.h"
 #include "Styling/CoreStyle.h"
 #include "Styling/SlateStyleRegistry.h"

@@ -2,7 +2,7 @@
 #include "debugPanel.h"
 
 #include "LodexDebugger/Core/Shell/LodexExamplePanel.h"
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "Widgets/Layout/SBorder.h"
 #include "Widgets/Layout/SScrollBox.h"
 #include "Widgets/Text/STextBlock.h"

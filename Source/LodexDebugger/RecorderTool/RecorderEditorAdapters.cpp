@@ -19,8 +19,8 @@
 #include "Slate/SceneViewport.h"
 #include "UnrealClient.h"
 
-#include "LodexEditorAdapters.h"
-#include "LodexUnrealCLR.h"
+#include "LodexDebugger/Interop/LodexEditorAdapters.h"
+#include "LodexDebugger/Interop/LodexUnrealCLR.h"
 
 #include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"
 
@@ -228,50 +228,6 @@ void FRecorderInputLogFile::Flush()
 {
 	Archive->Flush();
 	bFailed = bFailed || Archive->IsError();
-}
-
-namespace RecorderInterop
-{
-	FString FromUtf8(std::string_view Text)
-	{
-		const FUTF8ToTCHAR Converted(Text.data(), static_cast<int32>(Text.size()));
-		return FString(Converted.Length(), Converted.Get());
-	}
-
-	FLodexKeyInput ToKeyInput(const FKeyEvent& Event)
-	{
-		FLodexKeyInput Input;
-		Input.Key = LodexInterop::ToUtf8(Event.GetKey().GetFName().ToString());
-		return Input;
-	}
-
-	FLodexKeyInput ToAnalogInput(const FAnalogInputEvent& Event)
-	{
-		FLodexKeyInput Input = ToKeyInput(Event);
-		Input.AnalogValue = Event.GetAnalogValue();
-		return Input;
-	}
-
-	FLodexPointerInput ToPointerInput(const FPointerEvent& Event)
-	{
-		FLodexPointerInput Input;
-		const FVector2D Position = Event.GetScreenSpacePosition();
-		Input.ScreenX = Position.X;
-		Input.ScreenY = Position.Y;
-		const FKey Button = Event.GetEffectingButton();
-		if (Button.IsValid())
-		{
-			Input.Button = LodexInterop::ToUtf8(Button.ToString());
-		}
-		return Input;
-	}
-
-	FLodexPointerInput ToWheelInput(const FPointerEvent& Event)
-	{
-		FLodexPointerInput Input = ToPointerInput(Event);
-		Input.WheelDelta = Event.GetWheelDelta();
-		return Input;
-	}
 }
 
 bool SaveRecordedScript(const FString& Path, const FString& Text, FText& OutError)

@@ -4,7 +4,7 @@
 #include "CoreMinimal.h"
 #include "Templates/UniquePtr.h"
 
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "LodexDebugger/Core/Recorder/LodexInputLog.h"
 #include "LodexDebugger/Core/Recorder/LodexInputRecorder.h"
 #include "LodexDebugger/Core/Recorder/LodexRecorderHost.h"
@@ -12,9 +12,6 @@
 #include <string>
 
 class FArchive;
-struct FAnalogInputEvent;
-struct FKeyEvent;
-struct FPointerEvent;
 
 /**
  * The editor as the recorder reads it: the play-in-editor viewport, GFrameNumber, the play world's delta time, the XR
@@ -65,16 +62,6 @@ private:
 	TUniquePtr<FArchive> Archive;
 	bool bFailed = false;
 };
-
-/** The conversions of the engine's input events into the recorder's. */
-namespace RecorderInterop
-{
-	FLodexKeyInput ToKeyInput(const FKeyEvent& Event);
-	FLodexKeyInput ToAnalogInput(const FAnalogInputEvent& Event);
-	FLodexPointerInput ToPointerInput(const FPointerEvent& Event);
-	FLodexPointerInput ToWheelInput(const FPointerEvent& Event);
-	FString FromUtf8(std::string_view Text);
-}
 
 /**
  * Saves the script as UTF-8 without a byte-order mark: first to a file beside Path, then renamed over Path, so that a

@@ -8,6 +8,8 @@
 class RecorderTool : public ExampleTabToolBase
 {
 public:
+	using ExampleTabToolBase::ExampleTabToolBase;
+
 	virtual ~RecorderTool() override = default;
 
 	//~ Begin ExampleTabToolBase Interface

@@ -18,7 +18,7 @@
 #include "Widgets/Text/SMultiLineEditableText.h"
 #include "Widgets/Text/STextBlock.h"
 
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "RecorderInputProcessor.h"
 #include "VELTStyle.h"
 
@@ -170,7 +170,7 @@ void RecorderToolPanel::Tick(const FGeometry& AllottedGeometry, const double InC
 	if (ShownRefreshCount != Model.GetRefreshCount())
 	{
 		ShownRefreshCount = Model.GetRefreshCount();
-		OutputText->SetText(FText::FromString(RecorderInterop::FromUtf8(Model.GetOutputText())));
+		OutputText->SetText(FText::FromString(LodexInterop::FromUtf8(Model.GetOutputText())));
 		ScrollBox->ScrollToEnd();
 	}
 }
@@ -266,7 +266,7 @@ FReply RecorderToolPanel::HandleDownloadClicked()
 	const FString Shown = OutputText.IsValid() ? OutputText->GetText().ToString() : FString();
 	const std::string Text = FLodexRecorderPanel::MakeDownloadText(LodexInterop::ToUtf8(Shown));
 	FText Error;
-	if (SaveRecordedScript(Files[0], RecorderInterop::FromUtf8(Text), Error))
+	if (SaveRecordedScript(Files[0], LodexInterop::FromUtf8(Text), Error))
 	{
 		Notify(FText::Format(LOCTEXT("Saved", "Recorded input saved to {0}"), FText::FromString(Files[0])), true);
 	}

@@ -8,6 +8,8 @@
 class TabTool : public ExampleTabToolBase
 {
 public:
+	using ExampleTabToolBase::ExampleTabToolBase;
+
 	virtual ~TabTool() override = default;
 
 	//~ Begin ExampleTabToolBase Interface

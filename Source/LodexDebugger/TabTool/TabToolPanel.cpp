@@ -2,7 +2,7 @@
 #include "TabToolPanel.h"
 
 #include "EditorStyleSet.h"
-#include "LodexInterop.h"
+#include "LodexDebugger/Interop/LodexInterop.h"
 #include "VELTStyle.h"
 #include "Widgets/Images/SImage.h"
 #include "Widgets/Input/SButton.h"

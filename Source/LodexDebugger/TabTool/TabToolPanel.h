@@ -7,7 +7,7 @@
 #include "Widgets/Views/SListView.h"
 
 #include "LodexDebugger/Core/Evaluation/LodexDebuggerPanel.h"
-#include "LodexEvaluatorHost.h"
+#include "LodexDebugger/Interop/LodexEvaluatorHost.h"
 
 class ExampleTabToolBase;
 class ITableRow;

@@ -26,7 +26,7 @@
 #include "LodexDebugger/RecorderTool/RecorderToolPanel.h"
 #include "LodexDebugger/TabTool/TabToolPanel.h"
 #include "LodexDebuggerCommands.h"
-#include "LodexUnrealCLR.h"
+#include "LodexDebugger/Interop/LodexUnrealCLR.h"
 #include "Modules/ModuleManager.h"
 #include "Styling/SlateStyleRegistry.h"
 #include "Tests/AutomationEditorCommon.h"

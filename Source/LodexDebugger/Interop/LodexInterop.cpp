@@ -10,6 +10,7 @@
 #include "Editor.h"
 #include "Engine/World.h"
 #include "GameFramework/Actor.h"
+#include "Input/Events.h"
 #include "UObject/Class.h"
 #include "UObject/UnrealType.h"
 
@@ -31,6 +32,11 @@ namespace LodexInterop
 		Result.Reserve(static_cast<int32>(Text.size()));
 		LodexText::ForEachUtf16Unit(Text, [&Result](char16_t Unit) { Result.AppendChar(static_cast<TCHAR>(Unit)); });
 		return Result;
+	}
+
+	FString FromUtf8(std::string_view Text)
+	{
+		return FromUtf8(std::string(Text));
 	}
 
 	FString FromUtf8(const char* Text)
@@ -96,6 +102,41 @@ namespace LodexInterop
 				return EExtensionHook::First;
 		}
 		return EExtensionHook::Before;
+	}
+
+	FLodexKeyInput ToKeyInput(const FKeyEvent& Event)
+	{
+		FLodexKeyInput Input;
+		Input.Key = ToUtf8(Event.GetKey().GetFName().ToString());
+		return Input;
+	}
+
+	FLodexKeyInput ToAnalogInput(const FAnalogInputEvent& Event)
+	{
+		FLodexKeyInput Input = ToKeyInput(Event);
+		Input.AnalogValue = Event.GetAnalogValue();
+		return Input;
+	}
+
+	FLodexPointerInput ToPointerInput(const FPointerEvent& Event)
+	{
+		FLodexPointerInput Input;
+		const FVector2D Position = Event.GetScreenSpacePosition();
+		Input.ScreenX = Position.X;
+		Input.ScreenY = Position.Y;
+		const FKey Button = Event.GetEffectingButton();
+		if (Button.IsValid())
+		{
+			Input.Button = ToUtf8(Button.ToString());
+		}
+		return Input;
+	}
+
+	FLodexPointerInput ToWheelInput(const FPointerEvent& Event)
+	{
+		FLodexPointerInput Input = ToPointerInput(Event);
+		Input.WheelDelta = Event.GetWheelDelta();
+		return Input;
 	}
 }
 

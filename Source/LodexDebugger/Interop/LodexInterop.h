@@ -7,12 +7,17 @@
 
 #include "LodexDebugger/Core/Lodestring/Lodestring.h"
 #include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
+#include "LodexDebugger/Core/Recorder/LodexInputRecorder.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Shell/LodexStyle.h"
 
 #include <string>
+#include <string_view>
 
 class UObject;
+struct FAnalogInputEvent;
+struct FKeyEvent;
+struct FPointerEvent;
 
 /** The conversions between the engine's types and the core's: UTF-8 text and object handles. */
 namespace LodexInterop
@@ -22,6 +27,7 @@ namespace LodexInterop
 
 	/** The UTF-8 text as an engine string. */
 	FString FromUtf8(const std::string& Text);
+	FString FromUtf8(std::string_view Text);
 	FString FromUtf8(const char* Text);
 
 	/** A display text made from the UTF-8 string as it stands (not localised). */
@@ -42,6 +48,12 @@ namespace LodexInterop
 	FVector2D ToVector2D(const FLodexVector2& Vector);
 
 	EExtensionHook::Position ToExtensionHookPosition(ELodexExtensionPosition Position);
+
+	/** The engine's input events as the recorder reads them: the key's name, the pointer, the button, the wheel. */
+	FLodexKeyInput ToKeyInput(const FKeyEvent& Event);
+	FLodexKeyInput ToAnalogInput(const FAnalogInputEvent& Event);
+	FLodexPointerInput ToPointerInput(const FPointerEvent& Event);
+	FLodexPointerInput ToWheelInput(const FPointerEvent& Event);
 }
 
 /** The core's object-graph view answered by the engine's reflected objects. */
