@@ -126,6 +126,20 @@ private:
 		bool bFlushing = false;
 	};
 
+	/** What the steps of one tick hand on to the next: what the tick found, wrote and took from the array. */
+	struct FTickProgress
+	{
+		/** How many records waited when the tick began. */
+		std::size_t StartCount = 0;
+		/** The age threshold's R: 20 frames, 5 in VR mode. */
+		double R = 0.0;
+		/** The kind number of the last line written, or none. */
+		int LastKind = 0;
+		/** Whether a record was taken from the array, and the frame of the last one taken. */
+		bool bTookAny = false;
+		std::uint32_t LastTakenFrame = 0;
+	};
+
 	/** A pointer event as its handler works with it. */
 	struct FPointerEvent
 	{
@@ -156,7 +170,15 @@ private:
 	/** Open move and drag records leave the gesture map for the record array, oldest first. */
 	void CloseOpenMoves();
 
+	/** One tick: the VR pass, the walk, the end of a burst, the wait; in that order. */
 	void RunTick(const FTickContext& Context);
+	void RunVRPass(const FTickContext& Context, FTickProgress& Progress);
+	void WalkRecords(const FTickContext& Context, FTickProgress& Progress);
+	void WriteAgedRecord(const FLodexEventRecord& Record, const FTickContext& Context, FTickProgress& Progress);
+	void WriteEndOfBurst(const FTickContext& Context, const FTickProgress& Progress);
+	void WriteWait(const FTickContext& Context, const FTickProgress& Progress);
+	/** Takes the front record out of the array, noting its frame. */
+	void TakeFront(FTickProgress& Progress);
 	void WriteKeyRecord(const FLodexEventRecord& Record, const FTickContext& Context);
 	void WriteVRPoses();
 	void AddLine(const std::string& Line);

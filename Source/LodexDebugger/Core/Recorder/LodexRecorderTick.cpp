@@ -109,44 +109,52 @@ void FLodexInputRecorder::WriteVRPoses()
 
 void FLodexInputRecorder::RunTick(const FTickContext& Context)
 {
-	using namespace LodexScriptLines;
-	const std::size_t StartCount = Records.Num();
-	double R = LodexRecorderR;
-	int LastKind = LodexNoLine;
-	bool bRemovedAny = false;
-	std::uint32_t LastRemovedFrame = 0;
-	auto RemoveFront = [&]()
-	{
-		LastRemovedFrame = Records.Front().Frame;
-		bRemovedAny = true;
-		Records.RemoveFront();
-	};
-	const EDurationForm Form = Panel.IsUsingFps() ? EDurationForm::Fps : EDurationForm::Frames;
-
-	// 1. The VR pass: the device, the key presses waiting at the front, the poses that moved.
+	FTickProgress Progress;
+	Progress.StartCount = Records.Num();
+	Progress.R = LodexRecorderR;
+	Progress.LastKind = LodexNoLine;
 	if (Context.bVR)
 	{
-		if (!Context.bFlushing && !Panel.IsDeviceAnnounced())
-		{
-			AddLine(MakeCreateInputDeviceLine(Host.GetTrackingSystemName()));
-			Panel.SetDeviceAnnounced();
-		}
-		while (!Records.IsEmpty() &&
-			(Records.Front().Kind == ELodexEventKind::KeyDown || Records.Front().Kind == ELodexEventKind::Analog))
-		{
-			const FLodexEventRecord Record = Records.Front();
-			WriteKeyRecord(Record, Context);
-			LastKind = LodexKindNumber(Record.Kind);
-			RemoveFront();
-		}
-		if (!Context.bFlushing)
-		{
-			WriteVRPoses();
-		}
-		R = LodexRecorderVRR;
+		RunVRPass(Context, Progress);
 	}
+	WalkRecords(Context, Progress);
+	WriteEndOfBurst(Context, Progress);
+	WriteWait(Context, Progress);
+}
 
-	// 2. The walk, in array order, until a record that must wait.
+void FLodexInputRecorder::TakeFront(FTickProgress& Progress)
+{
+	Progress.LastTakenFrame = Records.Front().Frame;
+	Progress.bTookAny = true;
+	Records.RemoveFront();
+}
+
+void FLodexInputRecorder::RunVRPass(const FTickContext& Context, FTickProgress& Progress)
+{
+	// The device, the key presses waiting at the front, the poses that moved.
+	if (!Context.bFlushing && !Panel.IsDeviceAnnounced())
+	{
+		AddLine(LodexScriptLines::MakeCreateInputDeviceLine(Host.GetTrackingSystemName()));
+		Panel.SetDeviceAnnounced();
+	}
+	while (!Records.IsEmpty() &&
+		(Records.Front().Kind == ELodexEventKind::KeyDown || Records.Front().Kind == ELodexEventKind::Analog))
+	{
+		const FLodexEventRecord Record = Records.Front();
+		WriteKeyRecord(Record, Context);
+		Progress.LastKind = LodexKindNumber(Record.Kind);
+		TakeFront(Progress);
+	}
+	if (!Context.bFlushing)
+	{
+		WriteVRPoses();
+	}
+	Progress.R = LodexRecorderVRR;
+}
+
+void FLodexInputRecorder::WalkRecords(const FTickContext& Context, FTickProgress& Progress)
+{
+	// In array order, until a record that must wait.
 	while (!Records.IsEmpty())
 	{
 		const FLodexEventRecord Record = Records.Front();
@@ -154,7 +162,7 @@ void FLodexInputRecorder::RunTick(const FTickContext& Context)
 		const bool bOutside = IsOutside(Record.X, Record.Y, Context.Viewport);
 		if ((Kind == ELodexEventKind::ButtonDown || Kind == ELodexEventKind::DoubleClick) && bOutside)
 		{
-			RemoveFront();
+			TakeFront(Progress);
 			continue;
 		}
 		if ((Kind == ELodexEventKind::Move || Kind == ELodexEventKind::Drag) && bOutside)
@@ -163,92 +171,109 @@ void FLodexInputRecorder::RunTick(const FTickContext& Context)
 			{
 				break;
 			}
-			RemoveFront();
+			TakeFront(Progress);
 			continue;
 		}
 		const std::int64_t Age = Context.Frame - static_cast<std::int64_t>(Record.EndFrame);
-		const std::int64_t Frames =
-			static_cast<std::int64_t>(Record.EndFrame) - static_cast<std::int64_t>(Record.Frame);
 		if (Kind == ELodexEventKind::DoubleClick)
 		{
 			if (Age < 0)
 			{
 				break;
 			}
-			AddLine(MakeDoubleClickLine(Record.Code, Record.X, Record.Y, Frames));
-			LastKind = LodexKindNumber(Kind);
-			RemoveFront();
+			const std::int64_t Frames =
+				static_cast<std::int64_t>(Record.EndFrame) - static_cast<std::int64_t>(Record.Frame);
+			AddLine(LodexScriptLines::MakeDoubleClickLine(Record.Code, Record.X, Record.Y, Frames));
+			Progress.LastKind = LodexKindNumber(Kind);
+			TakeFront(Progress);
 			continue;
 		}
-		if (!IsAged(Age, R))
+		if (!IsAged(Age, Progress.R))
 		{
 			break;
 		}
-		const FDuration Duration = MakeDuration(Frames, Context.DeltaSeconds);
-		switch (Kind)
-		{
-			case ELodexEventKind::ButtonDown:
-			{
-				const double Dx = static_cast<double>(Record.EndX) - static_cast<double>(Record.X);
-				const double Dy = static_cast<double>(Record.EndY) - static_cast<double>(Record.Y);
-				const double Distance = std::sqrt(Dx * Dx + Dy * Dy);
-				if (R <= Distance)
-				{
-					AddLine(MakeDragLine(Record.Code, Record.EndX, Record.EndY, Record.X, Record.Y, Form, Duration));
-					LastKind = LodexKindNumber(ELodexEventKind::Drag);
-				}
-				else
-				{
-					AddLine(MakeClickLine(Record.Code, Record.X, Record.Y, Form, Duration));
-					LastKind = LodexKindNumber(Kind);
-				}
-				break;
-			}
-			case ELodexEventKind::Wheel:
-				AddLine(MakeLodexScrollLine(Record));
-				LastKind = LodexKindNumber(Kind);
-				break;
-			case ELodexEventKind::Move:
-			case ELodexEventKind::Drag:
-				AddLine(MakeMoveLine(Record.EndX, Record.EndY, Record.X, Record.Y, Form, Duration));
-				LastKind = LodexKindNumber(Kind);
-				break;
-			case ELodexEventKind::KeyDown:
-			case ELodexEventKind::Analog:
-				WriteKeyRecord(Record, Context);
-				LastKind = LodexKindNumber(Kind);
-				break;
-			case ELodexEventKind::DoubleClick:
-				break;
-		}
-		RemoveFront();
+		WriteAgedRecord(Record, Context, Progress);
+		TakeFront(Progress);
 	}
+}
 
-	// 3. End of a burst: the array held records and is now empty.
+void FLodexInputRecorder::WriteAgedRecord(
+	const FLodexEventRecord& Record, const FTickContext& Context, FTickProgress& Progress)
+{
+	using namespace LodexScriptLines;
+	const EDurationForm Form = Panel.IsUsingFps() ? EDurationForm::Fps : EDurationForm::Frames;
+	const std::int64_t Frames = static_cast<std::int64_t>(Record.EndFrame) - static_cast<std::int64_t>(Record.Frame);
+	const FDuration Duration = MakeDuration(Frames, Context.DeltaSeconds);
+	switch (Record.Kind)
+	{
+		case ELodexEventKind::ButtonDown:
+		{
+			const double Dx = static_cast<double>(Record.EndX) - static_cast<double>(Record.X);
+			const double Dy = static_cast<double>(Record.EndY) - static_cast<double>(Record.Y);
+			const double Distance = std::sqrt(Dx * Dx + Dy * Dy);
+			if (Progress.R <= Distance)
+			{
+				AddLine(MakeDragLine(Record.Code, Record.EndX, Record.EndY, Record.X, Record.Y, Form, Duration));
+				Progress.LastKind = LodexKindNumber(ELodexEventKind::Drag);
+			}
+			else
+			{
+				AddLine(MakeClickLine(Record.Code, Record.X, Record.Y, Form, Duration));
+				Progress.LastKind = LodexKindNumber(Record.Kind);
+			}
+			break;
+		}
+		case ELodexEventKind::Wheel:
+			AddLine(MakeLodexScrollLine(Record));
+			Progress.LastKind = LodexKindNumber(Record.Kind);
+			break;
+		case ELodexEventKind::Move:
+		case ELodexEventKind::Drag:
+			AddLine(MakeMoveLine(Record.EndX, Record.EndY, Record.X, Record.Y, Form, Duration));
+			Progress.LastKind = LodexKindNumber(Record.Kind);
+			break;
+		case ELodexEventKind::KeyDown:
+		case ELodexEventKind::Analog:
+			WriteKeyRecord(Record, Context);
+			Progress.LastKind = LodexKindNumber(Record.Kind);
+			break;
+		case ELodexEventKind::DoubleClick:
+			break;
+	}
+}
+
+void FLodexInputRecorder::WriteEndOfBurst(const FTickContext& Context, const FTickProgress& Progress)
+{
+	// The array held records and is now empty.
+	const int LastKind = Progress.LastKind;
 	const bool bContinuousLast = LastKind == LodexKindNumber(ELodexEventKind::Analog) ||
 		LastKind == LodexKindNumber(ELodexEventKind::Move) || LastKind == LodexKindNumber(ELodexEventKind::Drag) ||
 		LastKind == LodexKindNumber(ELodexEventKind::Wheel);
-	if (StartCount > 0 && Records.IsEmpty() && !bContinuousLast && !Context.bVR)
+	if (Progress.StartCount > 0 && Records.IsEmpty() && !bContinuousLast && !Context.bVR)
 	{
-		AddLine(MakeWaitForEmptyInputLine());
+		AddLine(LodexScriptLines::MakeWaitForEmptyInputLine());
 	}
+}
 
-	// 4. Wait: the smallest gap from the last record taken to the records still waiting.
-	if (bRemovedAny && Records.Num() < StartCount)
+void FLodexInputRecorder::WriteWait(const FTickContext& Context, const FTickProgress& Progress)
+{
+	// The smallest gap from the last record taken to the records still waiting.
+	if (!Progress.bTookAny || Records.Num() >= Progress.StartCount)
 	{
-		std::int64_t Gap = LodexNoGap;
-		for (std::size_t Index = 0; Index < Records.Num(); ++Index)
-		{
-			Gap = std::min(Gap, static_cast<std::int64_t>(Records[Index].Frame) - LastRemovedFrame);
-		}
-		const bool bNoWaitAfter =
-			LastKind == LodexKindNumber(ELodexEventKind::Analog) || LastKind == LodexKindNumber(ELodexEventKind::Wheel);
-		if (Gap != LodexNoGap && Gap >= 0 && !bNoWaitAfter && !Context.bVR)
-		{
-			// Frames times the 32-bit delta time, then times 1000.0 in double precision, truncated.
-			const float GapSeconds = static_cast<float>(Gap) * Context.DeltaSeconds;
-			AddLine(MakeWaitLine(LodexTruncateToUint32(static_cast<double>(GapSeconds) * 1000.0)));
-		}
+		return;
+	}
+	std::int64_t Gap = LodexNoGap;
+	for (std::size_t Index = 0; Index < Records.Num(); ++Index)
+	{
+		Gap = std::min(Gap, static_cast<std::int64_t>(Records[Index].Frame) - Progress.LastTakenFrame);
+	}
+	const bool bNoWaitAfter = Progress.LastKind == LodexKindNumber(ELodexEventKind::Analog) ||
+		Progress.LastKind == LodexKindNumber(ELodexEventKind::Wheel);
+	if (Gap != LodexNoGap && Gap >= 0 && !bNoWaitAfter && !Context.bVR)
+	{
+		// Frames times the 32-bit delta time, then times 1000.0 in double precision, truncated.
+		const float GapSeconds = static_cast<float>(Gap) * Context.DeltaSeconds;
+		AddLine(LodexScriptLines::MakeWaitLine(LodexTruncateToUint32(static_cast<double>(GapSeconds) * 1000.0)));
 	}
 }
 
