@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 #pragma once
 
-// The evaluator's working parts, shared by the evaluation (LodestringSteps.cpp) and the step-by-step trace
+// The evaluator's working parts, shared by the evaluation (LodestringEvaluator.cpp) and the step-by-step trace
 // (LodestringTrace.cpp): a step's selection over the scene index, predicates, and the sets at each step boundary.
 // Nothing else includes it.
 

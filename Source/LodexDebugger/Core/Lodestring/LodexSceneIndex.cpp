@@ -203,57 +203,84 @@ std::uint32_t FLodexSceneIndex::FTextTable::Find(std::string_view Text) const
 	}
 }
 
-FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILodexSceneObjects& SceneObjects)
-	: Graph(&InGraph)
+struct FLodexSceneIndex::FRawScene
 {
-	using namespace LodexSceneIndexPrivate;
+	std::vector<FLodexObject> Objects;
+	std::vector<std::uint8_t> IsNode;
+	std::vector<std::uint32_t> Parents;
+	std::vector<std::uint32_t> NameIds;
+	std::vector<std::uint32_t> TagOffsets{0};
+	std::vector<std::uint32_t> Tags;
+	/** The loop each object is a member of, or none; and how many loops there are. */
+	std::vector<std::uint32_t> Cycles;
+	std::uint32_t CycleCount = 0;
+	/** Document order: the raw index at each position, each raw index's position, the end of its subtree. */
+	std::vector<std::uint32_t> Order;
+	std::vector<std::uint32_t> PreOf;
+	std::vector<std::uint32_t> Ends;
 
-	// 1. The objects that take a step, in the scene's order; objects reached only by a walk come after.
-	std::vector<FLodexObject> Listed;
-	SceneObjects.GetAllObjects(Listed);
-	ListedIndexOfObject.Reserve(Listed.size());
+	std::uint32_t Count() const { return static_cast<std::uint32_t>(Objects.size()); }
 
-	std::vector<FLodexObject> RawObjects;
-	std::vector<std::uint8_t> RawIsNode;
-	RawObjects.reserve(Listed.size());
-	RawIsNode.reserve(Listed.size());
-	auto AddRaw = [&](FLodexObject Object, ELodexObjectKind Kind)
+	/** Lists an object that takes a step, once. */
+	void Add(FPointerTable& IndexOfObject, FLodexObject Object, ELodexObjectKind Kind)
 	{
-		const std::uint32_t Index = static_cast<std::uint32_t>(RawObjects.size());
-		if (ListedIndexOfObject.Insert(Object.Ptr, Index) != Index)
+		const std::uint32_t Index = Count();
+		if (IndexOfObject.Insert(Object.Ptr, Index) != Index)
 		{
 			return;
 		}
-		RawObjects.push_back(Object);
-		RawIsNode.push_back(Kind == ELodexObjectKind::Component ? 0 : 1);
-	};
+		Objects.push_back(Object);
+		IsNode.push_back(Kind == ELodexObjectKind::Component ? 0 : 1);
+	}
+};
+
+FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILodexSceneObjects& SceneObjects)
+	: Graph(&InGraph)
+{
+	FRawScene Raw;
+	ListSteppingObjects(SceneObjects, Raw);
+	ReadParentsNamesAndTags(Raw);
+	FindLoops(Raw);
+	OrderByDocument(Raw);
+	StoreInDocumentOrder(Raw);
+	GroupForLookups(Raw.CycleCount);
+}
+
+void FLodexSceneIndex::ListSteppingObjects(const ILodexSceneObjects& SceneObjects, FRawScene& Raw)
+{
+	// The objects that take a step, in the scene's order; objects reached only by a walk come after.
+	std::vector<FLodexObject> Listed;
+	SceneObjects.GetAllObjects(Listed);
+	ListedIndexOfObject.Reserve(Listed.size());
+	Raw.Objects.reserve(Listed.size());
+	Raw.IsNode.reserve(Listed.size());
 	for (const FLodexObject Object : Listed)
 	{
 		if (!Object)
 		{
 			continue;
 		}
-		const ELodexObjectKind Kind = ClassifyLodexObject(InGraph, Object);
+		const ELodexObjectKind Kind = ClassifyLodexObject(*Graph, Object);
 		if (Kind != ELodexObjectKind::Other)
 		{
-			AddRaw(Object, Kind);
+			Raw.Add(ListedIndexOfObject, Object, Kind);
 		}
 	}
-	Listed = std::vector<FLodexObject>();
+}
 
-	// 2. Parents, names and tags. The list grows while it is read when a walk meets an unlisted object.
-	std::vector<std::uint32_t> RawParents;
-	std::vector<std::uint32_t> RawNameIds;
-	std::vector<std::uint32_t> RawTagOffsets{0};
-	std::vector<std::uint32_t> RawTags;
-	RawParents.reserve(RawObjects.size());
-	RawNameIds.reserve(RawObjects.size());
-	RawTagOffsets.reserve(RawObjects.size() + 1);
-	NameTexts.Reserve(RawObjects.size());
+void FLodexSceneIndex::ReadParentsNamesAndTags(FRawScene& Raw)
+{
+	using namespace LodexSceneIndexPrivate;
+	// The list grows while it is read when a walk meets an unlisted object.
+	const ILodexObjectGraph& InGraph = *Graph;
+	Raw.Parents.reserve(Raw.Objects.size());
+	Raw.NameIds.reserve(Raw.Objects.size());
+	Raw.TagOffsets.reserve(Raw.Objects.size() + 1);
+	NameTexts.Reserve(Raw.Objects.size());
 	std::vector<std::string> TagTextsOfObject;
-	for (std::size_t Raw = 0; Raw < RawObjects.size(); ++Raw)
+	for (std::size_t Index = 0; Index < Raw.Objects.size(); ++Index)
 	{
-		const FLodexObject Object = RawObjects[Raw];
+		const FLodexObject Object = Raw.Objects[Index];
 
 		// The first object above that takes a step; objects of other kinds are passed through, and a
 		// loop among them (Brent's detection) ends the walk.
@@ -273,8 +300,8 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 			const ELodexObjectKind Kind = ClassifyLodexObject(InGraph, Current);
 			if (Kind != ELodexObjectKind::Other)
 			{
-				Parent = static_cast<std::uint32_t>(RawObjects.size());
-				AddRaw(Current, Kind);
+				Parent = Raw.Count();
+				Raw.Add(ListedIndexOfObject, Current, Kind);
 				break;
 			}
 			Current = GetLodestringParent(InGraph, Current);
@@ -289,111 +316,117 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 				Lambda = 0;
 			}
 		}
-		RawParents.push_back(Parent);
-		RawNameIds.push_back(NameTexts.Intern(InGraph.GetName(Object)));
+		Raw.Parents.push_back(Parent);
+		Raw.NameIds.push_back(NameTexts.Intern(InGraph.GetName(Object)));
 
-		if (RawIsNode[Raw] != 0)
+		if (Raw.IsNode[Index] != 0)
 		{
 			TagTextsOfObject.clear();
 			if (InGraph.GetTags(Object, TagTextsOfObject))
 			{
-				const std::size_t First = RawTags.size();
+				const std::size_t First = Raw.Tags.size();
 				for (std::string& Tag : TagTextsOfObject)
 				{
 					const std::uint32_t TagId = TagTexts.Intern(std::move(Tag));
-					if (std::find(RawTags.begin() + static_cast<std::ptrdiff_t>(First), RawTags.end(), TagId) ==
-						RawTags.end())
+					if (std::find(Raw.Tags.begin() + static_cast<std::ptrdiff_t>(First), Raw.Tags.end(), TagId) ==
+						Raw.Tags.end())
 					{
-						RawTags.push_back(TagId);
+						Raw.Tags.push_back(TagId);
 					}
 				}
 			}
 		}
-		RawTagOffsets.push_back(static_cast<std::uint32_t>(RawTags.size()));
+		Raw.TagOffsets.push_back(static_cast<std::uint32_t>(Raw.Tags.size()));
 	}
-	const std::uint32_t Count = static_cast<std::uint32_t>(RawObjects.size());
+}
 
-	// 3. Loops of a malformed graph: each walk is stamped with where it began; meeting the own stamp again
-	// closes a loop.
-	std::vector<std::uint32_t> RawCycles(Count, NoIndex);
-	std::uint32_t CycleCount = 0;
+void FLodexSceneIndex::FindLoops(FRawScene& Raw)
+{
+	using namespace LodexSceneIndexPrivate;
+	// Loops of a malformed graph: each walk is stamped with where it began; meeting the own stamp again closes a loop.
+	const std::uint32_t Count = Raw.Count();
+	Raw.Cycles.assign(Count, NoIndex);
+	std::vector<std::uint32_t> Stamps(Count, NoIndex);
+	for (std::uint32_t Start = 0; Start < Count; ++Start)
 	{
-		std::vector<std::uint32_t> Stamps(Count, NoIndex);
-		for (std::uint32_t Start = 0; Start < Count; ++Start)
+		std::uint32_t At = Start;
+		while (At != NoIndex && Stamps[At] == NoIndex)
 		{
-			std::uint32_t At = Start;
-			while (At != NoIndex && Stamps[At] == NoIndex)
+			Stamps[At] = Start;
+			At = Raw.Parents[At];
+		}
+		if (At != NoIndex && Stamps[At] == Start)
+		{
+			std::uint32_t Member = At;
+			do
 			{
-				Stamps[At] = Start;
-				At = RawParents[At];
+				Raw.Cycles[Member] = Raw.CycleCount;
+				Member = Raw.Parents[Member];
+			} while (Member != At);
+			++Raw.CycleCount;
+		}
+	}
+}
+
+void FLodexSceneIndex::OrderByDocument(FRawScene& Raw)
+{
+	using namespace LodexSceneIndexPrivate;
+	// A depth-first walk of the forest in which every loop is cut at its members.
+	const std::uint32_t Count = Raw.Count();
+	std::vector<std::uint32_t> CutParents(Raw.Parents);
+	for (std::uint32_t Index = 0; Index < Count; ++Index)
+	{
+		if (Raw.Cycles[Index] != NoIndex)
+		{
+			CutParents[Index] = NoIndex;
+		}
+	}
+	std::vector<std::uint32_t> ChildOffsets;
+	std::vector<std::uint32_t> Children;
+	GroupItemsByKey(Count, CutParents, ChildOffsets, Children);
+
+	Raw.PreOf.assign(Count, NoIndex);
+	Raw.Ends.assign(Count, 0);
+	Raw.Order.reserve(Count);
+	struct FFrame
+	{
+		std::uint32_t Index;
+		std::uint32_t NextChild;
+	};
+	std::vector<FFrame> Stack;
+	for (std::uint32_t Root = 0; Root < Count; ++Root)
+	{
+		if (CutParents[Root] != NoIndex)
+		{
+			continue;
+		}
+		Raw.PreOf[Root] = static_cast<std::uint32_t>(Raw.Order.size());
+		Raw.Order.push_back(Root);
+		Stack.push_back({Root, ChildOffsets[Root]});
+		while (!Stack.empty())
+		{
+			FFrame& Top = Stack.back();
+			if (Top.NextChild < ChildOffsets[Top.Index + 1])
+			{
+				const std::uint32_t Child = Children[Top.NextChild++];
+				Raw.PreOf[Child] = static_cast<std::uint32_t>(Raw.Order.size());
+				Raw.Order.push_back(Child);
+				Stack.push_back({Child, ChildOffsets[Child]});
 			}
-			if (At != NoIndex && Stamps[At] == Start)
+			else
 			{
-				std::uint32_t Member = At;
-				do
-				{
-					RawCycles[Member] = CycleCount;
-					Member = RawParents[Member];
-				} while (Member != At);
-				++CycleCount;
+				Raw.Ends[Top.Index] = static_cast<std::uint32_t>(Raw.Order.size());
+				Stack.pop_back();
 			}
 		}
 	}
+}
 
-	// 4. Document order: a depth-first walk of the forest in which every loop is cut at its members.
-	std::vector<std::uint32_t> CutParents(RawParents);
-	for (std::uint32_t Raw = 0; Raw < Count; ++Raw)
-	{
-		if (RawCycles[Raw] != NoIndex)
-		{
-			CutParents[Raw] = NoIndex;
-		}
-	}
-	std::vector<std::uint32_t> RawChildOffsets;
-	std::vector<std::uint32_t> RawChildren;
-	GroupItemsByKey(Count, CutParents, RawChildOffsets, RawChildren);
-
-	std::vector<std::uint32_t> Order;
-	std::vector<std::uint32_t> PreOf(Count, NoIndex);
-	std::vector<std::uint32_t> RawEnds(Count, 0);
-	Order.reserve(Count);
-	{
-		struct FFrame
-		{
-			std::uint32_t Raw;
-			std::uint32_t NextChild;
-		};
-		std::vector<FFrame> Stack;
-		for (std::uint32_t Root = 0; Root < Count; ++Root)
-		{
-			if (CutParents[Root] != NoIndex)
-			{
-				continue;
-			}
-			PreOf[Root] = static_cast<std::uint32_t>(Order.size());
-			Order.push_back(Root);
-			Stack.push_back({Root, RawChildOffsets[Root]});
-			while (!Stack.empty())
-			{
-				FFrame& Top = Stack.back();
-				if (Top.NextChild < RawChildOffsets[Top.Raw + 1])
-				{
-					const std::uint32_t Child = RawChildren[Top.NextChild++];
-					PreOf[Child] = static_cast<std::uint32_t>(Order.size());
-					Order.push_back(Child);
-					Stack.push_back({Child, RawChildOffsets[Child]});
-				}
-				else
-				{
-					RawEnds[Top.Raw] = static_cast<std::uint32_t>(Order.size());
-					Stack.pop_back();
-				}
-			}
-		}
-	}
-
-	// 5. Everything again in document order.
-	DocumentIndexOfListed = PreOf;
+void FLodexSceneIndex::StoreInDocumentOrder(const FRawScene& Raw)
+{
+	using namespace LodexSceneIndexPrivate;
+	const std::uint32_t Count = Raw.Count();
+	DocumentIndexOfListed = Raw.PreOf;
 	Objects.resize(Count);
 	bIsNode.resize(Count);
 	Parents.resize(Count);
@@ -401,20 +434,25 @@ FLodexSceneIndex::FLodexSceneIndex(const ILodexObjectGraph& InGraph, const ILode
 	Cycles.resize(Count);
 	NameIds.resize(Count);
 	TagOffsets.assign(static_cast<std::size_t>(Count) + 1, 0);
-	Tags.reserve(RawTags.size());
+	Tags.reserve(Raw.Tags.size());
 	for (std::uint32_t Pre = 0; Pre < Count; ++Pre)
 	{
-		const std::uint32_t Raw = Order[Pre];
-		Objects[Pre] = RawObjects[Raw];
-		bIsNode[Pre] = RawIsNode[Raw];
-		Parents[Pre] = RawParents[Raw] == NoIndex ? NoIndex : PreOf[RawParents[Raw]];
-		SubtreeEnds[Pre] = RawEnds[Raw];
-		Cycles[Pre] = RawCycles[Raw];
-		NameIds[Pre] = RawNameIds[Raw];
-		Tags.insert(Tags.end(), RawTags.begin() + RawTagOffsets[Raw], RawTags.begin() + RawTagOffsets[Raw + 1]);
+		const std::uint32_t Index = Raw.Order[Pre];
+		Objects[Pre] = Raw.Objects[Index];
+		bIsNode[Pre] = Raw.IsNode[Index];
+		Parents[Pre] = Raw.Parents[Index] == NoIndex ? NoIndex : Raw.PreOf[Raw.Parents[Index]];
+		SubtreeEnds[Pre] = Raw.Ends[Index];
+		Cycles[Pre] = Raw.Cycles[Index];
+		NameIds[Pre] = Raw.NameIds[Index];
+		Tags.insert(Tags.end(), Raw.Tags.begin() + Raw.TagOffsets[Index], Raw.Tags.begin() + Raw.TagOffsets[Index + 1]);
 		TagOffsets[Pre + 1] = static_cast<std::uint32_t>(Tags.size());
 	}
+}
 
+void FLodexSceneIndex::GroupForLookups(std::uint32_t CycleCount)
+{
+	using namespace LodexSceneIndexPrivate;
+	const std::uint32_t Count = static_cast<std::uint32_t>(Objects.size());
 	GroupItemsByKey(CycleCount, Cycles, CycleOffsets, CycleMembers);
 
 	std::vector<std::uint32_t> Keys(Count, NoIndex);

@@ -165,6 +165,17 @@ private:
 		std::deque<std::string> Texts;
 	};
 
+	/** The scene as the constructor first reads it, in listing order, before it is put in document order. */
+	struct FRawScene;
+
+	/** The steps of the constructor, in their order. */
+	void ListSteppingObjects(const ILodexSceneObjects& SceneObjects, FRawScene& Raw);
+	void ReadParentsNamesAndTags(FRawScene& Raw);
+	static void FindLoops(FRawScene& Raw);
+	static void OrderByDocument(FRawScene& Raw);
+	void StoreInDocumentOrder(const FRawScene& Raw);
+	void GroupForLookups(std::uint32_t CycleCount);
+
 	static FLodexIndexRange MakeRange(const std::vector<std::uint32_t>& Items);
 	static FLodexIndexRange MakeRange(
 		const std::vector<std::uint32_t>& Offsets, const std::vector<std::uint32_t>& Items, std::uint32_t Key);

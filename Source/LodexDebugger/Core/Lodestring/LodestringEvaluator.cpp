@@ -1,6 +1,6 @@
 // Copyright Lodex contributors.
-// The evaluation of a compiled Lodestring over a scene index, and how its matches are shown (declared in
-// LodestringEvaluator.h).
+// The evaluation of a compiled Lodestring over a scene index, and how its matches are shown; the step-by-step trace
+// is in LodestringTrace.cpp.
 #include "LodestringEvaluator.h"
 #include "LodestringSteps.h"
 
