@@ -42,10 +42,17 @@ namespace
 bool LoadSceneFile(const FSceneFileOptions& Options, FSceneFile& Out, std::string& OutError)
 {
 	Out = FSceneFile();
+	// Only a regular file is looked into before it is read: a pipe is read once, and what is neither (a folder, a
+	// device, a terminal) is refused unread.
 	struct stat Named;
-	if (stat(Options.Path.c_str(), &Named) == 0 && S_ISFIFO(Named.st_mode))
+	const bool bNamed = stat(Options.Path.c_str(), &Named) == 0;
+	if (bNamed && S_ISFIFO(Named.st_mode))
 	{
 		return LoadScenePipe(Options, Out, OutError);
+	}
+	if (bNamed && !S_ISREG(Named.st_mode))
+	{
+		return FSceneSnapshot::LoadFile(Options.Path, Out.Scene, OutError);
 	}
 	if (!IsUnrealPackageFile(Options.Path))
 	{
