@@ -19,6 +19,12 @@ namespace
 		return (Char >= '0' && Char <= '9') || Char == '-' || Char == '.' || Char == '+' || Char == 'e' || Char == 'E';
 	}
 
+	/**
+	 * The levels whose members are kept: the root's, its values' (the modules) and theirs (a module's fields).
+	 * Deeper values are read and checked, and dropped, so that memory stays a small multiple of those levels.
+	 */
+	constexpr std::size_t KeptDepth = 3;
+
 	/** A recursive-descent reader over the text, stopping at the first fault. */
 	class FEngineJsonParser
 	{
@@ -138,7 +144,10 @@ namespace
 				{
 					return false;
 				}
-				Out.Members.push_back(std::move(Member));
+				if (Depth <= KeptDepth)
+				{
+					Out.Members.push_back(std::move(Member));
+				}
 				SkipBlanks();
 				if (At < Text.size() && Text[At] == ',')
 				{
@@ -172,7 +181,10 @@ namespace
 				{
 					return false;
 				}
-				Out.Members.push_back(std::move(Element));
+				if (Depth <= KeptDepth)
+				{
+					Out.Members.push_back(std::move(Element));
+				}
 				SkipBlanks();
 				if (At < Text.size() && Text[At] == ',')
 				{

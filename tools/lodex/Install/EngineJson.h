@@ -32,7 +32,10 @@ struct FEngineJsonValue
 	std::size_t End = 0;
 	/** A string's text, its escapes decoded (UTF-8). */
 	std::string Text;
-	/** An object's members in the order written, a key written twice included; a list's elements. */
+	/**
+	 * An object's members in the order written, a key written twice included; a list's elements. Kept for the
+	 * first three levels (the root, its values, and theirs); deeper values are checked and left empty.
+	 */
 	std::vector<FEngineJsonMember> Members;
 
 	/**
