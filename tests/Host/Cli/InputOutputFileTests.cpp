@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 // What the commands take as input and output files: regular files and pipes where documented, never a device to
 // read from or a node to rename over, and sizes within the stated limits.
+#include "ChildProcess.h"
 #include "Cli/WholeFile.h"
 #include "Host/Scenes/TestPackageWriter.h"
 #include "LodexRun.h"
@@ -249,6 +250,11 @@ namespace
 		const FLodexRun Recorded = RunLodex({"record", "--input", Log, "--out", Fifo});
 		EXPECT_EQ(Recorded.Exit, 1);
 		EXPECT_EQ(Recorded.Err, "lodex: " + Fifo + ": a FIFO that nobody reads from; nothing was written\n");
+
+		// Standard output, whatever it is (here a pipe), named as a file.
+		const FProcessRun ToStdout = ChildProcess::RunLodex({"record", "--input", Log, "--out", "/dev/stdout"});
+		EXPECT_EQ(ToStdout.Exit, 0) << ToStdout.Err;
+		EXPECT_EQ(ToStdout.Out, RunLodex({"record", "--input", Log}).Out);
 
 		struct stat After;
 		ASSERT_EQ(lstat(Fifo.c_str(), &After), 0);

@@ -105,6 +105,15 @@ bool FStagedFile::Stage(
 {
 	Discard();
 	Target = InTarget;
+	// A stream is found by the system's own lookup, which follows links that name no path (/dev/stdout leads to
+	// /proc/self/fd/1, and that to "pipe:[...]").
+	struct stat Followed;
+	if (Options.bFollowLinks && stat(Target.c_str(), &Followed) == 0 &&
+		(S_ISFIFO(Followed.st_mode) || S_ISCHR(Followed.st_mode)))
+	{
+		ResolvedTarget = Target;
+		return OpenStream(Text, OutError);
+	}
 	const fs::path Resolved = Options.bFollowLinks ? FollowLinks(Target) : fs::path(Target);
 	ResolvedTarget = Resolved.string();
 
