@@ -14,13 +14,17 @@
 #include <pthread.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <thread>
 #include <vector>
 #include <unistd.h>
 
 namespace
 {
+	namespace fs = std::filesystem;
+
 	const std::string Snapshot =
 		"{\"objects\": [{\"id\": \"door\", \"name\": \"Door\", \"kind\": \"actor\"}, {\"id\": \"lamp\", \"name\": "
 		"\"Lamp_2\", \"kind\": \"actor\"}]}";
@@ -251,16 +255,31 @@ namespace
 		EXPECT_EQ(Recorded.Exit, 1);
 		EXPECT_EQ(Recorded.Err, "lodex: " + Fifo + ": a FIFO that nobody reads from; nothing was written\n");
 
+		struct stat After;
 		// Standard output, whatever it is (here a pipe), named as a file.
 		const FProcessRun ToStdout = ChildProcess::RunLodex({"record", "--input", Log, "--out", "/dev/stdout"});
 		EXPECT_EQ(ToStdout.Exit, 0) << ToStdout.Err;
 		EXPECT_EQ(ToStdout.Out, RunLodex({"record", "--input", Log}).Out);
 
-		struct stat After;
 		ASSERT_EQ(lstat(Fifo.c_str(), &After), 0);
 		EXPECT_TRUE(S_ISFIFO(After.st_mode));
+		// A socket is no stream to write into, and nothing is renamed over it.
+		const std::string Socket = Dir.File("socket");
+		const int Listener = socket(AF_UNIX, SOCK_STREAM, 0);
+		sockaddr_un Address{};
+		Address.sun_family = AF_UNIX;
+		Socket.copy(Address.sun_path, sizeof(Address.sun_path) - 1);
+		ASSERT_EQ(bind(Listener, reinterpret_cast<const sockaddr*>(&Address), sizeof(Address)), 0);
+		const FLodexRun ToSocket = RunLodex({"record", "--input", Log, "--out", Socket});
+		close(Listener);
+		EXPECT_EQ(ToSocket.Exit, 1);
+		EXPECT_EQ(ToSocket.Err, "lodex: " + Socket + ": is a socket, not a file; nothing was written\n");
+		ASSERT_EQ(lstat(Socket.c_str(), &After), 0);
+		EXPECT_TRUE(S_ISSOCK(After.st_mode));
+		fs::remove(Socket);
+
 		std::vector<std::string> Left; // no staged copy beside it
-		for (const std::filesystem::directory_entry& Entry : std::filesystem::directory_iterator(Dir.Path))
+		for (const fs::directory_entry& Entry : fs::directory_iterator(Dir.Path))
 		{
 			Left.push_back(Entry.path().filename().string());
 		}
