@@ -76,6 +76,8 @@ FStagedFile::FStagedFile(FStagedFile&& Other) noexcept
 	: Target(std::move(Other.Target))
 	, ResolvedTarget(std::move(Other.ResolvedTarget))
 	, Temporary(std::exchange(Other.Temporary, std::string()))
+	, Stream(std::exchange(Other.Stream, -1))
+	, StreamText(std::move(Other.StreamText))
 {
 }
 
@@ -87,6 +89,8 @@ FStagedFile& FStagedFile::operator=(FStagedFile&& Other) noexcept
 		Target = std::move(Other.Target);
 		ResolvedTarget = std::move(Other.ResolvedTarget);
 		Temporary = std::exchange(Other.Temporary, std::string());
+		Stream = std::exchange(Other.Stream, -1);
+		StreamText = std::move(Other.StreamText);
 	}
 	return *this;
 }
@@ -101,6 +105,15 @@ bool FStagedFile::Stage(
 {
 	Discard();
 	Target = InTarget;
+	// A stream is found by the system's own lookup, which follows links that name no path (/dev/stdout leads to
+	// /proc/self/fd/1, and that to "pipe:[...]").
+	struct stat Followed;
+	if (Options.bFollowLinks && stat(Target.c_str(), &Followed) == 0 &&
+		(S_ISFIFO(Followed.st_mode) || S_ISCHR(Followed.st_mode)))
+	{
+		ResolvedTarget = Target;
+		return OpenStream(Text, OutError);
+	}
 	const fs::path Resolved = Options.bFollowLinks ? FollowLinks(Target) : fs::path(Target);
 	ResolvedTarget = Resolved.string();
 
@@ -109,6 +122,16 @@ bool FStagedFile::Stage(
 	if (bExists && S_ISDIR(Existing.st_mode))
 	{
 		OutError = Target + ": is a folder, not a file; nothing was written";
+		return false;
+	}
+	if (bExists && (S_ISFIFO(Existing.st_mode) || S_ISCHR(Existing.st_mode)))
+	{
+		return OpenStream(Text, OutError);
+	}
+	if (bExists && !S_ISREG(Existing.st_mode) && !S_ISLNK(Existing.st_mode))
+	{
+		OutError = Target + ": is " + (S_ISBLK(Existing.st_mode) ? "a block device" : "a socket") +
+			", not a file; nothing was written";
 		return false;
 	}
 	const bool bKeepMode = bExists && S_ISREG(Existing.st_mode);
@@ -154,11 +177,57 @@ bool FStagedFile::Stage(
 	return true;
 }
 
+bool FStagedFile::OpenStream(const std::string& Text, std::string& OutError)
+{
+	// Not waiting: a FIFO that nobody reads from would hold the command up for ever.
+	const int Handle = open(ResolvedTarget.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+	if (Handle < 0)
+	{
+		OutError = Target +
+			(errno == ENXIO ? std::string(": a FIFO that nobody reads from; nothing was written")
+							: ": cannot write the file (" + DescribeErrno(errno) + ")");
+		return false;
+	}
+	struct stat Opened;
+	const int Flags = fcntl(Handle, F_GETFL);
+	if (fstat(Handle, &Opened) != 0 || !(S_ISFIFO(Opened.st_mode) || S_ISCHR(Opened.st_mode)) || Flags < 0 ||
+		fcntl(Handle, F_SETFL, Flags & ~O_NONBLOCK) != 0)
+	{
+		close(Handle);
+		OutError = Target + ": changed while it was opened; nothing was written";
+		return false;
+	}
+	Stream = Handle;
+	StreamText = Text;
+	return true;
+}
+
 bool FStagedFile::Commit(std::string& OutError)
 {
+	if (Stream >= 0)
+	{
+		const bool bWritten = WriteAll(Stream, StreamText);
+		const int WriteError = errno;
+		close(Stream);
+		Stream = -1;
+		StreamText.clear();
+		if (!bWritten)
+		{
+			OutError = Target + ": cannot write the file (" + DescribeErrno(WriteError) + ")";
+			return false;
+		}
+		return true;
+	}
 	if (Temporary.empty())
 	{
 		OutError = Target + ": nothing staged";
+		return false;
+	}
+	struct stat Existing;
+	if (lstat(ResolvedTarget.c_str(), &Existing) == 0 && !S_ISREG(Existing.st_mode) && !S_ISLNK(Existing.st_mode))
+	{
+		// Something else took the target's place since it was staged: never renamed over.
+		OutError = Target + ": is no longer a regular file; nothing was written";
 		return false;
 	}
 	if (std::rename(Temporary.c_str(), ResolvedTarget.c_str()) != 0)
@@ -175,6 +244,12 @@ bool FStagedFile::Commit(std::string& OutError)
 
 void FStagedFile::Discard()
 {
+	if (Stream >= 0)
+	{
+		close(Stream);
+		Stream = -1;
+		StreamText.clear();
+	}
 	if (!Temporary.empty())
 	{
 		unlink(Temporary.c_str());

@@ -20,6 +20,11 @@ struct FAtomicFileOptions
  * renamed over the target: the target holds either its old bytes or all the new ones, even after a power loss.
  * An existing target keeps its permissions (and, when it can, its owner). Until Commit, nothing at the target
  * has changed; a staged file that is not committed is removed.
+ *
+ * A target that is a FIFO or a character device (`/dev/stdout`, `/dev/null`) is a stream: it is opened when the
+ * file is staged (a FIFO with no reader is refused then) and Commit writes the text into it; nothing is ever
+ * renamed over it. A block device or a socket is refused. Nothing is ever renamed over anything but a regular
+ * file (or, when links are not followed, a link).
  */
 class FStagedFile
 {
@@ -51,9 +56,14 @@ public:
 	const std::string& GetResolvedTarget() const { return ResolvedTarget; }
 
 private:
+	bool OpenStream(const std::string& Text, std::string& OutError);
+
 	std::string Target;
 	std::string ResolvedTarget;
 	std::string Temporary;
+	/** For a stream target: the open stream, and the text Commit writes into it. */
+	int Stream = -1;
+	std::string StreamText;
 };
 
 /** Stages and commits in one go. */

@@ -1,8 +1,6 @@
 // Copyright Lodex contributors.
 #include "DescriptorText.h"
 
-#include "Cli/JsonErrors.h"
-
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 #include "LodexDebugger/Core/Text/LodexText.h"
 
@@ -12,77 +10,13 @@
 
 namespace
 {
-	/** A walk over JSON text already known to be valid, keeping byte offsets. */
+	/** Where the text's lines begin and what indents them. */
 	class FJsonTextWalker
 	{
 	public:
 		explicit FJsonTextWalker(const std::string& InText)
 			: Text(InText)
 		{
-		}
-
-		std::size_t SkipBlanks(std::size_t At) const
-		{
-			while (At < Text.size() && (Text[At] == ' ' || Text[At] == '\t' || Text[At] == '\n' || Text[At] == '\r'))
-			{
-				++At;
-			}
-			return At;
-		}
-
-		/** The offset just past the value that starts at At. */
-		std::size_t SkipValue(std::size_t At) const
-		{
-			if (At >= Text.size())
-			{
-				return At;
-			}
-			if (Text[At] == '"')
-			{
-				return SkipString(At);
-			}
-			if (Text[At] == '{' || Text[At] == '[')
-			{
-				int Depth = 0;
-				while (At < Text.size())
-				{
-					const char Char = Text[At];
-					if (Char == '"')
-					{
-						At = SkipString(At);
-						continue;
-					}
-					Depth += (Char == '{' || Char == '[') ? 1 : (Char == '}' || Char == ']') ? -1 : 0;
-					++At;
-					if (Depth == 0)
-					{
-						break;
-					}
-				}
-				return At;
-			}
-			while (At < Text.size() && Text[At] != ',' && Text[At] != '}' && Text[At] != ']' && Text[At] != ' ' &&
-				Text[At] != '\t' && Text[At] != '\n' && Text[At] != '\r')
-			{
-				++At;
-			}
-			return At;
-		}
-
-		std::size_t SkipString(std::size_t At) const
-		{
-			for (++At; At < Text.size(); ++At)
-			{
-				if (Text[At] == '\\')
-				{
-					++At;
-				}
-				else if (Text[At] == '"')
-				{
-					return At + 1;
-				}
-			}
-			return At;
 		}
 
 		/** The blanks before At on its line when nothing else stands before it there; false otherwise. */
@@ -104,18 +38,9 @@ namespace
 		const std::string& Text;
 	};
 
-	/** A member of an object: where its key starts, where its value starts and ends. */
-	struct FJsonMember
-	{
-		std::string Key;
-		std::size_t KeyAt;
-		std::size_t ValueAt;
-		std::size_t ValueEnd;
-	};
-
 	std::string QuoteJson(const std::string& Value)
 	{
-		return nlohmann::json(Value).dump();
+		return nlohmann::json(Value).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 	}
 
 	/** The entry on one line, or on lines of its own with the given indent and the indent of its fields. */
@@ -141,53 +66,29 @@ namespace
 	}
 }
 
-std::string AddToDescriptorModules(const std::string& Text, const FJsonStringFields& Entry)
+std::string AddToDescriptorModules(
+	const std::string& Text, const FEngineJsonValue& Descriptor, const FJsonStringFields& Entry)
 {
 	const FJsonTextWalker Walker(Text);
 	const std::string NewLine = Text.find("\r\n") != std::string::npos ? "\r\n" : "\n";
 	const bool bMultiLine = Text.find('\n') != std::string::npos;
 
-	std::size_t At = Text.rfind("\xEF\xBB\xBF", 0) == 0 ? 3 : 0;
-	const std::size_t ObjectAt = Walker.SkipBlanks(At);
-	std::vector<FJsonMember> Members;
-	At = Walker.SkipBlanks(ObjectAt + 1);
-	while (At < Text.size() && Text[At] == '"')
-	{
-		FJsonMember Member;
-		Member.KeyAt = At;
-		const std::size_t KeyEnd = Walker.SkipString(At);
-		Member.Key = nlohmann::json::parse(Text.substr(At, KeyEnd - At)).get<std::string>();
-		Member.ValueAt = Walker.SkipBlanks(Walker.SkipBlanks(KeyEnd) + 1);
-		Member.ValueEnd = Walker.SkipValue(Member.ValueAt);
-		Members.push_back(Member);
-		At = Walker.SkipBlanks(Member.ValueEnd);
-		At = (At < Text.size() && Text[At] == ',') ? Walker.SkipBlanks(At + 1) : At;
-	}
-	const std::size_t ObjectEnd = At; // the closing brace
-
-	const FJsonMember* Modules = nullptr;
-	for (const FJsonMember& Member : Members)
-	{
-		Modules = Member.Key == "Modules" ? &Member : Modules; // the last one counts, as for the parser
-	}
+	const std::size_t ObjectAt = Descriptor.Begin;
+	const std::size_t ObjectEnd = Descriptor.End - 1; // the closing brace
+	const std::vector<FEngineJsonMember>& Members = Descriptor.Members;
+	const FEngineJsonMember* Modules = Descriptor.FindMember("Modules");
 
 	std::string Result = Text;
 	if (Modules != nullptr)
 	{
 		std::string KeyIndent;
 		const bool bKeyLeads = Walker.LeadsItsLine(Modules->KeyAt, KeyIndent);
-		// The list's elements: the last one's start and end.
-		std::size_t LastAt = std::string::npos;
-		std::size_t LastEnd = std::string::npos;
-		At = Walker.SkipBlanks(Modules->ValueAt + 1);
-		while (At < Text.size() && Text[At] != ']')
-		{
-			LastAt = At;
-			LastEnd = Walker.SkipValue(At);
-			At = Walker.SkipBlanks(LastEnd);
-			At = (At < Text.size() && Text[At] == ',') ? Walker.SkipBlanks(At + 1) : At;
-		}
-		const std::size_t ListEnd = At;
+		// The list's last element, after which the entry goes (before a comma that ends the list, if any).
+		const FEngineJsonValue& List = Modules->Value;
+		const std::size_t ValueAt = List.Begin;
+		const std::size_t ListEnd = List.End - 1; // the closing bracket
+		const std::size_t LastAt = List.Members.empty() ? std::string::npos : List.Members.back().Value.Begin;
+		const std::size_t LastEnd = List.Members.empty() ? std::string::npos : List.Members.back().Value.End;
 		if (LastAt != std::string::npos)
 		{
 			std::string Indent;
@@ -208,13 +109,12 @@ std::string AddToDescriptorModules(const std::string& Text, const FJsonStringFie
 		{
 			const std::string Unit = KeyIndent.empty() ? std::string("\t") : KeyIndent;
 			const std::string Indent = KeyIndent + Unit;
-			Result.replace(Modules->ValueAt + 1, ListEnd - Modules->ValueAt - 1,
+			Result.replace(ValueAt + 1, ListEnd - ValueAt - 1,
 				NewLine + Indent + RenderEntry(Entry, &Indent, Unit, NewLine) + NewLine + KeyIndent);
 		}
 		else
 		{
-			Result.replace(
-				Modules->ValueAt + 1, ListEnd - Modules->ValueAt - 1, RenderEntry(Entry, nullptr, "", NewLine));
+			Result.replace(ValueAt + 1, ListEnd - ValueAt - 1, RenderEntry(Entry, nullptr, "", NewLine));
 		}
 		return Result;
 	}
@@ -222,19 +122,19 @@ std::string AddToDescriptorModules(const std::string& Text, const FJsonStringFie
 	// No "Modules": a new member after the last one.
 	if (!Members.empty())
 	{
-		const FJsonMember& Last = Members.back();
+		const FEngineJsonMember& Last = Members.back();
 		std::string Indent;
 		if (Walker.LeadsItsLine(Last.KeyAt, Indent))
 		{
 			const std::string Unit = Indent.empty() ? std::string("\t") : Indent;
 			const std::string EntryIndent = Indent + Unit;
-			Result.insert(Last.ValueEnd,
+			Result.insert(Last.Value.End,
 				"," + NewLine + Indent + "\"Modules\": [" + NewLine + EntryIndent +
 					RenderEntry(Entry, &EntryIndent, Unit, NewLine) + NewLine + Indent + "]");
 		}
 		else
 		{
-			Result.insert(Last.ValueEnd, ", \"Modules\": [" + RenderEntry(Entry, nullptr, "", NewLine) + "]");
+			Result.insert(Last.Value.End, ", \"Modules\": [" + RenderEntry(Entry, nullptr, "", NewLine) + "]");
 		}
 		return Result;
 	}
@@ -263,52 +163,51 @@ const FJsonStringFields& GetLodexModuleEntry()
 bool PlanDescriptorUpdate(
 	const std::string& Text, const std::string& SourceName, FDescriptorUpdate& Out, std::string& OutError)
 {
-	using FOrderedJson = nlohmann::ordered_json;
 	Out = FDescriptorUpdate();
-	FOrderedJson Descriptor;
-	if (!ParseJsonFile(Text, SourceName, "not valid JSON: ", Descriptor, OutError))
+	FEngineJsonValue Descriptor;
+	if (!ReadEngineJson(Text, SourceName, Descriptor, OutError))
 	{
 		return false;
 	}
-	try
+	if (Descriptor.Kind != FEngineJsonValue::EKind::Object)
 	{
-		if (!Descriptor.is_object())
-		{
-			OutError = SourceName + ": the descriptor is a JSON " + Descriptor.type_name() + ", not an object";
-			return false;
-		}
-		const auto ModulesIt = Descriptor.find("Modules");
-		if (ModulesIt != Descriptor.end() && !ModulesIt->is_array())
-		{
-			OutError = SourceName + ": \"Modules\" is a JSON " + std::string(ModulesIt->type_name()) + ", not a list";
-			return false;
-		}
-		if (ModulesIt != Descriptor.end())
-		{
-			for (const FOrderedJson& Module : *ModulesIt)
-			{
-				// The engine compares module names ignoring case.
-				const auto NameIt = Module.is_object() ? Module.find("Name") : Module.end();
-				if (NameIt == Module.end() || !NameIt->is_string() ||
-					!LodexText::EqualsIgnoreCase(NameIt->get<std::string>(), LodexModuleName))
-				{
-					continue;
-				}
-				const FOrderedJson Type = Module.value("Type", FOrderedJson());
-				if (Type != "Editor" || NameIt->get<std::string>() != LodexModuleName)
-				{
-					Out.ExistingEntryNote = "note: " + SourceName + " already lists " + NameIt->dump() + " with Type " +
-						Type.dump() + "; it is left as it is";
-				}
-				return true;
-			}
-		}
-	}
-	catch (const FOrderedJson::exception& Exception)
-	{
-		OutError = SourceName + ": " + DescribeJsonParseReason(Exception.what());
+		OutError = SourceName + ": the descriptor is a JSON " + Descriptor.KindName() + ", not an object";
 		return false;
 	}
-	Out.NewText = AddToDescriptorModules(Text, GetLodexModuleEntry());
+	// The engine finds fields by their names ignoring case, the last of a name counting, and compares module
+	// names and types ignoring case too.
+	const FEngineJsonMember* Modules = Descriptor.FindMember("Modules");
+	if (Modules != nullptr && Modules->Value.Kind != FEngineJsonValue::EKind::Array)
+	{
+		OutError =
+			SourceName + ": " + QuoteJson(Modules->Key) + " is a JSON " + Modules->Value.KindName() + ", not a list";
+		return false;
+	}
+	for (const FEngineJsonMember& Module :
+		Modules != nullptr ? Modules->Value.Members : std::vector<FEngineJsonMember>())
+	{
+		const FEngineJsonMember* Name = Module.Value.FindMember("Name");
+		if (Name == nullptr || Name->Value.Kind != FEngineJsonValue::EKind::String ||
+			!LodexText::EqualsIgnoreCase(Name->Value.Text, LodexModuleName))
+		{
+			continue;
+		}
+		const FEngineJsonMember* Type = Module.Value.FindMember("Type");
+		const bool bEditor = Type != nullptr && Type->Value.Kind == FEngineJsonValue::EKind::String &&
+			LodexText::EqualsIgnoreCase(Type->Value.Text, "Editor");
+		if (!bEditor || Name->Value.Text != LodexModuleName)
+		{
+			const std::string TypeShown = Type == nullptr             ? std::string("null")
+				: Type->Value.Kind == FEngineJsonValue::EKind::String ? QuoteJson(Type->Value.Text)
+				: Type->Value.Kind == FEngineJsonValue::EKind::Object ||
+					Type->Value.Kind == FEngineJsonValue::EKind::Array
+				? std::string("a JSON ") + Type->Value.KindName()
+				: Text.substr(Type->Value.Begin, Type->Value.End - Type->Value.Begin);
+			Out.ExistingEntryNote = "note: " + SourceName + " already lists " + QuoteJson(Name->Value.Text) +
+				" with Type " + TypeShown + "; it is left as it is";
+		}
+		return true;
+	}
+	Out.NewText = AddToDescriptorModules(Text, Descriptor, GetLodexModuleEntry());
 	return true;
 }

@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "EngineJson.h"
+
 #include <optional>
 #include <string>
 #include <utility>
@@ -10,13 +12,15 @@
 using FJsonStringFields = std::vector<std::pair<std::string, std::string>>;
 
 /**
- * The text of a JSON object (a plug-in descriptor) with one more element at the end of its "Modules" list (made
- * when the object has none). Every other byte stays as it was: key order, number text (1.50), escapes, blanks,
- * line ends, a byte-order mark. The new text follows its neighbours: on lines of its own, indented like the
- * list's other entries (or one step deeper than the "Modules" key), when they are on lines of their own; on the
- * same line otherwise. Text must parse as a JSON object whose "Modules", if any, is a list.
+ * The text of a JSON object (a plug-in descriptor), read as Descriptor, with one more element at the end of its
+ * "Modules" list (the member the engine takes for it, its name in any case; made when the object has none). Every other
+ * byte stays as it was: key order, number text (1.50), escapes, blanks, line ends, a byte-order mark. The new text
+ * follows its neighbours: on lines of its own, indented like the list's other entries (or one step deeper than the
+ * "Modules" key), when they are on lines of their own; on the same line otherwise. Descriptor must be Text read by
+ * ReadEngineJson, an object whose "Modules", if any, is a list.
  */
-std::string AddToDescriptorModules(const std::string& Text, const FJsonStringFields& Entry);
+std::string AddToDescriptorModules(
+	const std::string& Text, const FEngineJsonValue& Descriptor, const FJsonStringFields& Entry);
 
 /** The entry `lodex install` lists the module with: an editor module, loaded once the engine has started. */
 const FJsonStringFields& GetLodexModuleEntry();
@@ -31,11 +35,12 @@ struct FDescriptorUpdate
 };
 
 /**
- * Reads a plug-in descriptor's text and works out the install's change to it, in memory: nothing when "Modules"
- * already lists the module (its name compared ignoring case, as the engine does), otherwise the text with
- * GetLodexModuleEntry() added by AddToDescriptorModules. A descriptor that is not a JSON object, or whose
- * "Modules" is not a list, is refused with one line in OutError that starts with SourceName (for malformed JSON,
- * "SourceName:LINE:COLUMN: not valid JSON: ").
+ * Reads a plug-in descriptor's text as the engine does (ReadEngineJson) and works out the install's change to it,
+ * in memory: nothing when "Modules" already lists the module, otherwise the text with GetLodexModuleEntry() added
+ * by AddToDescriptorModules. As the engine, it finds "Modules", "Name" and "Type" by their names ignoring case
+ * (the last of a name counting), and compares module names and types ignoring case. A descriptor that is not a
+ * JSON object, or whose "Modules" is not a list, is refused with one line in OutError that starts with SourceName
+ * (for malformed JSON, "SourceName:LINE:COLUMN: not valid JSON: ").
  */
 bool PlanDescriptorUpdate(
 	const std::string& Text, const std::string& SourceName, FDescriptorUpdate& Out, std::string& OutError);

@@ -10,7 +10,12 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
+#include <optional>
+#include <pthread.h>
 
 #ifndef LODEX_DEFAULT_SOURCE_DIR
 #define LODEX_DEFAULT_SOURCE_DIR ""
@@ -37,6 +42,75 @@ namespace
 		return Entry.dump();
 	}
 
+	/** The environment variable that makes the install stop at a step and wait for a signal: a testing aid. */
+	constexpr const char* PauseAtVariable = "LODEX_INSTALL_PAUSE_AT";
+
+	/**
+	 * SIGINT, SIGTERM and SIGHUP, held back from the moment the install starts and looked for between its steps,
+	 * so that one stops it at a step it can undo. A signal that comes once the descriptor is in place finds the
+	 * install complete, and is dropped.
+	 */
+	class FInstallSignals
+	{
+	public:
+		explicit FInstallSignals(std::ostream& InErr)
+			: Err(InErr)
+		{
+			sigemptyset(&Signals);
+			for (const int Signal : {SIGINT, SIGTERM, SIGHUP})
+			{
+				sigaddset(&Signals, Signal);
+			}
+			pthread_sigmask(SIG_BLOCK, &Signals, &Previous);
+			const char* PauseAt = std::getenv(PauseAtVariable);
+			PauseStep = PauseAt != nullptr ? PauseAt : "";
+		}
+		~FInstallSignals()
+		{
+			const timespec NoWait{0, 0};
+			while (sigtimedwait(&Signals, nullptr, &NoWait) > 0)
+			{
+			}
+			pthread_sigmask(SIG_SETMASK, &Previous, nullptr);
+		}
+		FInstallSignals(const FInstallSignals&) = delete;
+		FInstallSignals& operator=(const FInstallSignals&) = delete;
+
+		/**
+		 * Whether a signal has come, after the named step. At the step LODEX_INSTALL_PAUSE_AT names, it first says
+		 * "lodex: paused at STEP" on standard error and waits for one.
+		 */
+		bool Interrupted(const std::string& Step)
+		{
+			if (Received == 0 && Step == PauseStep)
+			{
+				Err << "lodex: paused at " << Step << std::endl;
+				int Signal = 0;
+				Received = sigwait(&Signals, &Signal) == 0 ? Signal : 0;
+			}
+			const timespec NoWait{0, 0};
+			if (Received == 0)
+			{
+				const int Signal = sigtimedwait(&Signals, nullptr, &NoWait);
+				Received = Signal > 0 ? Signal : 0;
+			}
+			return Received != 0;
+		}
+
+		/** "SIGTERM". */
+		std::string Name() const { return Received == SIGINT ? "SIGINT" : Received == SIGTERM ? "SIGTERM" : "SIGHUP"; }
+
+		/** 128 and the signal's number, as a shell reports a command a signal ended: 130, 143, 129. */
+		int ExitStatus() const { return 128 + Received; }
+
+	private:
+		std::ostream& Err;
+		sigset_t Signals;
+		sigset_t Previous;
+		std::string PauseStep;
+		int Received = 0;
+	};
+
 	class FInstallCommand final : public ILodexCommand
 	{
 	public:
@@ -59,6 +133,12 @@ namespace
 			{
 				SourceDir = LODEX_DEFAULT_SOURCE_DIR;
 			}
+			// A dry run changes nothing, so a signal may end it where it is.
+			std::optional<FInstallSignals> Signals;
+			if (!bDryRun)
+			{
+				Signals.emplace(Io.Err);
+			}
 			FInstallPlan Plan;
 			std::string Error;
 			if (!MakeInstallPlan(ProjectDir, SourceDir, Plan, Error))
@@ -66,7 +146,7 @@ namespace
 				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
-			return bDryRun ? PrintDryRun(Plan, Io) : Apply(Plan, Io);
+			return bDryRun ? PrintDryRun(Plan, Io) : Apply(Plan, *Signals, Io);
 		}
 
 	private:
@@ -184,8 +264,13 @@ namespace
 			}
 		}
 
-		int Apply(const FInstallPlan& Plan, FLodexCliIo& Io) const
+		int Apply(const FInstallPlan& Plan, FInstallSignals& Signals, FLodexCliIo& Io) const
 		{
+			if (Signals.Interrupted("planned"))
+			{
+				Io.Err << "lodex: interrupted by " << Signals.Name() << "; nothing was changed\n";
+				return Signals.ExitStatus();
+			}
 			if (CountChanges(Plan) == 0)
 			{
 				PrintNotes(Plan, Io);
@@ -213,41 +298,57 @@ namespace
 			FStagedFile StagedDescriptor;
 			std::string Error;
 			bool bStaged = true;
-			for (std::size_t Index = 0; bStaged && Index < Changes.size(); ++Index)
+			bool bInterrupted = false;
+			for (std::size_t Index = 0; bStaged && !bInterrupted && Index < Changes.size(); ++Index)
 			{
 				bStaged = MakeFolders(Changes[Index]->To.parent_path(), CreatedFolders, Error) &&
 					Staged[Index].Stage(Changes[Index]->To.string(), Changes[Index]->Bytes, {false, false}, Error);
+				bInterrupted = bStaged && Signals.Interrupted("staged:" + std::to_string(Index + 1));
 			}
-			if (bStaged && Plan.NewDescriptorText)
+			if (bStaged && !bInterrupted && Plan.NewDescriptorText)
 			{
 				bStaged =
 					StagedDescriptor.Stage(Plan.Descriptor.string(), *Plan.NewDescriptorText, {true, true}, Error);
+				bInterrupted = bStaged && Signals.Interrupted("staged:descriptor");
 			}
-			if (!bStaged)
+			if (!bStaged || bInterrupted)
 			{
 				Staged.clear();
 				StagedDescriptor.Discard();
 				RemoveFolders(CreatedFolders);
+				if (bInterrupted)
+				{
+					Io.Err << "lodex: interrupted by " << Signals.Name() << "; nothing was changed\n";
+					return Signals.ExitStatus();
+				}
 				Io.Err << "lodex: " << Error << "; nothing was changed\n";
 				return LodexExitFailure;
 			}
 
+			// Each file moved into place can be put back until the descriptor is: a signal before that undoes
+			// them all.
 			std::size_t Committed = 0;
-			while (Committed < Changes.size() && Staged[Committed].Commit(Error))
+			while (Committed < Changes.size() && !bInterrupted && Staged[Committed].Commit(Error))
 			{
 				++Committed;
+				bInterrupted = Signals.Interrupted("moved:" + std::to_string(Committed));
 			}
-			const bool bCommitted =
-				Committed == Changes.size() && (!Plan.NewDescriptorText || StagedDescriptor.Commit(Error));
+			const bool bCommitted = Committed == Changes.size() && !bInterrupted &&
+				(!Plan.NewDescriptorText || StagedDescriptor.Commit(Error));
 			if (!bCommitted)
 			{
-				for (std::size_t Index = 0; Index < Committed; ++Index)
+				for (std::size_t Index = Committed; Index-- > 0;)
 				{
 					PutBack(*Changes[Index]);
 				}
 				Staged.clear();
 				StagedDescriptor.Discard();
 				RemoveFolders(CreatedFolders);
+				if (bInterrupted)
+				{
+					Io.Err << "lodex: interrupted by " << Signals.Name() << "; the project was put back as it was\n";
+					return Signals.ExitStatus();
+				}
 				Io.Err << "lodex: " << Error << "; the project was put back as it was\n";
 				return LodexExitFailure;
 			}

@@ -302,7 +302,23 @@ namespace
 		return true;
 	}
 
-	/** Every folder on a file's way must be a folder or absent, and every place written to writable. */
+	/** Refuses a folder the install would write into that is a link: nothing is written through one. */
+	bool CheckNotFolderLink(const fs::path& Folder, std::string& OutError)
+	{
+		std::error_code Code;
+		if (!fs::is_symlink(fs::symlink_status(Folder, Code)))
+		{
+			return true;
+		}
+		OutError = GenericString(Folder) + ": is a link (to " + fs::read_symlink(Folder, Code).string() +
+			"); the install writes nothing through a link; nothing was changed";
+		return false;
+	}
+
+	/**
+	 * Every folder on a file's way must be a folder or absent, none of them a link, and every place written to
+	 * writable.
+	 */
 	bool CheckDestinations(const FInstallPlan& Plan, std::string& OutError)
 	{
 		std::error_code Code;
@@ -311,6 +327,10 @@ namespace
 			for (fs::path Folder = File.To.parent_path(); Folder != Plan.PluginDir && Folder.has_parent_path();
 				 Folder = Folder.parent_path())
 			{
+				if (!CheckNotFolderLink(Folder, OutError))
+				{
+					return false;
+				}
 				const fs::file_status Status = fs::status(Folder, Code);
 				if (fs::exists(Status) && !fs::is_directory(Status))
 				{
@@ -435,6 +455,11 @@ bool MakeInstallPlan(
 	}
 	OutPlan.PluginDir = fs::path(ProjectDir) / "Plugins" / LodexPluginFolderName;
 	OutPlan.Descriptor = OutPlan.PluginDir / LodexPluginDescriptorName;
+	if (!CheckNotFolderLink(OutPlan.PluginDir.parent_path(), OutError) ||
+		!CheckNotFolderLink(OutPlan.PluginDir, OutError))
+	{
+		return false;
+	}
 	std::error_code Code;
 	if (!fs::is_regular_file(OutPlan.Descriptor, Code))
 	{

@@ -190,7 +190,7 @@ namespace
 		for (const std::string& Path : Files)
 		{
 			std::string Text;
-			if (!ReadWholeFile(Path, Text, OutError))
+			if (!ReadWholeFile(Path, Text, OutError, {LodexMaxTextFileBytes, "a C# test file", false}))
 			{
 				return false;
 			}

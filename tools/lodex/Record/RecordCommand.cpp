@@ -45,7 +45,7 @@ namespace
 		{
 			std::string Text;
 			std::string Error;
-			if (!ReadWholeFile(InputPath, Text, Error))
+			if (!ReadWholeFile(InputPath, Text, Error, {LodexMaxTextFileBytes, "an input log", true}))
 			{
 				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;

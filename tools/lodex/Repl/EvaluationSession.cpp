@@ -444,7 +444,7 @@ std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexSessionOptions& 
 	}
 	std::string Text;
 	std::string Error;
-	if (!ReadWholeFile(Options.EvaluatorFile, Text, Error))
+	if (!ReadWholeFile(Options.EvaluatorFile, Text, Error, {LodexMaxTextFileBytes, "an answers file", true}))
 	{
 		Err << "lodex: " << Error << "\n";
 		return nullptr;

@@ -117,7 +117,7 @@ bool FLevelLoader::ReadPackage(
 	const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage, std::string& OutError)
 {
 	std::string Bytes;
-	if (!ReadWholeFile(File, Bytes, OutError))
+	if (!ReadWholeFile(File, Bytes, OutError, LodexSceneFileRules))
 	{
 		return false;
 	}

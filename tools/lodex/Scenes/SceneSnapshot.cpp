@@ -292,7 +292,7 @@ bool FSceneSnapshot::LoadFile(const std::string& Path, FSceneSnapshot& Out, std:
 		return false;
 	}
 	std::string Text;
-	if (!ReadWholeFile(Path, Text, OutError))
+	if (!ReadWholeFile(Path, Text, OutError, LodexSceneFileRules))
 	{
 		return false;
 	}

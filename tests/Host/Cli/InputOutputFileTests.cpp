@@ -1,0 +1,289 @@
+// Copyright Lodex contributors.
+// What the commands take as input and output files: regular files and pipes where documented, never a device to
+// read from or a node to rename over, and sizes within the stated limits.
+#include "ChildProcess.h"
+#include "Cli/WholeFile.h"
+#include "Host/Scenes/TestPackageWriter.h"
+#include "LodexRun.h"
+#include "TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <pthread.h>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <thread>
+#include <vector>
+#include <unistd.h>
+
+namespace
+{
+	namespace fs = std::filesystem;
+
+	const std::string Snapshot =
+		"{\"objects\": [{\"id\": \"door\", \"name\": \"Door\", \"kind\": \"actor\"}, {\"id\": \"lamp\", \"name\": "
+		"\"Lamp_2\", \"kind\": \"actor\"}]}";
+
+	/** A pipe whose read end is named by /dev/fd; a thread writes Bytes into it and closes it. */
+	class FFedPipe
+	{
+	public:
+		explicit FFedPipe(std::string InBytes)
+			: Bytes(std::move(InBytes))
+		{
+			if (pipe(Ends) != 0)
+			{
+				Ends[0] = Ends[1] = -1;
+				return;
+			}
+			Writer = std::thread(
+				[this]
+				{
+					// A reader that stops early makes the write fail instead of ending the tests.
+					sigset_t BrokenPipe;
+					sigemptyset(&BrokenPipe);
+					sigaddset(&BrokenPipe, SIGPIPE);
+					pthread_sigmask(SIG_BLOCK, &BrokenPipe, nullptr);
+					std::size_t Written = 0;
+					while (Written < Bytes.size())
+					{
+						const ssize_t Count = write(Ends[1], Bytes.data() + Written, Bytes.size() - Written);
+						if (Count <= 0)
+						{
+							break;
+						}
+						Written += static_cast<std::size_t>(Count);
+					}
+					close(Ends[1]);
+				});
+		}
+		~FFedPipe()
+		{
+			// A reader that stopped early leaves the writer blocked: closing the read end ends its write.
+			close(Ends[0]);
+			if (Writer.joinable())
+			{
+				Writer.join();
+			}
+		}
+		FFedPipe(const FFedPipe&) = delete;
+		FFedPipe& operator=(const FFedPipe&) = delete;
+
+		std::string Path() const { return "/dev/fd/" + std::to_string(Ends[0]); }
+
+	private:
+		std::string Bytes;
+		int Ends[2] = {-1, -1};
+		std::thread Writer;
+	};
+
+	/** A file of Size bytes that takes no room on disk. */
+	std::string SparseFile(const FTempDir& Dir, const std::string& Name, off_t Size)
+	{
+		const std::string Path = Dir.Write(Name, "");
+		EXPECT_EQ(truncate(Path.c_str(), Size), 0);
+		return Path;
+	}
+
+	TEST(InputFile, ReadsARegularFileOrADocumentedPipeUpToItsLimitAndRefusesDevicesAndFifosUnopened)
+	{
+		FTempDir Dir;
+		const FInputFileRules Small{16, "a test input", false};
+		const FInputFileRules SmallStream{16, "a test input", true};
+		const std::string Fifo = Dir.File("fifo");
+		ASSERT_EQ(mkfifo(Fifo.c_str(), 0600), 0);
+		const std::string AtLimit = Dir.Write("at-limit", std::string(16, 'x'));
+		const std::string PastLimit = Dir.Write("past-limit", std::string(17, 'x'));
+
+		std::string Bytes;
+		std::string Error;
+		EXPECT_TRUE(ReadWholeFile(AtLimit, Bytes, Error, Small)) << Error;
+		EXPECT_EQ(Bytes, std::string(16, 'x'));
+		{
+			FFedPipe Pipe(std::string(16, 'p'));
+			EXPECT_TRUE(ReadWholeFile(Pipe.Path(), Bytes, Error, SmallStream)) << Error;
+			EXPECT_EQ(Bytes, std::string(16, 'p'));
+		}
+
+		const struct
+		{
+			std::string Path;
+			FInputFileRules Rules;
+			std::string Said;
+		} Refusals[] = {
+			{PastLimit, Small, PastLimit + ": larger than 16 bytes, the most lodex reads of a test input"},
+			{"/dev/zero", Small, "/dev/zero: is a character device, not a regular file"},
+			{"/dev/zero", SmallStream, "/dev/zero: is a character device, not a regular file or a pipe"},
+			// Nobody writes to it: opened, it would wait for ever.
+			{Fifo, Small, Fifo + ": is a FIFO, not a regular file"},
+			{Dir.Path, Small, Dir.Path + ": cannot read the file"},
+			{Dir.File("absent"), Small, Dir.File("absent") + ": cannot open the file"},
+		};
+		for (const auto& Row : Refusals)
+		{
+			Bytes = "untouched";
+			EXPECT_FALSE(ReadWholeFile(Row.Path, Bytes, Error, Row.Rules)) << Row.Path;
+			EXPECT_EQ(Error, Row.Said);
+			EXPECT_EQ(Bytes, "untouched");
+		}
+		FFedPipe Endless(std::string(1 << 20, 'z'));
+		EXPECT_FALSE(ReadWholeFile(Endless.Path(), Bytes, Error, SmallStream));
+		EXPECT_EQ(Error, Endless.Path() + ": larger than 16 bytes, the most lodex reads of a test input");
+		EXPECT_EQ(DescribeByteLimit(LodexMaxSceneFileBytes), "512 MiB");
+		EXPECT_EQ(DescribeByteLimit(1), "1 byte");
+	}
+
+	TEST(InputFile, CommandsStateWhatTheyRefuseAndTheLimitInOneLine)
+	{
+		FTempDir Dir;
+		const std::string Scene = Dir.Write("scene.json", Snapshot);
+		const std::string TestFile = Dir.Write("Door.cs", "class T { void Run() { api.Click(\"//Door\"); } }\n");
+		const std::string Fifo = Dir.File("Fifo.cs");
+		ASSERT_EQ(mkfifo(Fifo.c_str(), 0600), 0);
+		const std::string BigScene = SparseFile(Dir, "big.json", off_t(LodexMaxSceneFileBytes) + 1);
+		const std::string BigTest = SparseFile(Dir, "Big.cs", off_t(LodexMaxTextFileBytes) + 1);
+		const std::string BigLog = SparseFile(Dir, "big.jsonl", off_t(LodexMaxTextFileBytes) + 1);
+		const struct
+		{
+			std::vector<std::string> Args;
+			std::string Said;
+		} Rows[] = {
+			{{"lint", "--scene", "/dev/zero", TestFile},
+				"lodex: /dev/zero: is a character device, not a regular file or a pipe\n"},
+			{{"path", "--scene", "/dev/zero", "door"},
+				"lodex: /dev/zero: is a character device, not a regular file or a pipe\n"},
+			{{"lint", "--scene", Scene, Fifo}, "lodex: " + Fifo + ": is a FIFO, not a regular file\n"},
+			{{"lint", "--scene", BigScene, TestFile},
+				"lodex: " + BigScene + ": larger than 512 MiB, the most lodex reads of a scene or level file\n"},
+			{{"lint", "--scene", Scene, BigTest},
+				"lodex: " + BigTest + ": larger than 64 MiB, the most lodex reads of a C# test file\n"},
+			{{"record", "--input", BigLog},
+				"lodex: " + BigLog + ": larger than 64 MiB, the most lodex reads of an input log\n"},
+			{{"record", "--input", "/dev/zero"},
+				"lodex: /dev/zero: is a character device, not a regular file or a pipe\n"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FLodexRun Run = RunLodex(Row.Args);
+			EXPECT_EQ(Run.Exit, 1) << Row.Said;
+			EXPECT_EQ(Run.Err, Row.Said);
+			EXPECT_EQ(Run.Out, "");
+		}
+	}
+
+	TEST(InputFile, ASceneThroughAPipeIsReadOnceThenToldApartByItsBytes)
+	{
+		FTempDir Dir;
+		const FLodexRun FromFile = RunLodex({"path", "--scene", Dir.Write("scene.json", Snapshot), "door", "lamp"});
+		ASSERT_EQ(FromFile.Exit, 0) << FromFile.Err;
+		FFedPipe SnapshotPipe(Snapshot);
+		const FLodexRun FromPipe = RunLodex({"path", "--scene", SnapshotPipe.Path(), "door", "lamp"});
+		EXPECT_EQ(FromPipe.Exit, 0);
+		EXPECT_EQ(FromPipe.Err, "");
+		EXPECT_EQ(FromPipe.Out, FromFile.Out);
+
+		FTestMap Map;
+		FTestActor Crate;
+		Crate.Name = "Crate_3";
+		Crate.Label = "Crate";
+		Map.Actors = {Crate};
+		const std::string Level = WriteTestMap(Map);
+		const FLodexRun LevelFromFile =
+			RunLodex({"path", "--scene", Dir.Write("Main.umap", Level), "--mode", "best", "Crate"});
+		ASSERT_EQ(LevelFromFile.Exit, 0) << LevelFromFile.Err;
+		FFedPipe LevelPipe(Level);
+		const FLodexRun LevelRun = RunLodex({"path", "--scene", LevelPipe.Path(), "--mode", "best", "Crate"});
+		EXPECT_EQ(LevelRun.Exit, 0);
+		EXPECT_EQ(LevelRun.Out, LevelFromFile.Out);
+		EXPECT_EQ(LevelRun.Err,
+			"lodex: note: " + LevelPipe.Path() +
+				": a level read from a pipe: only the level itself, not its external actors, sub-levels or "
+				"Blueprint classes\n");
+	}
+
+	/** A reader of a FIFO, there before anything writes into it; Finish reads what was written, once closed. */
+	struct FFifoReader
+	{
+		explicit FFifoReader(const std::string& Path)
+			: Handle(open(Path.c_str(), O_RDONLY | O_NONBLOCK))
+		{
+		}
+		~FFifoReader() { close(Handle); }
+		std::string Finish() const
+		{
+			std::string Text;
+			char Buffer[4096];
+			ssize_t Count = 0;
+			while ((Count = read(Handle, Buffer, sizeof(Buffer))) > 0)
+			{
+				Text.append(Buffer, static_cast<std::size_t>(Count));
+			}
+			return Text;
+		}
+		const int Handle;
+	};
+
+	TEST(OutputFile, AFifoIsWrittenIntoAndStaysAFifoAndOneNobodyReadsIsRefusedUntouched)
+	{
+		FTempDir Dir;
+		const std::string Scene = Dir.Write("scene.json", Snapshot);
+		const std::string Log = std::string(LODEX_SOURCE_DIR) + "/samples/session.jsonl";
+		const std::string Fifo = Dir.File("clip");
+		ASSERT_EQ(mkfifo(Fifo.c_str(), 0600), 0);
+		const std::vector<std::string> Copy{
+			"copy", "--scene", Scene, "--mode", "Absolute", "--clipboard", Fifo, "lamp"};
+
+		{
+			const FFifoReader Reader(Fifo);
+			const FLodexRun Copied = RunLodex(Copy);
+			EXPECT_EQ(Copied.Exit, 0) << Copied.Err;
+			EXPECT_EQ(Reader.Finish(), "/*[@name = 'Lamp_2']");
+		}
+
+		// No reader: refused at once rather than waiting, and never replaced by a file.
+		const FLodexRun Unread = RunLodex(Copy);
+		EXPECT_EQ(Unread.Exit, 1);
+		EXPECT_EQ(Unread.Err,
+			"lodex: " + Fifo + ": a FIFO that nobody reads from; nothing was written\n" +
+				"/*[@name = 'Lamp_2'] matches 1 object\n");
+		const FLodexRun Recorded = RunLodex({"record", "--input", Log, "--out", Fifo});
+		EXPECT_EQ(Recorded.Exit, 1);
+		EXPECT_EQ(Recorded.Err, "lodex: " + Fifo + ": a FIFO that nobody reads from; nothing was written\n");
+
+		struct stat After;
+		// Standard output, whatever it is (here a pipe), named as a file.
+		const FProcessRun ToStdout = ChildProcess::RunLodex({"record", "--input", Log, "--out", "/dev/stdout"});
+		EXPECT_EQ(ToStdout.Exit, 0) << ToStdout.Err;
+		EXPECT_EQ(ToStdout.Out, RunLodex({"record", "--input", Log}).Out);
+
+		ASSERT_EQ(lstat(Fifo.c_str(), &After), 0);
+		EXPECT_TRUE(S_ISFIFO(After.st_mode));
+		// A socket is no stream to write into, and nothing is renamed over it.
+		const std::string Socket = Dir.File("socket");
+		const int Listener = socket(AF_UNIX, SOCK_STREAM, 0);
+		sockaddr_un Address{};
+		Address.sun_family = AF_UNIX;
+		Socket.copy(Address.sun_path, sizeof(Address.sun_path) - 1);
+		ASSERT_EQ(bind(Listener, reinterpret_cast<const sockaddr*>(&Address), sizeof(Address)), 0);
+		const FLodexRun ToSocket = RunLodex({"record", "--input", Log, "--out", Socket});
+		close(Listener);
+		EXPECT_EQ(ToSocket.Exit, 1);
+		EXPECT_EQ(ToSocket.Err, "lodex: " + Socket + ": is a socket, not a file; nothing was written\n");
+		ASSERT_EQ(lstat(Socket.c_str(), &After), 0);
+		EXPECT_TRUE(S_ISSOCK(After.st_mode));
+		fs::remove(Socket);
+
+		std::vector<std::string> Left; // no staged copy beside it
+		for (const fs::directory_entry& Entry : fs::directory_iterator(Dir.Path))
+		{
+			Left.push_back(Entry.path().filename().string());
+		}
+		std::sort(Left.begin(), Left.end());
+		EXPECT_EQ(Left, (std::vector<std::string>{"clip", "scene.json"}));
+	}
+}

@@ -1,0 +1,249 @@
+// Copyright Lodex contributors.
+// The install under odd trees and descriptors and under signals: nothing written through a folder link, the
+// descriptor read as the engine reads it, and a signal at any step leaving the project as it was.
+#include "Install/DescriptorText.h"
+#include "InstallProject.h"
+
+#include <csignal>
+#include <optional>
+
+namespace
+{
+	using namespace LodexInstallTesting;
+
+	/** Every file and folder under Root, by its path relative to it, with a file's bytes. */
+	std::map<std::string, std::string> TreeFiles(const std::string& Root)
+	{
+		std::map<std::string, std::string> Files;
+		for (const fs::directory_entry& Entry : fs::recursive_directory_iterator(Root))
+		{
+			Files[Entry.path().lexically_relative(Root).generic_string()] =
+				Entry.is_regular_file() ? FTempDir::Read(Entry.path()) : "(folder)";
+		}
+		return Files;
+	}
+
+	TEST(LodexInstallGuard, AFolderOfThePlugInThatIsALinkIsRefusedAndNothingIsWrittenThroughIt)
+	{
+		for (const std::string Relative :
+			{"", "/Source", "/Source/LodexDebugger", "/Source/LodexDebugger/Private", "/Resources"})
+		{
+			FProject Project;
+			const std::string Outside = Project.Dir.Path + "/Outside";
+			const std::string Linked = Project.Plugin + Relative;
+			if (Relative.empty())
+			{
+				fs::create_directories(Outside);
+				fs::rename(Project.Plugin, Outside + "/UnrealCLR");
+			}
+			else
+			{
+				Write(Outside + "/UnrealCLR" + Relative + "/Info_icon.png", "not the module's");
+				Write(Outside + "/UnrealCLR" + Relative + "/LodexDebugger.cpp", "not the module's");
+				fs::create_directories(fs::path(Linked).parent_path());
+			}
+			fs::create_directory_symlink(Outside + "/UnrealCLR" + Relative, Linked);
+			const auto OutsideBefore = TreeFiles(Outside);
+			const std::string Said = Linked.substr(Project.Dir.Path.size() + 1) + ": is a link (to " + Outside +
+				"/UnrealCLR" + Relative + "); the install writes nothing through a link; nothing was changed";
+			Project.ExpectRefusal(Said);
+			Project.ExpectRefusal(Said, {"--dry-run"});
+			EXPECT_EQ(TreeFiles(Outside), OutsideBefore) << Relative;
+		}
+	}
+
+	/**
+	 * Runs the install in a child told to stop at Step and wait; sends Signal once it says it has stopped there.
+	 * A child that never stops at the step runs to its end.
+	 */
+	FProcessRun InstallSignalledAt(const FProject& Project, const std::string& Step, int Signal)
+	{
+		int OutPipe[2];
+		int ErrPipe[2];
+		FProcessRun Result;
+		if (pipe(OutPipe) != 0 || pipe(ErrPipe) != 0)
+		{
+			return Result;
+		}
+		const std::vector<std::string> Args = Project.Arguments();
+		const pid_t Child = fork();
+		if (Child == 0)
+		{
+			dup2(OutPipe[1], STDOUT_FILENO);
+			dup2(ErrPipe[1], STDERR_FILENO);
+			for (const int Handle : {OutPipe[0], OutPipe[1], ErrPipe[0], ErrPipe[1]})
+			{
+				close(Handle);
+			}
+			setenv("LODEX_INSTALL_PAUSE_AT", Step.c_str(), 1);
+			std::vector<char*> Argv{const_cast<char*>(LODEX_BINARY)};
+			for (const std::string& Arg : Args)
+			{
+				Argv.push_back(const_cast<char*>(Arg.c_str()));
+			}
+			Argv.push_back(nullptr);
+			execv(LODEX_BINARY, Argv.data());
+			_exit(127);
+		}
+		close(OutPipe[1]);
+		close(ErrPipe[1]);
+		const std::string Paused = "lodex: paused at " + Step + "\n";
+		char Buffer[4096];
+		ssize_t Count = 0;
+		while (Result.Err.find(Paused) == std::string::npos && (Count = read(ErrPipe[0], Buffer, sizeof(Buffer))) > 0)
+		{
+			Result.Err.append(Buffer, static_cast<std::size_t>(Count));
+		}
+		if (Result.Err.find(Paused) != std::string::npos)
+		{
+			kill(Child, Signal);
+		}
+		std::string Rest;
+		ChildProcess::ReadBoth(OutPipe[0], ErrPipe[0], Result.Out, Rest);
+		Result.Err += Rest;
+		int Status = 0;
+		waitpid(Child, &Status, 0);
+		Result.Exit = WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
+		Result.Signal = WIFSIGNALED(Status) ? WTERMSIG(Status) : 0;
+		return Result;
+	}
+
+	TEST(LodexInstallGuard, ASignalAtAnyStepPutsTheProjectBackByteForByteAndEndsWithItsStatus)
+	{
+		// Nine changes: five new module files and icons, a file and a link replaced, the backup replaced; new
+		// folders on the way. The descriptor goes last.
+		const struct
+		{
+			const char* Step;
+			int Signal;
+			const char* Status;
+			int Exit;
+			const char* Outcome;
+		} Rows[] = {
+			{"planned", SIGINT, "SIGINT", 130, "nothing was changed"},
+			{"staged:1", SIGTERM, "SIGTERM", 143, "nothing was changed"},
+			{"staged:9", SIGHUP, "SIGHUP", 129, "nothing was changed"},
+			{"staged:descriptor", SIGINT, "SIGINT", 130, "nothing was changed"},
+			{"moved:1", SIGTERM, "SIGTERM", 143, "the project was put back as it was"},
+			{"moved:4", SIGHUP, "SIGHUP", 129, "the project was put back as it was"},
+			{"moved:9", SIGINT, "SIGINT", 130, "the project was put back as it was"},
+		};
+		for (const auto& Row : Rows)
+		{
+			FProject Project;
+			const std::string Outside = Project.Dir.Path + "/Outside/Info.png";
+			Write(Outside, "an icon elsewhere");
+			Write(Project.Plugin + "/Resources/Stop_icon.png", "an older Stop icon");
+			fs::create_symlink(Outside, Project.Plugin + "/Resources/Info_icon.png");
+			Write(Project.Plugin + "/UnrealCLR.uplugin.bak", "an older backup");
+			const auto Before = Project.ProjectFiles();
+
+			const FProcessRun Run = InstallSignalledAt(Project, Row.Step, Row.Signal);
+			EXPECT_EQ(Run.Exit, Row.Exit) << Row.Step;
+			EXPECT_EQ(Run.Err,
+				std::string("lodex: paused at ") + Row.Step + "\nlodex: interrupted by " + Row.Status + "; " +
+					Row.Outcome + "\n")
+				<< Row.Step;
+			EXPECT_EQ(Run.Out, "") << Row.Step;
+			EXPECT_EQ(Project.ProjectFiles(), Before) << Row.Step;
+			EXPECT_EQ(FTempDir::Read(Outside), "an icon elsewhere") << Row.Step;
+		}
+	}
+
+	std::string Nested(std::size_t Depth)
+	{
+		return "{\"Modules\": [], \"Deep\": " + std::string(Depth, '[') + std::string(Depth, ']') + "}";
+	}
+
+	TEST(LodexDescriptorDialect, KeysAndNamesMatchIgnoringCaseAndWhatTheEngineReadsIsKeptAsWritten)
+	{
+		const std::string Entry = "{\"Name\": \"LodexDebugger\", \"Type\": \"Editor\", \"LoadingPhase\": "
+								  "\"PostEngineInit\"}";
+		const struct
+		{
+			std::string Text;
+			std::optional<std::string> Updated;
+			std::string Note;
+		} Rows[] = {
+			// The engine's field map takes "modules" for "Modules".
+			{"{\"modules\": [{\"Name\": \"UnrealCLR\"}]}", "{\"modules\": [{\"Name\": \"UnrealCLR\"}, " + Entry + "]}",
+				""},
+			// A later key of the same name, in any case, replaces an earlier one.
+			{"{\"Modules\": [], \"MODULES\": [{\"Name\": \"UnrealCLR\"}]}",
+				"{\"Modules\": [], \"MODULES\": [{\"Name\": \"UnrealCLR\"}, " + Entry + "]}", ""},
+			{"{\"Modules\": [{\"Name\": \"LodexDebugger\"}], \"modules\": []}",
+				"{\"Modules\": [{\"Name\": \"LodexDebugger\"}], \"modules\": [" + Entry + "]}", ""},
+			{"{\"Modules\": [{\"name\": \"LodexDebugger\", \"TYPE\": \"editor\"}]}", std::nullopt, ""},
+			{"{\"Modules\": [{\"NAME\": \"lodexdebugger\", \"type\": \"Runtime\"}]}", std::nullopt,
+				"note: U already lists \"lodexdebugger\" with Type \"Runtime\"; it is left as it is"},
+			{"{\"Modules\": [{\"Name\": \"LodexDebugger\", \"Type\": true}]}", std::nullopt,
+				"note: U already lists \"LodexDebugger\" with Type true; it is left as it is"},
+			// A comma after a list's last element, words in any case, control characters inside strings.
+			{"{\"Modules\": [{\"Name\": \"UnrealCLR\"},]}",
+				"{\"Modules\": [{\"Name\": \"UnrealCLR\"}, " + Entry + ",]}", ""},
+			{"{\"A\": True, \"B\": NULL, \"C\": fAlSe, \"D\": [1, -0.5e+2,], \"Modules\": []}",
+				"{\"A\": True, \"B\": NULL, \"C\": fAlSe, \"D\": [1, -0.5e+2,], \"Modules\": [" + Entry + "]}", ""},
+			{"{\"Description\": \"a\tb\nc\x01\", \"Size\": -1e999}",
+				"{\"Description\": \"a\tb\nc\x01\", \"Size\": -1e999, \"Modules\": [" + Entry + "]}", ""},
+			{Nested(LodexMaxDescriptorDepth - 1), Nested(LodexMaxDescriptorDepth - 1).insert(13, Entry), ""},
+		};
+		for (const auto& Row : Rows)
+		{
+			FDescriptorUpdate Update;
+			std::string Error;
+			ASSERT_TRUE(PlanDescriptorUpdate(Row.Text, "U", Update, Error)) << Row.Text << ": " << Error;
+			EXPECT_EQ(Update.NewText, Row.Updated) << Row.Text;
+			EXPECT_EQ(Update.ExistingEntryNote, Row.Note) << Row.Text;
+		}
+	}
+
+	TEST(LodexDescriptorDialect, RefusesWhatTheEngineRefusesAndNestingPastTheLimitInOneLine)
+	{
+		const std::pair<std::string, std::string> Rows[] = {
+			{"{\"Modules\": [], }", "U:1:17: not valid JSON: expected a string to name the member"},
+			{"{\"Modules\": [1,,2]}", "U:1:16: not valid JSON: expected a value"},
+			{"{\"Modules\": [,]}", "U:1:14: not valid JSON: expected a value"},
+			{"{\"A\": tru}", "U:1:7: not valid JSON: 'tru' is not a value (a name needs quotes)"},
+			{"{\"A\": 01}", "U:1:7: not valid JSON: not a JSON number"},
+			{"{\"A\": \"\\x\"}", "U:1:8: not valid JSON: a backslash before a character that has no escape"},
+			{"{\"A\": \"\\u12G4\"}", "U:1:12: not valid JSON: a \\u escape needs four hexadecimal digits"},
+			{"{\"A\": \"open}", "U:1:7: not valid JSON: the text ends inside this string"},
+			{"{\"A\": 1} {}", "U:1:10: not valid JSON: more text after the end of the root value"},
+			{"\"Modules\"", "U:1:1: not valid JSON: expected '{' or '[' to begin the text"},
+			{"[{\"Modules\": []}]", "U: the descriptor is a JSON array, not an object"},
+			{"{\"modules\": {}}", "U: \"modules\" is a JSON object, not a list"},
+			{"{\"A\": \"\xC3\"}", "U:1:8: not valid JSON: bytes that are not UTF-8"},
+			{std::string("{\"A\": \"\0\"}", 10), "U:1:8: not valid JSON: a NUL byte"},
+			{Nested(LodexMaxDescriptorDepth),
+				"U:1:" + std::to_string(24 + LodexMaxDescriptorDepth) +
+					": nested deeper than 256 levels, the most lodex reads"},
+		};
+		for (const auto& [Text, Said] : Rows)
+		{
+			FDescriptorUpdate Update;
+			std::string Error;
+			EXPECT_FALSE(PlanDescriptorUpdate(Text, "U", Update, Error)) << Text;
+			EXPECT_EQ(Error, Said) << Text;
+		}
+	}
+
+	TEST(LodexDescriptorDialect, ADescriptorNested70000DeepIsRefusedInOneLineAndLowerCaseModulesGetsTheEntry)
+	{
+		FProject Project;
+		Write(Project.Plugin + "/UnrealCLR.uplugin", Nested(70000));
+		const FProcessRun Deep = ChildProcess::RunLodex(Project.Arguments());
+		EXPECT_EQ(Deep.Exit, 1);
+		EXPECT_EQ(Deep.Err,
+			"lodex: " + Project.Plugin +
+				"/UnrealCLR.uplugin:1:280: nested deeper than 256 levels, "
+				"the most lodex reads\n");
+
+		const std::string Lower = "{\n\t\"modules\": [\n\t\t{\n\t\t\t\"Name\": \"UnrealCLR\"\n\t\t}\n\t]\n}\n";
+		Write(Project.Plugin + "/UnrealCLR.uplugin", Lower);
+		ASSERT_EQ(Project.Install().Exit, 0);
+		EXPECT_EQ(FTempDir::Read(Project.Plugin + "/UnrealCLR.uplugin"),
+			"{\n\t\"modules\": [\n\t\t{\n\t\t\t\"Name\": \"UnrealCLR\"\n\t\t},\n\t\t{\n\t\t\t\"Name\": "
+			"\"LodexDebugger\",\n\t\t\t\"Type\": \"Editor\",\n\t\t\t\"LoadingPhase\": "
+			"\"PostEngineInit\"\n\t\t}\n\t]\n}\n");
+	}
+}
