@@ -221,6 +221,19 @@ namespace
 				"level.umap: byte " + std::to_string(Export0 + 28) + ": export 0 'Main': its data (" +
 					std::to_string(At.ExportData[1] - At.ExportData[0]) +
 					" bytes at byte 99999999) lies outside the file (" + Size + " bytes)"},
+			// Data two exports share, or that lies in a table, is read for neither.
+			{[&](std::string& B)
+				{ PatchInt32(B, At.ExportEntries[3] + 36, static_cast<std::int32_t>(At.ExportData[2])); },
+				"level.umap: byte " + std::to_string(At.ExportEntries[3] + 28) + ": export 3 'Base': its data (" +
+					std::to_string(At.ExportData[4] - At.ExportData[3]) + " bytes at byte " +
+					std::to_string(At.ExportData[2]) +
+					") overlaps the data of export 2 'LevelStreamingDynamic_0' (bytes " +
+					std::to_string(At.ExportData[2]) + " to " + std::to_string(At.ExportData[3] - 1) + ")"},
+			{[&](std::string& B) { PatchInt32(B, Export0 + 36, static_cast<std::int32_t>(At.NameOffset + 8)); },
+				"level.umap: byte " + std::to_string(Export0 + 28) + ": export 0 'Main': its data (" +
+					std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte " +
+					std::to_string(At.NameOffset + 8) + ") overlaps the name map (bytes " +
+					std::to_string(At.NameOffset) + " to " + std::to_string(At.ImportOffset - 1) + ")"},
 			{[&](std::string& B) { B.resize(At.ExportData[0] + 3); },
 				"level.umap: byte " + std::to_string(At.ExportEntries[0] + 28) + ": export 0 'Main': its data (" +
 					std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte " +

@@ -434,6 +434,45 @@ namespace
 				"/Content: the default tags of its actors are unknown"});
 	}
 
+	FTestMap MapOf(const std::string& PackagePath, const std::string& ActorName)
+	{
+		FTestMap Map;
+		Map.PackagePath = PackagePath;
+		Map.Actors = {Actor(ActorName)};
+		return Map;
+	}
+
+	TEST_F(LevelReader, APackageNameNeverLeadsOutOfContent)
+	{
+		// "/Game/" then an absolute path, or a name the engine never saves: nothing outside Content is read.
+		WriteTestFile(Temp.Path, "Outside/Sub.umap", WriteTestMap(MapOf("/Game/Sub", "Stranger")));
+		WriteTestFile(Temp.Path, "Outside/BP.uasset",
+			WriteTestBlueprint("/Game/BP", "BP_C", "/Script/Engine.Actor", true, {"outside"}));
+		const std::string Outside = "/Game/" + Temp.Path + "/Outside";
+		FTestMap Map;
+		FTestActor Door = Actor("BP_C_0");
+		Door.Class = Outside + "/BP.BP_C";
+		Map.Actors = {Door};
+		Map.SubLevels = {Outside + "/Sub", "/Game/Maps\\Sub"};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Write("Maps\\Sub.umap", WriteTestMap(MapOf("/Game/Maps\\Sub", "Odd")));
+		Read();
+		EXPECT_EQ(Listing(), (std::vector<std::string>{"other " + Level, "actor " + Level + ".BP_C_0"}));
+		EXPECT_EQ(Object(Level + ".BP_C_0").Tags, std::vector<std::string>{});
+		const std::string Content = Temp.Path + "/Content";
+		EXPECT_EQ(Scene.Notes,
+			(std::vector<std::string>{
+				"the Blueprint class " + Outside + "/BP.BP_C is not under " + Content +
+					": the default tags of its actors are unknown",
+				"the sub-level " + Outside + "/Sub is not under " + Content + "; left out",
+				"the sub-level /Game/Maps\\Sub is not under " + Content + "; left out",
+			}));
+
+		Write("Maps/Away.umap", WriteTestRedirector("/Game/Maps/Away", Outside + "/Sub"));
+		EXPECT_EQ(ReadError("Maps/Away.umap"),
+			ContentFile("Maps/Away.umap") + ": a redirector to " + Outside + "/Sub, which is not under " + Content);
+	}
+
 	TEST_F(LevelReader, AMapOutsideAContentFolderIsReadAloneWithANote)
 	{
 		FTestMap Map;
