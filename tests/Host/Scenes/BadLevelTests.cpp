@@ -406,6 +406,28 @@ namespace
 		}
 	}
 
+	TEST(BadLevel, AnAttachParentDeeperThanAnyComponentIsAnError)
+	{
+		// A component lies five objects deep (package, world, level, actor, component); past eight none does, and the
+		// path is not built.
+		FTestMap Map;
+		FTestActor Cube;
+		Cube.Name = "Cube";
+		Cube.Components = {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.A.B.C.D.E.F"}};
+		Cube.Root = "Root";
+		Map.Actors = {Cube};
+		const FBadMap Deep = Build(Map);
+		EXPECT_EQ(ReadError(Deep.Bytes),
+			"level.umap: byte " + std::to_string(Deep.Layout.ExportData[3] + 89 + 25) + // past RelativeLocation
+
+				": actor 'Cube' is attached to object -14, which lies more than 8 objects deep in its package: no "
+				"component does");
+		Map.Actors[0].Components[0].AttachParent = "/Game/Maps/Other.Other:PersistentLevel.A.B.C.D.E";
+		FLevelScene Scene;
+		std::string Error;
+		EXPECT_TRUE(ReadLevelSceneBytes(Build(Map).Bytes, "level.umap", "/Game/Maps/Main", Scene, Error)) << Error;
+	}
+
 	TEST(BadLevel, NamesThatWouldMakeTwoObjectsOneAreErrors)
 	{
 		FTestMap Twins;

@@ -473,6 +473,23 @@ namespace
 			ContentFile("Maps/Away.umap") + ": a redirector to " + Outside + "/Sub, which is not under " + Content);
 	}
 
+	TEST_F(LevelReader, OnlyAClassAtTheTopOfItsPackageIsLookedUp)
+	{
+		// Every class the engine saves is a top-level object; a path through another object names no class package.
+		FTestMap Map;
+		FTestActor Nested = Actor("BP_C_0");
+		Nested.Class = "/Game/BP/Deep.Outer.BP_C";
+		FTestActor Missing = Actor("BP_Gone_C_0");
+		Missing.Class = "/Game/BP/Gone.BP_Gone_C";
+		Map.Actors = {Nested, Missing};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		EXPECT_EQ(Object(Level + ".BP_C_0").ClassName, "BP_C");
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{"the Blueprint class /Game/BP/Gone.BP_Gone_C is not under " + Temp.Path +
+				"/Content: the default tags of its actors are unknown"});
+	}
+
 	TEST_F(LevelReader, AMapOutsideAContentFolderIsReadAloneWithANote)
 	{
 		FTestMap Map;
