@@ -68,6 +68,9 @@ namespace
 			{"api!?.Find(\"//A\");", "1:12 Find [//A]\n"},
 			{"api.CallMethod<(int, int)>(\"//A\", \"F\");", "1:28 CallMethod [//A]\n1:35 CallMethod [F]\n"},
 			{"api.Get<Dictionary<string, (int X, List<int> Y)>>(\"//A\");", "1:51 Get [//A]\n"},
+			// No identifier is longer than 512 characters: the compiler refuses the call, and lint passes it over.
+			{"api." + std::string(512, 'M') + "(\"//A\"); api." + std::string(513, 'M') + "(\"//B\");",
+				"1:518 " + std::string(512, 'M') + " [//A]\n"},
 			// A comparison is no type argument list.
 			{"if (api.Count < 3) api.Click(\"//A\");", "1:30 Click [//A]\n"},
 			{"bool b = api.Count < x && y > (z); api.Click(\"//A\");", "1:46 Click [//A]\n"},

@@ -9,6 +9,9 @@
 
 namespace
 {
+	/** The longest identifier the C# compiler accepts (a longer one is error CS0645), in bytes here. */
+	constexpr std::uint32_t CSharpIdentifierLimit = 512;
+
 	bool IsPunctuation(const FCSharpToken& Token, char Character)
 	{
 		return Token.Kind == ECSharpToken::Punctuation && Token.Character == Character;
@@ -132,6 +135,10 @@ std::vector<FCSharpApiString> FindApiStringArguments(const std::string& Source)
 			continue;
 		}
 		const std::size_t Method = At + 1;
+		if (Tokens[Method].Length > CSharpIdentifierLimit)
+		{
+			continue; // no method the compiler accepts: its identifiers are 512 characters at most
+		}
 		At += 2;
 		if (At < Count && IsPunctuation(Tokens[At], '<'))
 		{
