@@ -197,6 +197,7 @@ namespace
 			Listed.insert(Listed.end(), List.begin(), List.end());
 		}
 		Listed.push_back(RootComponent);
+		std::sort(Listed.begin(), Listed.end()); // looked up once per object the actor holds
 
 		// The components: the objects the actor holds that are components, by their class or by the actor's lists.
 		std::int32_t AttachedComponent = 0;
@@ -208,11 +209,7 @@ namespace
 			[&](std::int32_t Child)
 			{
 				const std::string ClassName = Package.ClassNameOf(Child);
-				bool bListed = false;
-				for (const std::int32_t Entry : Listed)
-				{
-					bListed = bListed || Entry == Child;
-				}
+				const bool bListed = std::binary_search(Listed.begin(), Listed.end(), Child);
 				if (bFailed || (!bListed && !EndsWith(ClassName, "Component") && !EndsWith(ClassName, "Component_C")))
 				{
 					return;
@@ -436,13 +433,16 @@ namespace
 				"the world's persistent level is named '" + Package.ObjectName(OutLevel) + "', not PersistentLevel";
 			return false;
 		}
+		std::vector<bool> bRead(Package.GetExports().size() + 1, false);
 		for (const std::int32_t Level : Streaming)
 		{
 			FObjectProperties Properties;
-			if (!IsExport(Level))
+			// A streaming level the list names again is read once.
+			if (!IsExport(Level) || bRead[static_cast<std::size_t>(Level)])
 			{
 				continue;
 			}
+			bRead[static_cast<std::size_t>(Level)] = true;
 			if (!ReadObjectProperties(Package, Level, Properties, OutError))
 			{
 				return false;
