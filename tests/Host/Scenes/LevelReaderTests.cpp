@@ -356,6 +356,24 @@ namespace
 				"/Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
 	}
 
+	TEST_F(LevelReader, AStreamingLevelTheWorldListsTwiceIsReadOnce)
+	{
+		FTestMap Map;
+		Map.Actors = {Actor("Cube")};
+		Map.SubLevels = {"/Game/Maps/Sub", "/Game/Maps/Other"};
+		FTestPackage Package;
+		std::string Bytes = WriteTestMap(Map, &Package);
+		// The world's data ends with its StreamingLevels: the second entry becomes the first's.
+		const std::size_t WorldEnd = Package.Layout.ExportData[1];
+		Bytes.replace(WorldEnd - 4, 4, Bytes.substr(WorldEnd - 8, 4));
+		Write("Maps/Main.umap", Bytes);
+		FLevelReadOptions Without;
+		Without.bSubLevels = false;
+		Read(Without);
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{ContentFile("Maps/Main.umap") + ": sub-levels left out: /Game/Maps/Sub"});
+	}
+
 	TEST_F(LevelReader, ARedirectorIsFollowedAndSaidSo)
 	{
 		Write("Maps/Main.umap", WriteTestRedirector("/Game/Maps/Main", "/Game/Maps/Renamed"));
