@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 // Fuzz target csharp_tests: a C# test file scanned for the string literals passed to `api` calls, as `lodex lint`
 // scans one, then linted against the embedded sample level in memory.
+#include "Lint/CSharpLexer.h"
 #include "Lint/CSharpLiterals.h"
 #include "FuzzProperties.h"
 #include "FuzzSample.h"
@@ -29,6 +30,20 @@ namespace
 			Index += Length;
 		}
 		return true;
+	}
+
+	/** The text with each of C#'s line breaks (CR LF, CR, LF, U+0085, U+2028, U+2029) made one LF. */
+	std::string WithLineFeeds(const std::string& Source)
+	{
+		std::string Text;
+		Text.reserve(Source.size());
+		for (std::size_t At = 0; At < Source.size();)
+		{
+			const std::size_t Break = CSharpLineBreakAt(Source, At);
+			Text += Break > 0 ? '\n' : Source[At];
+			At += Break > 0 ? Break : 1;
+		}
+		return Text;
 	}
 
 	/**
@@ -63,9 +78,12 @@ namespace
 
 std::string CheckCSharpTestsInput(const std::string& Input)
 {
-	const std::vector<FCSharpApiString> Literals = FindApiStringArguments(Input);
-	const std::vector<std::string> Lines = LodexFuzz::SplitLines(Input);
-	const bool bUtf8 = IsUtf8(Input);
+	// Lines and columns are checked on the text as the compiler decodes it, each line break one LF.
+	const std::string Source = DecodeCSharpSourceBytes(Input);
+	const std::string LineText = WithLineFeeds(Source);
+	const std::vector<FCSharpApiString> Literals = FindApiStringArguments(Source);
+	const std::vector<std::string> Lines = LodexFuzz::SplitLines(LineText);
+	const bool bUtf8 = IsUtf8(Source);
 	std::size_t Lodestrings = 0;
 	std::size_t NotUtf8 = 0;
 	for (std::size_t Index = 0; Index < Literals.size(); ++Index)
@@ -136,7 +154,7 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 	for (const std::string& Line : ReportLines)
 	{
 		// Each line names the file, a line and a column of it, then what is wrong.
-		const std::string Failure = LodexFuzz::CheckFileError(Line, "Test.cs", Input, false);
+		const std::string Failure = LodexFuzz::CheckFileError(Line, "Test.cs", LineText, false);
 		if (!Failure.empty())
 		{
 			return "lint's report: " + Failure;

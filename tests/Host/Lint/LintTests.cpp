@@ -147,6 +147,25 @@ namespace
 				"Checked 4 Lodestrings in 1 file: 3 errors, 0 warnings\n");
 	}
 
+	TEST_F(LodexLint, AUtf16FileIsReadAsTheCompilerReadsIt)
+	{
+		// UTF-16 little-endian with its mark, a line ending in U+2028: positions are counted in the decoded text.
+		const std::u16string Text = u"/* T\u00FCr */ api.Click(\"//Nobody\");\u2028api.Click(\"//A\");";
+		std::string Bytes = "\xFF\xFE";
+		for (const char16_t Unit : Text)
+		{
+			Bytes += static_cast<char>(Unit & 0xFF);
+			Bytes += static_cast<char>(Unit >> 8);
+		}
+		const std::string Utf16 = Dir.Write("Utf16.cs", Bytes);
+		const FLodexRun Run = RunLodex({"lint", "--scene", ScenePath, Utf16});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Out,
+			Utf16 +
+				":1:22: error: //Nobody matches no object [no-match]\n"
+				"Checked 2 Lodestrings in 1 file: 1 error, 0 warnings\n");
+	}
+
 	TEST_F(LodexLint, AnUnreadableFileStopsWithOneLineAndNoReport)
 	{
 		const std::string Good = Dir.Write("Good.cs", "api.Click(\"//Nobody\");");

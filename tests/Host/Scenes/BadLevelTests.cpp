@@ -221,6 +221,19 @@ namespace
 				"level.umap: byte " + std::to_string(Export0 + 28) + ": export 0 'Main': its data (" +
 					std::to_string(At.ExportData[1] - At.ExportData[0]) +
 					" bytes at byte 99999999) lies outside the file (" + Size + " bytes)"},
+			// Data two exports share, or that lies in a table, is read for neither.
+			{[&](std::string& B)
+				{ PatchInt32(B, At.ExportEntries[3] + 36, static_cast<std::int32_t>(At.ExportData[2])); },
+				"level.umap: byte " + std::to_string(At.ExportEntries[3] + 28) + ": export 3 'Base': its data (" +
+					std::to_string(At.ExportData[4] - At.ExportData[3]) + " bytes at byte " +
+					std::to_string(At.ExportData[2]) +
+					") overlaps the data of export 2 'LevelStreamingDynamic_0' (bytes " +
+					std::to_string(At.ExportData[2]) + " to " + std::to_string(At.ExportData[3] - 1) + ")"},
+			{[&](std::string& B) { PatchInt32(B, Export0 + 36, static_cast<std::int32_t>(At.NameOffset + 8)); },
+				"level.umap: byte " + std::to_string(Export0 + 28) + ": export 0 'Main': its data (" +
+					std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte " +
+					std::to_string(At.NameOffset + 8) + ") overlaps the name map (bytes " +
+					std::to_string(At.NameOffset) + " to " + std::to_string(At.ImportOffset - 1) + ")"},
 			{[&](std::string& B) { B.resize(At.ExportData[0] + 3); },
 				"level.umap: byte " + std::to_string(At.ExportEntries[0] + 28) + ": export 0 'Main': its data (" +
 					std::to_string(At.ExportData[1] - At.ExportData[0]) + " bytes at byte " +
@@ -391,6 +404,28 @@ namespace
 			PatchInt32(Bytes, Row.Offset, Row.Value);
 			EXPECT_EQ(ReadError(Bytes), "level.umap: " + Row.Error);
 		}
+	}
+
+	TEST(BadLevel, AnAttachParentDeeperThanAnyComponentIsAnError)
+	{
+		// A component lies five objects deep (package, world, level, actor, component); past eight none does, and the
+		// path is not built.
+		FTestMap Map;
+		FTestActor Cube;
+		Cube.Name = "Cube";
+		Cube.Components = {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.A.B.C.D.E.F"}};
+		Cube.Root = "Root";
+		Map.Actors = {Cube};
+		const FBadMap Deep = Build(Map);
+		EXPECT_EQ(ReadError(Deep.Bytes),
+			"level.umap: byte " + std::to_string(Deep.Layout.ExportData[3] + 89 + 25) + // past RelativeLocation
+
+				": actor 'Cube' is attached to object -14, which lies more than 8 objects deep in its package: no "
+				"component does");
+		Map.Actors[0].Components[0].AttachParent = "/Game/Maps/Other.Other:PersistentLevel.A.B.C.D.E";
+		FLevelScene Scene;
+		std::string Error;
+		EXPECT_TRUE(ReadLevelSceneBytes(Build(Map).Bytes, "level.umap", "/Game/Maps/Main", Scene, Error)) << Error;
 	}
 
 	TEST(BadLevel, NamesThatWouldMakeTwoObjectsOneAreErrors)

@@ -356,6 +356,24 @@ namespace
 				"/Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
 	}
 
+	TEST_F(LevelReader, AStreamingLevelTheWorldListsTwiceIsReadOnce)
+	{
+		FTestMap Map;
+		Map.Actors = {Actor("Cube")};
+		Map.SubLevels = {"/Game/Maps/Sub", "/Game/Maps/Other"};
+		FTestPackage Package;
+		std::string Bytes = WriteTestMap(Map, &Package);
+		// The world's data ends with its StreamingLevels: the second entry becomes the first's.
+		const std::size_t WorldEnd = Package.Layout.ExportData[1];
+		Bytes.replace(WorldEnd - 4, 4, Bytes.substr(WorldEnd - 8, 4));
+		Write("Maps/Main.umap", Bytes);
+		FLevelReadOptions Without;
+		Without.bSubLevels = false;
+		Read(Without);
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{ContentFile("Maps/Main.umap") + ": sub-levels left out: /Game/Maps/Sub"});
+	}
+
 	TEST_F(LevelReader, ARedirectorIsFollowedAndSaidSo)
 	{
 		Write("Maps/Main.umap", WriteTestRedirector("/Game/Maps/Main", "/Game/Maps/Renamed"));
@@ -431,6 +449,62 @@ namespace
 		}
 		EXPECT_EQ(Scene.Notes,
 			std::vector<std::string>{"the Blueprint class /Game/BP/BP_Lost.BP_Lost_C is not under " + Temp.Path +
+				"/Content: the default tags of its actors are unknown"});
+	}
+
+	FTestMap MapOf(const std::string& PackagePath, const std::string& ActorName)
+	{
+		FTestMap Map;
+		Map.PackagePath = PackagePath;
+		Map.Actors = {Actor(ActorName)};
+		return Map;
+	}
+
+	TEST_F(LevelReader, APackageNameNeverLeadsOutOfContent)
+	{
+		// "/Game/" then an absolute path, or a name the engine never saves: nothing outside Content is read.
+		WriteTestFile(Temp.Path, "Outside/Sub.umap", WriteTestMap(MapOf("/Game/Sub", "Stranger")));
+		WriteTestFile(Temp.Path, "Outside/BP.uasset",
+			WriteTestBlueprint("/Game/BP", "BP_C", "/Script/Engine.Actor", true, {"outside"}));
+		const std::string Outside = "/Game/" + Temp.Path + "/Outside";
+		FTestMap Map;
+		FTestActor Door = Actor("BP_C_0");
+		Door.Class = Outside + "/BP.BP_C";
+		Map.Actors = {Door};
+		Map.SubLevels = {Outside + "/Sub", "/Game/Maps\\Sub"};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Write("Maps\\Sub.umap", WriteTestMap(MapOf("/Game/Maps\\Sub", "Odd")));
+		Read();
+		EXPECT_EQ(Listing(), (std::vector<std::string>{"other " + Level, "actor " + Level + ".BP_C_0"}));
+		EXPECT_EQ(Object(Level + ".BP_C_0").Tags, std::vector<std::string>{});
+		const std::string Content = Temp.Path + "/Content";
+		EXPECT_EQ(Scene.Notes,
+			(std::vector<std::string>{
+				"the Blueprint class " + Outside + "/BP.BP_C is not under " + Content +
+					": the default tags of its actors are unknown",
+				"the sub-level " + Outside + "/Sub is not under " + Content + "; left out",
+				"the sub-level /Game/Maps\\Sub is not under " + Content + "; left out",
+			}));
+
+		Write("Maps/Away.umap", WriteTestRedirector("/Game/Maps/Away", Outside + "/Sub"));
+		EXPECT_EQ(ReadError("Maps/Away.umap"),
+			ContentFile("Maps/Away.umap") + ": a redirector to " + Outside + "/Sub, which is not under " + Content);
+	}
+
+	TEST_F(LevelReader, OnlyAClassAtTheTopOfItsPackageIsLookedUp)
+	{
+		// Every class the engine saves is a top-level object; a path through another object names no class package.
+		FTestMap Map;
+		FTestActor Nested = Actor("BP_C_0");
+		Nested.Class = "/Game/BP/Deep.Outer.BP_C";
+		FTestActor Missing = Actor("BP_Gone_C_0");
+		Missing.Class = "/Game/BP/Gone.BP_Gone_C";
+		Map.Actors = {Nested, Missing};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		EXPECT_EQ(Object(Level + ".BP_C_0").ClassName, "BP_C");
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{"the Blueprint class /Game/BP/Gone.BP_Gone_C is not under " + Temp.Path +
 				"/Content: the default tags of its actors are unknown"});
 	}
 

@@ -46,6 +46,11 @@ namespace
 				"number"},
 			{SceneWithClasses(R"([{"name": "Actor"}, {"name": "B", "super": "C"}, {"name": "C", "super": "B"}])"),
 				"x.json: classes[1] (name 'B'): field 'super': the class derives from itself (B -> C -> B)"},
+			// Actor leads into the loop D -> E; the loop B -> C comes first in the file among the classes on loops.
+			{SceneWithClasses(
+				 R"([{"name": "Actor", "super": "D"}, {"name": "D", "super": "E"}, {"name": "B", "super": "C"},
+				 {"name": "C", "super": "B"}, {"name": "E", "super": "D"}])"),
+				"x.json: classes[1] (name 'D'): field 'super': the class derives from itself (D -> E -> D)"},
 			{SceneWithClasses(R"([{"name": "Actor", "super": "Actor"}])"),
 				"x.json: classes[0] (name 'Actor'): field 'super': the class derives from itself (Actor -> Actor)"},
 			{SceneWithClasses("[" + Actor + R"("functions": {}}])"),

@@ -28,7 +28,8 @@ namespace
 	/** Writes an actor and its components as exports of Package under Outer; returns the actor's index. */
 	std::int32_t WriteActor(FTestPackage& Package, std::int32_t Outer, const FTestActor& Actor)
 	{
-		const std::int32_t Index = Package.Export(ClassOf(Package, Actor.Class), Outer, Actor.Name);
+		const std::int32_t Class = Actor.ClassIndex != 0 ? Actor.ClassIndex : ClassOf(Package, Actor.Class);
+		const std::int32_t Index = Package.Export(Class, Outer, Actor.Name);
 		std::vector<std::int32_t> Components;
 		for (const FTestComponent& Component : Actor.Components)
 		{

@@ -148,6 +148,8 @@ struct FTestActor
 {
 	std::string Name;
 	std::string Class = "StaticMeshActor";
+	/** The class as an object of the package (an import or an export), in place of Class, when not 0. */
+	std::int32_t ClassIndex = 0;
 	std::string Label;
 	bool bTags = false;
 	std::vector<std::string> Tags;

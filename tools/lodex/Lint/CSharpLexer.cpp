@@ -1,7 +1,11 @@
 // Copyright Lodex contributors.
 #include "CSharpLexer.h"
 
+#include "CSharpDirectives.h"
+
 #include "LodexDebugger/Core/Text/LodexText.h"
+
+#include <limits>
 
 namespace
 {
@@ -51,54 +55,59 @@ namespace
 		std::uint32_t High = 0;
 	};
 
+	/** How deep interpolated strings nest in holes before the holes are passed over unread. */
+	constexpr std::size_t CSharpHoleDepthLimit = 256;
+
 	class FCSharpScanner
 	{
 	public:
 		explicit FCSharpScanner(const std::string& InSource)
 			: S(InSource)
-			, N(InSource.size())
+			, N(std::min<std::size_t>(InSource.size(), std::numeric_limits<std::uint32_t>::max()))
 		{
 			if (S.compare(0, 3, "\xEF\xBB\xBF") == 0)
 			{
-				Pos = LineStart = 3;
+				Pos = 3;
 			}
 		}
 
-		std::vector<FCSharpToken> Run()
+		FCSharpTokens Run()
 		{
 			while (Pos < N)
 			{
 				ScanOne();
 			}
-			return std::move(Tokens);
+			return std::move(Out);
 		}
 
 	private:
 		char At(std::size_t Offset = 0) const { return Pos + Offset < N ? S[Pos + Offset] : '\0'; }
-		void Advance(std::size_t Count = 1)
+		void Advance(std::size_t Count = 1) { Pos = Pos + Count < N ? Pos + Count : N; }
+		std::size_t BreakAt(std::size_t Offset) const { return Offset < N ? CSharpLineBreakAt(S, Offset) : 0; }
+		/** Passes over the rest of the line, its line break included. */
+		void SkipLine()
 		{
-			for (; Count > 0 && Pos < N; --Count, ++Pos)
+			while (Pos < N && BreakAt(Pos) == 0)
 			{
-				if (S[Pos] == '\n')
-				{
-					++Line;
-					LineStart = Pos + 1;
-				}
+				++Pos;
 			}
-		}
-		std::size_t Column() const
-		{
-			std::size_t Characters = 0;
-			for (std::size_t At = LineStart; At < Pos; ++At)
-			{
-				Characters += (static_cast<unsigned char>(S[At]) & 0xC0) != 0x80 ? 1 : 0;
-			}
-			return Characters + 1;
+			Advance(BreakAt(Pos));
 		}
 		FCSharpToken& Push(ECSharpToken Kind)
 		{
-			Tokens.push_back({Kind, std::string(), Line, Column(), Pos, {}});
-			return Tokens.back();
+			bLineStart = false;
+			FCSharpToken Token;
+			Token.Kind = Kind;
+			Token.Offset = static_cast<std::uint32_t>(Pos);
+			Out.Tokens.push_back(Token);
+			return Out.Tokens.back();
+		}
+		FCSharpStringValue& PushString()
+		{
+			FCSharpToken& Token = Push(ECSharpToken::String);
+			Token.Value = static_cast<std::uint32_t>(Out.Strings.size());
+			Out.Strings.emplace_back();
+			return Out.Strings.back();
 		}
 		std::size_t QuotesAt(std::size_t From) const
 		{
@@ -110,22 +119,71 @@ namespace
 			return Count;
 		}
 
+		/** A directive at Pos ('#'): applies it, then passes over the lines a condition leaves out. */
+		void ScanDirective()
+		{
+			for (;;)
+			{
+				const std::size_t Begin = Pos + 1;
+				std::size_t End = Begin;
+				while (End < N && BreakAt(End) == 0)
+				{
+					++End;
+				}
+				Pos = End + BreakAt(End);
+				Directives.Apply(std::string_view(S).substr(Begin, End - Begin));
+				if (Directives.IsActive())
+				{
+					bLineStart = true;
+					return;
+				}
+				// Left out: only the next directive line counts.
+				for (;;)
+				{
+					while (Pos < N && (At() == ' ' || At() == '\t' || At() == '\v' || At() == '\f'))
+					{
+						++Pos;
+					}
+					if (Pos >= N || At() == '#')
+					{
+						break;
+					}
+					SkipLine();
+				}
+				if (Pos >= N)
+				{
+					return;
+				}
+			}
+		}
+
 		void ScanOne()
 		{
 			const char Char = At();
-			if (Char == ' ' || Char == '\t' || Char == '\r' || Char == '\n' || Char == '\f' || Char == '\v')
+			const std::size_t Break = BreakAt(Pos);
+			if (Break > 0)
+			{
+				Advance(Break);
+				bLineStart = HoleDepth == 0;
+			}
+			else if (Char == ' ' || Char == '\t' || Char == '\f' || Char == '\v')
 			{
 				Advance();
 			}
+			else if (Char == '#' && bLineStart)
+			{
+				ScanDirective();
+			}
 			else if (Char == '/' && At(1) == '/')
 			{
-				while (Pos < N && S[Pos] != '\n')
+				while (Pos < N && BreakAt(Pos) == 0)
 				{
 					Advance();
 				}
 			}
 			else if (Char == '/' && At(1) == '*')
 			{
+				bLineStart = false;
 				Advance(2);
 				while (Pos < N && !(At() == '*' && At(1) == '/'))
 				{
@@ -135,24 +193,25 @@ namespace
 			}
 			else if (Char == '"')
 			{
-				FCSharpToken& Token = Push(ECSharpToken::String);
+				const std::size_t Start = Pos;
+				FCSharpStringValue& Value = PushString();
 				if (QuotesAt(Pos) >= 3)
 				{
 					// Each byte of a raw literal's value points at the literal: its lines lose their indentation.
-					Token.Text = ReadRaw();
-					Token.Offsets.assign(Token.Text.size(), static_cast<std::uint32_t>(Token.Offset));
+					Value.Text = ReadRaw();
+					Value.Offsets.assign(Value.Text.size(), static_cast<std::uint32_t>(Start));
 				}
 				else
 				{
-					Token.Text = ReadRegular(Token.Offsets);
+					Value.Text = ReadRegular(Value.Offsets);
 				}
 				SkipUtf8Suffix();
 			}
 			else if (Char == '@' && At(1) == '"')
 			{
-				FCSharpToken& Token = Push(ECSharpToken::String);
+				FCSharpStringValue& Value = PushString();
 				Advance();
-				Token.Text = ReadVerbatim(Token.Offsets);
+				Value.Text = ReadVerbatim(Value.Offsets);
 				SkipUtf8Suffix();
 			}
 			else if (Char == '$' || (Char == '@' && At(1) == '$'))
@@ -164,20 +223,20 @@ namespace
 			{
 				Push(ECSharpToken::Other);
 				Advance();
-				while (Pos < N && At() != '\'' && At() != '\n')
+				while (Pos < N && At() != '\'' && BreakAt(Pos) == 0)
 				{
 					Advance(At() == '\\' ? 2 : 1);
 				}
-				Advance();
+				Advance(BreakAt(Pos) == 0 ? 1 : 0);
 			}
-			else if (IsIdentifierChar(Char) && !(Char >= '0' && Char <= '9'))
+			else if (IsIdentifierChar(Char) && !(Char >= '0' && Char <= '9') && BreakAt(Pos) == 0)
 			{
 				FCSharpToken& Token = Push(ECSharpToken::Identifier);
-				while (Pos < N && IsIdentifierChar(At()))
+				while (Pos < N && IsIdentifierChar(At()) && BreakAt(Pos) == 0)
 				{
-					Token.Text += At();
 					Advance();
 				}
+				Token.Length = static_cast<std::uint32_t>(Pos - Token.Offset);
 			}
 			else if (Char == '@' && IsIdentifierChar(At(1)))
 			{
@@ -186,14 +245,16 @@ namespace
 			else if (Char >= '0' && Char <= '9')
 			{
 				Push(ECSharpToken::Other);
-				while (Pos < N && (IsIdentifierChar(At()) || At() == '.'))
+				while (Pos < N && (IsIdentifierChar(At()) || At() == '.') && BreakAt(Pos) == 0)
 				{
 					Advance();
 				}
 			}
 			else
 			{
-				Push(ECSharpToken::Punctuation).Text = std::string(1, Char);
+				FCSharpToken& Token = Push(ECSharpToken::Punctuation);
+				Token.Character = Char;
+				Token.Length = 1;
 				Advance();
 			}
 		}
@@ -221,7 +282,7 @@ namespace
 			// A surrogate pair's bytes come out with its second half: they point at the first.
 			constexpr std::size_t NoPending = static_cast<std::size_t>(-1);
 			std::size_t Pending = NoPending;
-			while (Pos < N && At() != '"' && At() != '\n')
+			while (Pos < N && At() != '"' && BreakAt(Pos) == 0)
 			{
 				const std::size_t From = Pos;
 				const std::size_t Origin = Pending != NoPending ? Pending : From;
@@ -234,80 +295,88 @@ namespace
 					Pending = NoPending;
 					continue;
 				}
-				const char Escape = At(1);
-				Advance(2);
-				switch (Escape)
-				{
-					case '\'':
-					case '"':
-					case '\\':
-						Joiner.Unit(static_cast<unsigned char>(Escape));
-						break;
-					case '0':
-						Joiner.Unit(0);
-						break;
-					case 'a':
-						Joiner.Unit(7);
-						break;
-					case 'b':
-						Joiner.Unit(8);
-						break;
-					case 'e':
-						Joiner.Unit(27);
-						break;
-					case 'f':
-						Joiner.Unit(12);
-						break;
-					case 'n':
-						Joiner.Unit(10);
-						break;
-					case 'r':
-						Joiner.Unit(13);
-						break;
-					case 't':
-						Joiner.Unit(9);
-						break;
-					case 'v':
-						Joiner.Unit(11);
-						break;
-					case 'x':
-					case 'u':
-					case 'U':
-					{
-						const std::size_t MaxDigits = Escape == 'x' ? 4 : (Escape == 'u' ? 4 : 8);
-						std::uint32_t Code = 0;
-						std::size_t Digits = 0;
-						while (Digits < MaxDigits && LodexText::HexDigitValue(At()) >= 0)
-						{
-							Code = Code * 16 + static_cast<std::uint32_t>(LodexText::HexDigitValue(At()));
-							Advance();
-							++Digits;
-						}
-						if (Escape == 'U' && Code > 0xFFFF)
-						{
-							Joiner.Flush();
-							LodexText::AppendUtf8(Value, Code <= 0x10FFFF ? Code : 0xFFFD);
-						}
-						else
-						{
-							Joiner.Unit(Code);
-						}
-						break;
-					}
-					default:
-						// Not C#; kept as written.
-						Joiner.Flush();
-						Value += '\\';
-						Value += Escape;
-						break;
-				}
+				const char Escape = BreakAt(Pos + 1) == 0 ? At(1) : '\0';
+				Advance(Escape != '\0' ? 2 : 1);
+				ReadEscape(Escape, Value, Joiner);
 				MarkFrom(Value, Offsets, Origin);
 				Pending = Joiner.IsHolding() ? From : NoPending;
 			}
 			Joiner.Flush();
 			MarkFrom(Value, Offsets, Pending != NoPending ? Pending : Pos);
-			Advance(); // the closing quote
+			Advance(At() == '"' ? 1 : 0); // the closing quote
 			return Value;
+		}
+
+		void ReadEscape(char Escape, std::string& Value, FUtf16Joiner& Joiner)
+		{
+			switch (Escape)
+			{
+				case '\'':
+				case '"':
+				case '\\':
+					Joiner.Unit(static_cast<unsigned char>(Escape));
+					break;
+				case '0':
+					Joiner.Unit(0);
+					break;
+				case 'a':
+					Joiner.Unit(7);
+					break;
+				case 'b':
+					Joiner.Unit(8);
+					break;
+				case 'e':
+					Joiner.Unit(27);
+					break;
+				case 'f':
+					Joiner.Unit(12);
+					break;
+				case 'n':
+					Joiner.Unit(10);
+					break;
+				case 'r':
+					Joiner.Unit(13);
+					break;
+				case 't':
+					Joiner.Unit(9);
+					break;
+				case 'v':
+					Joiner.Unit(11);
+					break;
+				case 'x':
+				case 'u':
+				case 'U':
+				{
+					const std::size_t MaxDigits = Escape == 'U' ? 8 : 4;
+					std::uint32_t Code = 0;
+					std::size_t Digits = 0;
+					while (Digits < MaxDigits && LodexText::HexDigitValue(At()) >= 0)
+					{
+						Code = Code * 16 + static_cast<std::uint32_t>(LodexText::HexDigitValue(At()));
+						Advance();
+						++Digits;
+					}
+					if (Escape == 'U' && Code > 0xFFFF)
+					{
+						Joiner.Flush();
+						LodexText::AppendUtf8(Value, Code <= 0x10FFFF ? Code : 0xFFFD);
+					}
+					else
+					{
+						Joiner.Unit(Code);
+					}
+					break;
+				}
+				default:
+					// Not C#; kept as written.
+					Joiner.Flush();
+					Value += '\\';
+					if (Escape != '\0')
+					{
+						Value += Escape;
+					}
+					break;
+			}
 		}
 
 		/** @"..." where "" stands for one quote; the opening quote is at Pos. */
@@ -355,38 +424,38 @@ namespace
 				}
 				Advance(Run > 0 ? Run : 1);
 			}
-			const std::string Content = S.substr(Begin, End - Begin);
-			const std::size_t FirstBreak = Content.find('\n');
-			if (FirstBreak == std::string::npos)
+			// The content's lines, split at any line break.
+			std::vector<std::pair<std::size_t, std::size_t>> Lines;
+			std::size_t From = Begin;
+			for (std::size_t At = Begin; At < End;)
 			{
-				return Content;
+				const std::size_t Break = BreakAt(At);
+				if (Break == 0)
+				{
+					++At;
+					continue;
+				}
+				Lines.emplace_back(From, At);
+				At += Break;
+				From = At;
 			}
-			std::vector<std::string> Lines;
-			std::size_t From = FirstBreak + 1;
-			for (;;)
+			Lines.emplace_back(From, End);
+			if (Lines.size() == 1)
 			{
-				const std::size_t Break = Content.find('\n', From);
-				std::string LineText =
-					Content.substr(From, Break == std::string::npos ? std::string::npos : Break - From);
-				if (!LineText.empty() && LineText.back() == '\r')
-				{
-					LineText.pop_back();
-				}
-				Lines.push_back(LineText);
-				if (Break == std::string::npos)
-				{
-					break;
-				}
-				From = Break + 1;
+				return S.substr(Begin, End - Begin);
 			}
-			const std::string Indent = Lines.back();
-			Lines.pop_back();
+			const std::string_view Source(S);
+			const std::string_view Indent = Source.substr(Lines.back().first, Lines.back().second - Lines.back().first);
 			std::string Value;
-			for (std::size_t Index = 0; Index < Lines.size(); ++Index)
+			for (std::size_t Index = 1; Index + 1 < Lines.size(); ++Index)
 			{
-				const std::string& LineText = Lines[Index];
-				Value += Index > 0 ? "\n" : "";
-				Value += LineText.compare(0, Indent.size(), Indent) == 0 ? LineText.substr(Indent.size()) : LineText;
+				std::string_view LineText = Source.substr(Lines[Index].first, Lines[Index].second - Lines[Index].first);
+				Value += Index > 1 ? "\n" : "";
+				if (LineText.substr(0, Indent.size()) == Indent)
+				{
+					LineText.remove_prefix(Indent.size());
+				}
+				Value.append(LineText.data(), LineText.size());
 			}
 			return Value;
 		}
@@ -415,7 +484,7 @@ namespace
 				const char Char = At();
 				if (Char == '\\' && !bVerbatim)
 				{
-					Advance(2);
+					Advance(BreakAt(Pos + 1) == 0 ? 2 : 1);
 				}
 				else if (Char == '"')
 				{
@@ -427,7 +496,7 @@ namespace
 					Advance();
 					return;
 				}
-				else if (Char == '\n' && !bVerbatim)
+				else if (BreakAt(Pos) != 0 && !bVerbatim)
 				{
 					return;
 				}
@@ -450,34 +519,77 @@ namespace
 		/** The code of an interpolation hole, up to its closing brace. */
 		void ScanHole()
 		{
+			if (HoleDepth >= CSharpHoleDepthLimit)
+			{
+				// Nested too deep to read: passed over to the brace that closes it.
+				for (std::size_t Depth = 0; Pos < N; Advance())
+				{
+					Depth += At() == '{' ? 1 : 0;
+					if (At() == '}' && Depth-- == 0)
+					{
+						Advance();
+						return;
+					}
+				}
+				return;
+			}
+			++HoleDepth;
 			int Depth = 0;
 			while (Pos < N)
 			{
 				if (At() == '}' && Depth == 0)
 				{
 					Advance();
-					return;
+					break;
 				}
-				const std::size_t Before = Tokens.size();
+				const std::size_t Before = Out.Tokens.size();
 				ScanOne();
-				if (Tokens.size() > Before && Tokens.back().Kind == ECSharpToken::Punctuation)
+				if (Out.Tokens.size() > Before && Out.Tokens.back().Kind == ECSharpToken::Punctuation)
 				{
-					Depth += Tokens.back().Text == "{" ? 1 : 0;
-					Depth -= Tokens.back().Text == "}" ? 1 : 0;
+					Depth += Out.Tokens.back().Character == '{' ? 1 : 0;
+					Depth -= Out.Tokens.back().Character == '}' ? 1 : 0;
 				}
 			}
+			--HoleDepth;
 		}
 
 		const std::string& S;
 		std::size_t N;
 		std::size_t Pos = 0;
-		std::size_t Line = 1;
-		std::size_t LineStart = 0;
-		std::vector<FCSharpToken> Tokens;
+		/** Whether only blanks precede Pos on its line, so that a '#' there begins a directive. */
+		bool bLineStart = true;
+		/** How many interpolation holes Pos is in (a directive is never read in one). */
+		std::size_t HoleDepth = 0;
+		FCSharpDirectives Directives;
+		FCSharpTokens Out;
 	};
 }
 
-std::vector<FCSharpToken> ScanCSharpTokens(const std::string& Source)
+std::size_t CSharpLineBreakAt(const std::string& Text, std::size_t Offset)
+{
+	const std::size_t Size = Text.size();
+	const unsigned char Byte = static_cast<unsigned char>(Text[Offset]);
+	if (Byte == '\n')
+	{
+		return 1;
+	}
+	if (Byte == '\r')
+	{
+		return Offset + 1 < Size && Text[Offset + 1] == '\n' ? 2 : 1;
+	}
+	if (Byte == 0xC2 && Offset + 1 < Size && static_cast<unsigned char>(Text[Offset + 1]) == 0x85)
+	{
+		return 2;
+	}
+	if (Byte == 0xE2 && Offset + 2 < Size && static_cast<unsigned char>(Text[Offset + 1]) == 0x80 &&
+		(static_cast<unsigned char>(Text[Offset + 2]) == 0xA8 || static_cast<unsigned char>(Text[Offset + 2]) == 0xA9))
+	{
+		return 3;
+	}
+	return 0;
+}
+
+FCSharpTokens ScanCSharpTokens(const std::string& Source)
 {
 	return FCSharpScanner(Source).Run();
 }

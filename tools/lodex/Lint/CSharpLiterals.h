@@ -30,12 +30,45 @@ struct FCSharpPosition
 	std::size_t Column = 1;
 };
 
-/** The line and column of a byte offset of the source, counted as the literals' own are. */
+/**
+ * Where each byte of a C# source lies: built once in time linear in the source, then each lookup takes a time
+ * bounded by the log of the line count (and a constant), however long the line. Lines end as C# ends them (CR LF,
+ * CR, LF, U+0085, U+2028, U+2029).
+ */
+class FCSharpSourceLines
+{
+public:
+	explicit FCSharpSourceLines(const std::string& Source);
+
+	/** The line and column of a byte offset of the source, counted as the literals' own are. */
+	FCSharpPosition PositionOf(std::size_t Offset) const;
+
+private:
+	/** Characters (UTF-8 lead bytes) before every CharacterStride-th byte, so a column is counted in a short run. */
+	static constexpr std::size_t CharacterStride = 64;
+	std::size_t CharactersBefore(std::size_t Offset) const;
+
+	const std::string& Source;
+	std::vector<std::size_t> LineStarts;
+	std::vector<std::size_t> Characters;
+	std::size_t TotalCharacters = 0;
+};
+
+/** The line and column of one byte offset of the source (a lookup over the whole source: for many, FCSharpSourceLines).
+ */
 FCSharpPosition GetCSharpSourcePosition(const std::string& Source, std::size_t Offset);
 
 /**
+ * A C# file's bytes as UTF-8 text, decoded as the compiler decodes them: a file that begins with a UTF-16 byte order
+ * mark (FF FE little-endian, FE FF big-endian) is UTF-16, its mark dropped, an unpaired surrogate or odd last byte
+ * becoming U+FFFD; any other file is taken as it is (UTF-8, with or without its mark).
+ */
+std::string DecodeCSharpSourceBytes(const std::string& Bytes);
+
+/**
  * Finds the string literals that C# source passes to methods of `api` (`api.Click("...")`,
- * `api.CallMethod<int>(@"...", "F", new object[]{})`, `api?.Find(path: "...")`): each argument that is one
+ * `api.CallMethod<int>(@"...", "F", new object[]{})`, `api?.Find(path: "...")`, `api!.Click("...")`,
+ * `api.CallMethod<(int, int)>("...")`): each argument that is one
  * regular ("..."), verbatim (@"...") or raw ("""...""") literal, in source order. Comments, character
  * literals and interpolated strings ($"...", whose holes may call `api` themselves) are read as C# reads
  * them; an argument that is not one literal alone (a concatenation, an interpolation, an expression) is

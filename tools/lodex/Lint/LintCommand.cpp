@@ -34,9 +34,11 @@ namespace
 }
 
 void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
-	const std::string& Source, const FLodexLintOptions& Options, FLodexLintReport& Report)
+	const std::string& Bytes, const FLodexLintOptions& Options, FLodexLintReport& Report)
 {
 	++Report.Files;
+	const std::string Source = DecodeCSharpSourceBytes(Bytes);
+	const FCSharpSourceLines Lines(Source);
 	for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
 	{
 		if (Literal.Value.empty() || Literal.Value[0] != '/')
@@ -54,8 +56,7 @@ void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFind
 			// Where the part of the locator it is about begins in the file (an escape: where the escape begins).
 			if (Finding.Span.Begin < Literal.ValueOffsets.size())
 			{
-				const FCSharpPosition Position =
-					GetCSharpSourcePosition(Source, Literal.ValueOffsets[Finding.Span.Begin]);
+				const FCSharpPosition Position = Lines.PositionOf(Literal.ValueOffsets[Finding.Span.Begin]);
 				Diagnostic.Line = Position.Line;
 				Diagnostic.Column = Position.Column;
 			}

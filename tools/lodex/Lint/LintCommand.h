@@ -43,10 +43,11 @@ struct FLodexLintReport
 
 /**
  * Checks the Lodestrings one C# file passes to `api` calls against an indexed scene, as `lodex lint` does, and adds
- * what it finds to the report. Options.bExpectsOneObject is set for each call from the method's name.
+ * what it finds to the report. Options.bExpectsOneObject is set for each call from the method's name. Bytes are the
+ * file's, decoded as C# decodes them (DecodeCSharpSourceBytes).
  */
 void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
-	const std::string& Source, const FLodexLintOptions& Options, FLodexLintReport& Report);
+	const std::string& Bytes, const FLodexLintOptions& Options, FLodexLintReport& Report);
 
 /** "FILE:LINE:COL: error: MESSAGE [rule]" lines (and "note:" lines), then the summary. */
 std::string FormatLintReportText(const FLodexLintReport& Report, bool bStrict);

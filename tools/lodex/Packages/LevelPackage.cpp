@@ -107,6 +107,32 @@ namespace
 		return Index > 0;
 	}
 
+	/** The deepest a component lies: package, world, level, actor, component, and a few subobjects more. */
+	constexpr std::size_t AttachDepthLimit = 8;
+
+	/** How many objects the outer chain from Index holds (Index and the package included), counted up to Limit + 1. */
+	std::size_t ChainDepth(const FUnrealPackage& Package, std::int32_t Index, std::size_t Limit)
+	{
+		std::size_t Depth = 0;
+		std::int32_t Last = Index;
+		for (std::int32_t Current = Index; Current != 0 && Depth <= Limit; Current = Package.OuterOf(Current))
+		{
+			++Depth;
+			Last = Current;
+		}
+		return Depth + (IsExport(Last) ? 1 : 0); // an export without outer lies in this package
+	}
+
+	/**
+	 * The object path of an actor's class. The engine keeps every class at the top of its package
+	 * (`/Script/Engine.StaticMeshActor`, `/Game/BP/BP_Door.BP_Door_C`); a class object nested deeper is no class a
+	 * package can be looked up for, and its path (as long as its outer chain) is not built.
+	 */
+	std::string ClassPathOf(const FUnrealPackage& Package, std::int32_t Class)
+	{
+		return Class != 0 && ChainDepth(Package, Class, 2) == 2 ? Package.ObjectPath(Class) : std::string();
+	}
+
 	/** Reads one actor's saved data, and its components'. */
 	bool ReadActor(const FUnrealPackage& Package, const FExportChildren& Children, std::int32_t ActorIndex,
 		FLevelActor& Out, FPackageError& OutError)
@@ -116,7 +142,7 @@ namespace
 		Out.Path = Package.ObjectPath(ActorIndex);
 		Out.Name = Package.ObjectName(ActorIndex);
 		Out.ClassName = Package.ClassNameOf(ActorIndex);
-		Out.ClassPath = Package.ObjectPath(Export.ClassIndex);
+		Out.ClassPath = ClassPathOf(Package, Export.ClassIndex);
 		if (!CheckOneLine(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
 			!CheckObjectName(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
 			!CheckOneLine(Out.ClassName, Export.Offset, "the class of actor '" + Out.Name + "'", OutError))
@@ -171,21 +197,19 @@ namespace
 			Listed.insert(Listed.end(), List.begin(), List.end());
 		}
 		Listed.push_back(RootComponent);
+		std::sort(Listed.begin(), Listed.end()); // looked up once per object the actor holds
 
 		// The components: the objects the actor holds that are components, by their class or by the actor's lists.
 		std::int32_t AttachedComponent = 0;
 		std::int32_t AttachParent = 0;
+		std::size_t AttachParentOffset = 0;
 		std::vector<std::size_t> ComponentOffsets;
 		bool bFailed = false;
 		Children.ForEach(ActorIndex,
 			[&](std::int32_t Child)
 			{
 				const std::string ClassName = Package.ClassNameOf(Child);
-				bool bListed = false;
-				for (const std::int32_t Entry : Listed)
-				{
-					bListed = bListed || Entry == Child;
-				}
+				const bool bListed = std::binary_search(Listed.begin(), Listed.end(), Child);
 				if (bFailed || (!bListed && !EndsWith(ClassName, "Component") && !EndsWith(ClassName, "Component_C")))
 				{
 					return;
@@ -222,6 +246,7 @@ namespace
 				{
 					AttachedComponent = Child;
 					AttachParent = ParentIndex;
+					AttachParentOffset = Parent->ValueOffset;
 				}
 				Out.Components.push_back(std::move(Component));
 				ComponentOffsets.push_back(ChildExport.Offset + 16);
@@ -248,6 +273,14 @@ namespace
 					"actor '" + Out.Name + "' holds a second component named '" + *Names[Index].first + "'";
 				return false;
 			}
+		}
+		if (AttachParent != 0 && ChainDepth(Package, AttachParent, AttachDepthLimit) > AttachDepthLimit)
+		{
+			OutError.Offset = AttachParentOffset;
+			OutError.Reason = "actor '" + Out.Name + "' is attached to object " + std::to_string(AttachParent) +
+				", which lies more than " + std::to_string(AttachDepthLimit) +
+				" objects deep in its package: no component does";
+			return false;
 		}
 		Out.AttachParentPath = AttachParent != 0 ? Package.ObjectPath(AttachParent) : std::string();
 		return true;
@@ -400,13 +433,16 @@ namespace
 				"the world's persistent level is named '" + Package.ObjectName(OutLevel) + "', not PersistentLevel";
 			return false;
 		}
+		std::vector<bool> bRead(Package.GetExports().size() + 1, false);
 		for (const std::int32_t Level : Streaming)
 		{
 			FObjectProperties Properties;
-			if (!IsExport(Level))
+			// A streaming level the list names again is read once.
+			if (!IsExport(Level) || bRead[static_cast<std::size_t>(Level)])
 			{
 				continue;
 			}
+			bRead[static_cast<std::size_t>(Level)] = true;
 			if (!ReadObjectProperties(Package, Level, Properties, OutError))
 			{
 				return false;
@@ -510,6 +546,11 @@ bool ReadExternalActorPackage(const FUnrealPackage& Package, const std::string& 
 	OutLevelPath.clear();
 	const FExportChildren Children(Package);
 	const std::vector<FPackageExport>& Exports = Package.GetExports();
+	// The level's path is built once for each import naming a level, and only for a level at the top of a world
+	// (package, world, level): any other is not LevelPath.
+	std::int32_t PathOuter = 0;
+	bool bPathOuterIsLevel = false;
+	std::int32_t OtherLevel = 0;
 	for (std::size_t Index = 0; Index < Exports.size(); ++Index)
 	{
 		const std::int32_t Outer = Exports[Index].OuterIndex;
@@ -517,10 +558,14 @@ bool ReadExternalActorPackage(const FUnrealPackage& Package, const std::string& 
 		{
 			continue;
 		}
-		const std::string Path = Package.ObjectPath(Outer);
-		if (Path != LevelPath)
+		if (Outer != PathOuter)
 		{
-			OutLevelPath = Path;
+			PathOuter = Outer;
+			bPathOuterIsLevel = ChainDepth(Package, Outer, 3) == 3 && Package.ObjectPath(Outer) == LevelPath;
+		}
+		if (!bPathOuterIsLevel)
+		{
+			OtherLevel = Outer;
 			continue;
 		}
 		FLevelActor Actor;
@@ -530,6 +575,7 @@ bool ReadExternalActorPackage(const FUnrealPackage& Package, const std::string& 
 		}
 		Out.push_back(std::move(Actor));
 	}
+	OutLevelPath = OtherLevel != 0 ? Package.ObjectPath(OtherLevel) : std::string();
 	return true;
 }
 

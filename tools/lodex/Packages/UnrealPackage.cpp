@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #include "UnrealPackage.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -212,6 +213,7 @@ bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
 			"a cooked package (package flags " + HexFlags(Summary.PackageFlags) +
 				"); Lodex reads the editor's uncooked packages, as they sit in a project's Content folder");
 	}
+	SummaryEnd = Cursor.Tell();
 	return true;
 }
 
@@ -309,6 +311,7 @@ bool FUnrealPackage::ReadNames(FPackageCursor& Cursor)
 		}
 		Names.push_back(std::move(Name));
 	}
+	NameMapEnd = Table.Tell();
 	return true;
 }
 
@@ -336,6 +339,7 @@ bool FUnrealPackage::ReadImports(FPackageCursor& Cursor)
 			return KeepFailure(Cursor, Table);
 		}
 	}
+	ImportMapEnd = Table.Tell();
 	return true;
 }
 
@@ -384,6 +388,10 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 		Export.SerialOffset = static_cast<std::size_t>(SerialOffset);
 		Export.SerialSize = static_cast<std::size_t>(SerialSize);
 	}
+	if (!CheckExportDataApart(Cursor, Table.Tell()))
+	{
+		return false;
+	}
 	for (std::size_t Index = 0; Index < Imports.size(); ++Index)
 	{
 		if (!CheckObjectIndex(Cursor, Imports[Index].Offset + 16, Imports[Index].OuterIndex,
@@ -402,6 +410,77 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 		{
 			return false;
 		}
+	}
+	return true;
+}
+
+bool FUnrealPackage::CheckExportDataApart(FPackageCursor& Cursor, std::size_t ExportMapEnd)
+{
+	// The engine writes each object's data once, after the tables: data that two exports share, or that lies in a
+	// table, would be read again for each (and is no package the engine saves).
+	struct FRange
+	{
+		std::size_t Begin = 0;
+		std::size_t End = 0;
+		/** The export, or -1 for a table. */
+		std::int64_t Export = -1;
+		const char* Table = "";
+	};
+	std::vector<FRange> Ranges;
+	Ranges.reserve(Exports.size() + 4);
+	Ranges.push_back({0, SummaryEnd, -1, "the package summary"});
+	Ranges.push_back(
+		{static_cast<std::size_t>(Summary.NameCount > 0 ? Summary.NameOffset : 0), NameMapEnd, -1, "the name map"});
+	Ranges.push_back({static_cast<std::size_t>(Summary.ImportCount > 0 ? Summary.ImportOffset : 0), ImportMapEnd, -1,
+		"the import map"});
+	Ranges.push_back({static_cast<std::size_t>(Summary.ExportCount > 0 ? Summary.ExportOffset : 0), ExportMapEnd, -1,
+		"the export map"});
+	for (std::size_t Index = 0; Index < Exports.size(); ++Index)
+	{
+		const FPackageExport& Export = Exports[Index];
+		Ranges.push_back(
+			{Export.SerialOffset, Export.SerialOffset + Export.SerialSize, static_cast<std::int64_t>(Index), ""});
+	}
+	Ranges.erase(
+		std::remove_if(Ranges.begin(), Ranges.end(), [](const FRange& Range) { return Range.Begin == Range.End; }),
+		Ranges.end());
+	std::sort(Ranges.begin(), Ranges.end(),
+		[](const FRange& Left, const FRange& Right)
+		{ return Left.Begin != Right.Begin ? Left.Begin < Right.Begin : Left.Export < Right.Export; });
+	auto Describe = [&](const FRange& Range)
+	{
+		if (Range.Export < 0)
+		{
+			return std::string(Range.Table);
+		}
+		return "the data of export " + std::to_string(Range.Export) + " '" +
+			NameText(Exports[static_cast<std::size_t>(Range.Export)].ObjectName) + "'";
+	};
+	// Sorted by where they begin, two ranges overlap when one begins before the furthest end seen so far.
+	std::size_t Furthest = 0;
+	for (std::size_t Index = 1; Index < Ranges.size(); ++Index)
+	{
+		if (Ranges[Index - 1].End > Ranges[Furthest].End)
+		{
+			Furthest = Index - 1;
+		}
+		if (Ranges[Index].Begin >= Ranges[Furthest].End)
+		{
+			continue;
+		}
+		// Name an export that overlaps: the later one, or the one lying in a table.
+		if (Ranges[Index].Export < 0 && Ranges[Furthest].Export < 0)
+		{
+			continue; // tables that share bytes are read as they are; no object's data is read twice
+		}
+		const FRange& Other = Ranges[Index].Export >= 0 ? Ranges[Furthest] : Ranges[Index];
+		const FRange& Export = Ranges[Index].Export >= 0 ? Ranges[Index] : Ranges[Furthest];
+		const FPackageExport& Entry = Exports[static_cast<std::size_t>(Export.Export)];
+		return Cursor.Fail(Entry.Offset + 28,
+			"export " + std::to_string(Export.Export) + " '" + NameText(Entry.ObjectName) + "': its data (" +
+				std::to_string(Entry.SerialSize) + " bytes at byte " + std::to_string(Entry.SerialOffset) +
+				") overlaps " + Describe(Other) + " (bytes " + std::to_string(Other.Begin) + " to " +
+				std::to_string(Other.End - 1) + ")");
 	}
 	return true;
 }

@@ -138,11 +138,17 @@ private:
 	bool ReadExports(FPackageCursor& Cursor);
 	bool CheckObjectIndex(FPackageCursor& Cursor, std::size_t Offset, std::int32_t Index, const std::string& What);
 	bool CheckOuterChains(FPackageCursor& Cursor);
+	/** Each export's data lies apart from the others' and from the tables. */
+	bool CheckExportDataApart(FPackageCursor& Cursor, std::size_t ExportMapEnd);
 
 	FPackageName NoneName{-1, 0};
 	std::size_t NameCountField = 0;
 	std::size_t ExportCountField = 0;
 	std::size_t ImportCountField = 0;
+	/** Where the parts of the summary and the tables Lodex reads end. */
+	std::size_t SummaryEnd = 0;
+	std::size_t NameMapEnd = 0;
+	std::size_t ImportMapEnd = 0;
 	std::string Bytes;
 	std::string PackagePath;
 	FPackageSummary Summary;

@@ -15,6 +15,9 @@
 
 namespace
 {
+	/** The longest frame time a tick may give, in seconds: an hour. */
+	constexpr double LodexInputLogMaxTickDelta = 3600.0;
+
 	using FJson = nlohmann::json;
 
 	/** Reads the fields of one line; the first problem found is kept as the line's error. */
@@ -308,6 +311,11 @@ namespace
 				if (!Line.Number("delta", Delta))
 				{
 					return false;
+				}
+				// A frame's time goes into script lines as durations and waits: none is negative or endless.
+				if (!(Delta >= 0.0 && Delta <= LodexInputLogMaxTickDelta))
+				{
+					return Line.Fail("field 'delta' must be a frame time of 0 to 3600 seconds");
 				}
 				Host.SetDeltaSeconds(static_cast<float>(Delta));
 				Recorder.Tick();

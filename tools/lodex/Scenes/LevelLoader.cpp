@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <string_view>
 #include <utility>
 
 namespace
@@ -27,6 +28,14 @@ namespace
 	{
 		std::string File;
 		FUnrealPackage Package;
+	};
+
+	/** What a Blueprint class's package says of it: its default tags, when it saves them, and its super class. */
+	struct FClassDefaults
+	{
+		bool bHasTags = false;
+		std::vector<std::string> Tags;
+		std::string SuperPath;
 	};
 
 	/** The reader's state: where Content is, what has been read, and what to tell. */
@@ -58,6 +67,8 @@ namespace
 		std::set<std::string> ReadLevels;
 		std::map<std::string, std::unique_ptr<FReadPackage>> ClassPackages;
 		std::set<std::string> MissingClasses;
+		/** Each Blueprint class's defaults, read once however many actors have the class. */
+		std::map<std::string, FClassDefaults> ClassDefaults;
 	};
 
 	std::string ShownPath(const fs::path& Path)
@@ -68,6 +79,30 @@ namespace
 	bool IsGamePackage(const std::string& PackagePath)
 	{
 		return PackagePath.rfind("/Game/", 0) == 0;
+	}
+
+	/**
+	 * Whether PackagePath is a package of the game's Content folder the engine could save: `/Game/` and a name with
+	 * no empty part, no trailing '/', and none of the characters the engine refuses in a package name
+	 * (INVALID_LONGPACKAGE_CHARACTERS: `\:*?"<>|' ,.&!~` and line breaks, tabs, '@', '#'). So a name never leads
+	 * out of Content: no "..", no absolute path after "/Game/", no backslash.
+	 */
+	bool IsGamePackageName(const std::string& PackagePath)
+	{
+		if (!IsGamePackage(PackagePath) || PackagePath.size() == 6 || PackagePath.back() == '/' ||
+			PackagePath.find("//") != std::string::npos)
+		{
+			return false;
+		}
+		for (const char Character : PackagePath)
+		{
+			if (static_cast<unsigned char>(Character) < 0x20 ||
+				std::string_view("\\:*?\"<>|' ,.&!~@#").find(Character) != std::string_view::npos)
+			{
+				return false;
+			}
+		}
+		return true;
 	}
 }
 
@@ -95,7 +130,7 @@ bool FLevelLoader::FindContentRoot(const std::string& Path, std::string& OutPack
 
 std::string FLevelLoader::FileOfPackage(const std::string& PackagePath) const
 {
-	if (ContentRoot.empty() || !IsGamePackage(PackagePath) || PackagePath.find("..") != std::string::npos)
+	if (ContentRoot.empty() || !IsGamePackageName(PackagePath))
 	{
 		return std::string();
 	}
@@ -315,14 +350,25 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 			}
 			break;
 		}
-		FPackageError Error;
-		std::string SuperPath;
-		if (!ReadClassDefaults(Class->Package, ClassName, Actor.bHasTags, Actor.Tags, SuperPath, Error))
+		auto Found = ClassDefaults.find(ClassPath);
+		if (Found == ClassDefaults.end())
 		{
-			OutError = Error.Describe(Class->File);
-			return false;
+			FPackageError Error;
+			FClassDefaults Defaults;
+			if (!ReadClassDefaults(
+					Class->Package, ClassName, Defaults.bHasTags, Defaults.Tags, Defaults.SuperPath, Error))
+			{
+				OutError = Error.Describe(Class->File);
+				return false;
+			}
+			Found = ClassDefaults.emplace(ClassPath, std::move(Defaults)).first;
 		}
-		ClassPath = SuperPath;
+		if (Found->second.bHasTags)
+		{
+			Actor.bHasTags = true;
+			Actor.Tags = Found->second.Tags;
+		}
+		ClassPath = Found->second.SuperPath;
 	}
 	return true;
 }

@@ -305,21 +305,55 @@ bool ParseSceneReflection(const nlohmann::json& Root, const nlohmann::json& Obje
 		}
 		Classes[Index].Super = &Classes[Found->second];
 	}
-	for (const FSceneClass& Class : Classes)
+	// Each class has one super, so every walk up ends at a root or runs into a loop. Each class is walked once: 0 not
+	// seen, 1 on the current walk, 2 done; a loop is reported at its first class in the file.
+	std::vector<std::uint8_t> WalkState(Classes.size(), 0);
+	std::vector<bool> bOnLoop(Classes.size(), false);
+	std::vector<std::size_t> Walk;
+	const auto IndexOf = [&](const FSceneClass* Class)
 	{
-		std::string Chain = Class.Name;
-		std::size_t Steps = 0;
-		// A loop that this class only leads into is reported at a class of the loop itself.
-		for (const FSceneClass* Super = Class.Super; Super != nullptr && Steps < Classes.size(); Super = Super->Super)
+		return static_cast<std::size_t>(Class - Classes.data());
+	};
+	for (std::size_t Start = 0; Start < Classes.size(); ++Start)
+	{
+		Walk.clear();
+		const FSceneClass* Class = &Classes[Start];
+		for (; Class != nullptr && WalkState[IndexOf(Class)] == 0; Class = Class->Super)
 		{
-			Chain += " -> " + Super->Name;
-			++Steps;
-			if (Super == &Class)
+			WalkState[IndexOf(Class)] = 1;
+			Walk.push_back(IndexOf(Class));
+		}
+		if (Class != nullptr && WalkState[IndexOf(Class)] == 1)
+		{
+			for (std::size_t Step = Walk.size(); Step-- > 0;)
 			{
-				return Reader.Fail(DescribeElement("classes", IndexByName[Class.Name], "name", Class.Name),
-					"field 'super': the class derives from itself (" + Chain + ")");
+				bOnLoop[Walk[Step]] = true;
+				if (Walk[Step] == IndexOf(Class))
+				{
+					break;
+				}
 			}
 		}
+		for (const std::size_t Index : Walk)
+		{
+			WalkState[Index] = 2;
+		}
+	}
+	for (std::size_t Index = 0; Index < Classes.size(); ++Index)
+	{
+		if (!bOnLoop[Index])
+		{
+			continue;
+		}
+		std::string Chain = Classes[Index].Name;
+		const FSceneClass* Super = Classes[Index].Super;
+		for (; Super != &Classes[Index]; Super = Super->Super)
+		{
+			Chain += " -> " + Super->Name;
+		}
+		Chain += " -> " + Super->Name;
+		return Reader.Fail(DescribeElement("classes", Index, "name", Classes[Index].Name),
+			"field 'super': the class derives from itself (" + Chain + ")");
 	}
 
 	// Each object's class.
