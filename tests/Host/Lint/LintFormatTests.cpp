@@ -31,10 +31,11 @@ namespace
 	 * Line 2 has "Tür 用户 😀" before the literal: 9 UTF-16 units, 8 characters, 15 bytes. The finding on Cube_2 begins
 	 * at UTF-16 column 35 and ends before 41.
 	 */
-	const char* const FormatTest = "// Crates\n"
-								   "var s = \"T\xC3\xBCr \xE7\x94\xA8\xE6\x88\xB7 \xF0\x9F\x98\x80\"; api.Click(\"//Cube_2\");\n"
-								   "api.Click(@\"//Tw\"\"in\");\n"
-								   "api.Click(\"//Lamp_3\");\n";
+	const char* const FormatTest =
+		"// Crates\n"
+		"var s = \"T\xC3\xBCr \xE7\x94\xA8\xE6\x88\xB7 \xF0\x9F\x98\x80\"; api.Click(\"//Cube_2\");\n"
+		"api.Click(@\"//Tw\"\"in\");\n"
+		"api.Click(\"//Lamp_3\");\n";
 
 	class LintFormats : public ::testing::Test
 	{
@@ -120,8 +121,7 @@ namespace
 		// Every rule of the table, in its order, with its texts and default level.
 		const FLodexLintRuleList Rules = GetLodexLintRules();
 		ASSERT_EQ(Driver["rules"].size(), Rules.Count);
-		EXPECT_EQ(Driver["rules"][1],
-			FJson::parse(R"({"id": "no-match", "name": "NoMatch",
+		EXPECT_EQ(Driver["rules"][1], FJson::parse(R"({"id": "no-match", "name": "NoMatch",
 				"shortDescription": {"text": "The Lodestring matches no object"},
 				"fullDescription": {"text": "it matches no object of the scene"},
 				"help": {"text": "it matches no object of the scene", "markdown": "it matches no object of the scene"},
@@ -274,8 +274,9 @@ namespace
 		ASSERT_EQ(Cube.Children.size(), 1u);
 		EXPECT_EQ(Cube.Children[0].Name, "system-out");
 		EXPECT_EQ(Cube.Children[0].Text,
-			TestFile + ":2:34: warning: the name 'Cube_2' ends in a generated instance number, which can change from one "
-				   "run to the next; suggested: //*[@tag = 'crate'] [generated-suffix]\n");
+			TestFile +
+				":2:34: warning: the name 'Cube_2' ends in a generated instance number, which can change from one "
+				"run to the next; suggested: //*[@tag = 'crate'] [generated-suffix]\n");
 		const FXmlElement& Twin = Suite.Children[1];
 		EXPECT_EQ(Twin.Attributes.at("name"), "3:11 //Tw\"in");
 		ASSERT_EQ(Twin.Children.size(), 1u);
@@ -309,10 +310,12 @@ namespace
 		EXPECT_EQ(Text.Out, "");
 		EXPECT_EQ(FTempDir::Read(Report),
 			Dir.File("tests/Crate Tests.cs") + ":1:12: error: //Twin matches 2 objects: not unique [ambiguous]\n" +
-				Dir.File("tests/Crate Tests.cs") + ":1:12: note: match 1 of 2: /*[@name = 'Twin'] (matches 2 objects: "
-												   "not unique)\n" +
-				Dir.File("tests/Crate Tests.cs") + ":1:12: note: match 2 of 2: /*[@name = 'Twin'] (matches 2 objects: "
-												   "not unique)\nChecked 1 Lodestring in 1 file: 1 error, 0 warnings\n");
+				Dir.File("tests/Crate Tests.cs") +
+				":1:12: note: match 1 of 2: /*[@name = 'Twin'] (matches 2 objects: "
+				"not unique)\n" +
+				Dir.File("tests/Crate Tests.cs") +
+				":1:12: note: match 2 of 2: /*[@name = 'Twin'] (matches 2 objects: "
+				"not unique)\nChecked 1 Lodestring in 1 file: 1 error, 0 warnings\n");
 		EXPECT_EQ(Text.Err, "Checked 1 Lodestring in 1 file: 1 error, 0 warnings\n");
 
 		// A file that cannot be written: one line, and nothing left behind.
