@@ -189,6 +189,51 @@ namespace
 		EXPECT_EQ(Twice[2], Before[1]); // a regular literal or a verbatim one: the same Lodestring
 	}
 
+	TEST_F(LintFormats, SarifRegionsSpanThePartAtFaultAsWritten)
+	{
+		struct FRow
+		{
+			const char* Source;
+			const char* Region;
+			/** The literal's content a fix replaces, or null when there is no fix. */
+			const char* FixRegion;
+		};
+		const FRow Rows[] = {
+			// An escape stands for its character: the region begins or ends where the escape does.
+			{R"(api.Click("\u002F/Cube_2");)", "1:19-1:25", "1:12-1:25"},
+			{R"(api.Click("//Cube\u005F2");)", "1:14-1:25", "1:12-1:25"},
+			{R"(api.Click("//Tw\x22");)", "1:12-1:20", nullptr},
+			{R"(api.Click(@"//Tw""");)", "1:13-1:19", nullptr},
+			// A raw literal's findings are at its opening quotes, and it takes no fix.
+			{R"(api.Click("""//Cube_2""");)", "1:11-1:14", nullptr},
+			// What is missing at the end: the place before the closing quote.
+			{R"(api.Click("//A[");)", "1:15-1:16", nullptr},
+			// A verbatim literal's line break: the region ends on the next line.
+			{"api.Click(@\"//Nobody\n\");", "1:13-2:1", nullptr},
+		};
+		const auto Shown = [](const FJson& Region)
+		{
+			return std::to_string(Region["startLine"].get<int>()) + ":" +
+				std::to_string(Region["startColumn"].get<int>()) + "-" + std::to_string(Region["endLine"].get<int>()) +
+				":" + std::to_string(Region["endColumn"].get<int>());
+		};
+		for (const FRow& Row : Rows)
+		{
+			const FJson Log = FJson::parse(Lint("sarif", Row.Source).Out);
+			const FJson& Results = Log["runs"][0]["results"];
+			ASSERT_EQ(Results.size(), 1u) << Row.Source;
+			EXPECT_EQ(Shown(Results[0]["locations"][0]["physicalLocation"]["region"]), Row.Region) << Row.Source;
+			if (Row.FixRegion == nullptr)
+			{
+				EXPECT_FALSE(Results[0].contains("fixes")) << Row.Source;
+				continue;
+			}
+			const FJson& Replacement = Results[0]["fixes"][0]["artifactChanges"][0]["replacements"][0];
+			EXPECT_EQ(Shown(Replacement["deletedRegion"]), Row.FixRegion) << Row.Source;
+			EXPECT_EQ(Replacement["insertedContent"]["text"], "//*[@tag = 'crate']") << Row.Source;
+		}
+	}
+
 	/** A JUnit element: its name, attributes and text, and its child elements. */
 	struct FXmlElement
 	{
