@@ -104,6 +104,9 @@ namespace
 			"of the level may renumber it; a tag on the object, or on an ancestor, would not\n");
 		// The summary stays off standard output, which is the workflow's log.
 		EXPECT_EQ(Run.Err, "Checked 3 Lodestrings in 1 file: 1 error, 1 warning, 1 note\n");
+		// A region over two lines has no columns.
+		EXPECT_EQ(Lint("github", "api.Click(@\"//Nobody\n\");").Out,
+			"::error file=tests/Crate Tests.cs,line=1,endLine=2,title=lodex no-match:://Nobody\\n matches no object\n");
 	}
 
 	TEST_F(LintFormats, SarifHasWhatCodeScanningReads)

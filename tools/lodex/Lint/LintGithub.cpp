@@ -59,14 +59,16 @@ std::string FormatLintReportGithub(const FLodexLintReport& Report, const FLodexL
 		{
 			Message += "\n" + Note;
 		}
-		// The end column is the last character's (GitHub's annotations end on a character, not after it).
+		// The end column is the last character's (GitHub's annotations end on a character, not after it); GitHub takes
+		// columns only on a region of one line.
 		const std::size_t EndColumn =
 			Region.Utf16EndColumn > Region.Utf16Column ? Region.Utf16EndColumn - 1 : Region.Utf16Column;
+		const std::string Place = Region.EndLine != Region.Line
+			? ",endLine=" + std::to_string(Region.EndLine)
+			: ",col=" + std::to_string(Region.Utf16Column) + ",endColumn=" + std::to_string(EndColumn);
 		Out += "::" + std::string(Command) +
 			" file=" + EscapeGithubCommandProperty(GetLintRelativePath(Diagnostic.File, Options.Root)) +
-			",line=" + std::to_string(Region.Line) +
-			(Region.EndLine != Region.Line ? ",endLine=" + std::to_string(Region.EndLine) : std::string()) +
-			",col=" + std::to_string(Region.Utf16Column) + ",endColumn=" + std::to_string(EndColumn) +
+			",line=" + std::to_string(Region.Line) + Place +
 			",title=" + EscapeGithubCommandProperty("lodex " + Diagnostic.Rule) +
 			"::" + EscapeGithubCommandData(Message) + "\n";
 	}
