@@ -111,5 +111,11 @@ namespace
 		}
 		State.counters["report_bytes"] = static_cast<double>(Bytes);
 	}
-	BENCHMARK(BM_LintProject)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->Iterations(3)->MeasureProcessCPUTime()->UseRealTime();
+	BENCHMARK(BM_LintProject)
+		->Arg(1)
+		->Arg(2)
+		->Unit(benchmark::kMillisecond)
+		->Iterations(3)
+		->MeasureProcessCPUTime()
+		->UseRealTime();
 }
