@@ -72,23 +72,23 @@ namespace
 		return std::min(Source.size(), Offset + Length);
 	}
 
-	/** The UTF-16 column of a source offset: the code units from its line's start (a byte order mark is none). */
-	std::size_t LintUtf16ColumnAt(const std::string& Source, std::size_t Offset)
+	/**
+	 * The UTF-16 column of a source offset whose column in characters is known: the characters before it on its line,
+	 * read back from it, each one code unit but those outside the Basic Multilingual Plane, which are two. However its
+	 * lines end, the column in characters says how far back its line begins.
+	 */
+	std::size_t LintUtf16ColumnAt(const std::string& Source, std::size_t Offset, std::size_t Column)
 	{
-		std::size_t LineStart = Offset;
-		while (LineStart > 0 && Source[LineStart - 1] != '\n')
+		std::size_t Units = Column;
+		std::size_t Left = Column > 0 ? Column - 1 : 0;
+		for (std::size_t At = std::min(Offset, Source.size()); Left > 0 && At > 0;)
 		{
-			--LineStart;
-		}
-		if (LineStart == 0 && Source.compare(0, 3, "\xEF\xBB\xBF") == 0)
-		{
-			LineStart = std::min<std::size_t>(3, Offset);
-		}
-		std::size_t Units = 1;
-		for (std::size_t At = LineStart; At < Offset; ++At)
-		{
-			const unsigned char Byte = static_cast<unsigned char>(Source[At]);
-			Units += (Byte & 0xC0) == 0x80 ? 0 : Byte >= 0xF0 ? 2 : 1;
+			const unsigned char Byte = static_cast<unsigned char>(Source[--At]);
+			if ((Byte & 0xC0) != 0x80)
+			{
+				--Left;
+				Units += Byte >= 0xF0 ? 1 : 0;
+			}
 		}
 		return Units;
 	}
@@ -102,8 +102,8 @@ namespace
 		Region.Column = Start.Column;
 		Region.EndLine = Stop.Line;
 		Region.EndColumn = Stop.Column;
-		Region.Utf16Column = LintUtf16ColumnAt(Source, Begin);
-		Region.Utf16EndColumn = LintUtf16ColumnAt(Source, End);
+		Region.Utf16Column = LintUtf16ColumnAt(Source, Begin, Start.Column);
+		Region.Utf16EndColumn = LintUtf16ColumnAt(Source, End, Stop.Column);
 		return Region;
 	}
 
