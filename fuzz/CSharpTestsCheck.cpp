@@ -6,11 +6,14 @@
 #include "FuzzProperties.h"
 #include "FuzzSample.h"
 #include "Lint/LintCommand.h"
+#include "Lint/LintGithub.h"
+#include "Lint/LintSarif.h"
 
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -109,7 +112,7 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 		{
 			return Where + " of a UTF-8 file is decoded to text that is not UTF-8";
 		}
-		const bool bLodestring = !Literal.Value.empty() && Literal.Value[0] == '/';
+		const bool bLodestring = IsLintedApiString(Literal);
 		Lodestrings += bLodestring ? 1 : 0;
 		NotUtf8 += bLodestring && !IsUtf8(Literal.Value) ? 1 : 0;
 	}
@@ -145,6 +148,15 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 		{
 			return "lint reports line " + std::to_string(Diagnostic.Line) + " of " + std::to_string(Lines.size());
 		}
+		// The region the CI reports give: in the file, and not ending before it begins.
+		const FLodexLintRegion& Region = Diagnostic.Region;
+		if (Region.EndLine < Region.Line || Region.EndLine > Lines.size() || Region.Utf16Column < Region.Column ||
+			(Region.EndLine == Region.Line && Region.Utf16EndColumn < Region.Utf16Column))
+		{
+			return "lint reports the region " + std::to_string(Region.Line) + ":" + std::to_string(Region.Utf16Column) +
+				"-" + std::to_string(Region.EndLine) + ":" + std::to_string(Region.Utf16EndColumn) +
+				" for a finding at " + std::to_string(Diagnostic.Line) + ":" + std::to_string(Diagnostic.Column);
+		}
 	}
 	if (ReportLines.size() != Expected)
 	{
@@ -170,6 +182,16 @@ std::string CheckCSharpTestsInput(const std::string& Input)
 		Json["diagnostics"].size() != Report.Diagnostics.size())
 	{
 		return "lint's JSON report does not list its findings: " + Shown(FormatLintReportJson(Report, false));
+	}
+	const nlohmann::json Sarif = nlohmann::json::parse(FormatLintReportSarif(Report, {}), nullptr, false);
+	if (Sarif.is_discarded() || Sarif["runs"][0]["results"].size() != Report.Diagnostics.size())
+	{
+		return "lint's SARIF report does not list its findings: " + Shown(FormatLintReportSarif(Report, {}));
+	}
+	const std::string Github = FormatLintReportGithub(Report, {});
+	if (static_cast<std::size_t>(std::count(Github.begin(), Github.end(), '\n')) != Report.Diagnostics.size())
+	{
+		return "lint's workflow commands are not one line a finding: " + Shown(Github);
 	}
 	return std::string();
 }

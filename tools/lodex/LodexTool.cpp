@@ -43,7 +43,7 @@ static int RunLodexCliWithInput(
 {
 	CLI::App App{"lodex: Lodestrings, editor menus and the module's other texts, headless", "lodex"};
 	App.require_subcommand(1);
-	App.set_version_flag("--version", "lodex 0.1.0");
+	App.set_version_flag("--version", std::string("lodex ") + LodexVersion);
 
 	std::vector<std::unique_ptr<ILodexCommand>> Commands;
 	Commands.push_back(MakePathCommand());
@@ -93,7 +93,7 @@ static int RunLodexCliWithInput(
 	}
 	catch (const CLI::CallForVersion&)
 	{
-		Out << "lodex 0.1.0\n";
+		Out << "lodex " << LodexVersion << "\n";
 		return LodexExitOk;
 	}
 	catch (const CLI::ParseError& Error)

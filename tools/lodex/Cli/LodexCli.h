@@ -12,6 +12,9 @@ namespace CLI
 	class App;
 }
 
+/** The tool's version, as `lodex --version` and the reports that name the tool give it. */
+inline constexpr const char* LodexVersion = "0.1.0";
+
 /** Exit codes of the lodex tool. */
 enum ELodexExit : int
 {

@@ -217,23 +217,25 @@ FCSharpSourceLines::FCSharpSourceLines(const std::string& InSource)
 {
 	const std::size_t Size = Source.size();
 	LineStarts.push_back(Source.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0);
-	Characters.reserve(Size / CharacterStride + 1);
-	std::size_t Count = 0;
+	Counts.reserve(Size / CountStride + 1);
+	FCount Count;
 	for (std::size_t At = 0; At < Size;)
 	{
-		if (At % CharacterStride == 0)
-		{
-			Characters.push_back(Count);
-		}
 		const std::size_t Break = CSharpLineBreakAt(Source, At);
 		const std::size_t Length = Break > 0 ? Break : 1;
 		for (std::size_t Byte = At; Byte < At + Length && Byte < Size; ++Byte)
 		{
-			if (Byte > At && Byte % CharacterStride == 0)
+			if (Byte % CountStride == 0)
 			{
-				Characters.push_back(Count);
+				Counts.push_back(Count);
 			}
-			Count += (static_cast<unsigned char>(Source[Byte]) & 0xC0) != 0x80 ? 1 : 0;
+			const unsigned char Lead = static_cast<unsigned char>(Source[Byte]);
+			if ((Lead & 0xC0) != 0x80)
+			{
+				++Count.Characters;
+				// A character past the Basic Multilingual Plane (a four-byte sequence) is two UTF-16 units.
+				Count.Utf16Units += Lead >= 0xF0 ? 2 : 1;
+			}
 		}
 		At += Length;
 		if (Break > 0)
@@ -241,20 +243,25 @@ FCSharpSourceLines::FCSharpSourceLines(const std::string& InSource)
 			LineStarts.push_back(At);
 		}
 	}
-	TotalCharacters = Count;
+	Total = Count;
 }
 
-std::size_t FCSharpSourceLines::CharactersBefore(std::size_t Offset) const
+FCSharpSourceLines::FCount FCSharpSourceLines::CountBefore(std::size_t Offset) const
 {
-	const std::size_t Checkpoint = Offset / CharacterStride;
-	if (Offset >= Source.size() || Checkpoint >= Characters.size())
+	const std::size_t Checkpoint = Offset / CountStride;
+	if (Offset >= Source.size() || Checkpoint >= Counts.size())
 	{
-		return TotalCharacters;
+		return Total;
 	}
-	std::size_t Count = Characters[Checkpoint];
-	for (std::size_t Byte = Checkpoint * CharacterStride; Byte < Offset; ++Byte)
+	FCount Count = Counts[Checkpoint];
+	for (std::size_t Byte = Checkpoint * CountStride; Byte < Offset; ++Byte)
 	{
-		Count += (static_cast<unsigned char>(Source[Byte]) & 0xC0) != 0x80 ? 1 : 0;
+		const unsigned char Lead = static_cast<unsigned char>(Source[Byte]);
+		if ((Lead & 0xC0) != 0x80)
+		{
+			++Count.Characters;
+			Count.Utf16Units += Lead >= 0xF0 ? 2 : 1;
+		}
 	}
 	return Count;
 }
@@ -266,14 +273,11 @@ FCSharpPosition FCSharpSourceLines::PositionOf(std::size_t Offset) const
 	const auto Line = std::upper_bound(LineStarts.begin(), LineStarts.end(), Offset) - 1;
 	FCSharpPosition Position;
 	Position.Line = static_cast<std::size_t>(Line - LineStarts.begin()) + 1;
-	const std::size_t Start = std::min(*Line, Offset);
-	Position.Column = CharactersBefore(Offset) - CharactersBefore(Start) + 1;
+	const FCount Before = CountBefore(Offset);
+	const FCount LineStart = CountBefore(std::min(*Line, Offset));
+	Position.Column = Before.Characters - LineStart.Characters + 1;
+	Position.Utf16Column = Before.Utf16Units - LineStart.Utf16Units + 1;
 	return Position;
-}
-
-FCSharpPosition GetCSharpSourcePosition(const std::string& Source, std::size_t Offset)
-{
-	return FCSharpSourceLines(Source).PositionOf(Offset);
 }
 
 std::string DecodeCSharpSourceBytes(const std::string& Bytes)

@@ -28,6 +28,8 @@ struct FCSharpPosition
 {
 	std::size_t Line = 1;
 	std::size_t Column = 1;
+	/** The column counted in UTF-16 code units, as editors and code-scanning tools count it. */
+	std::size_t Utf16Column = 1;
 };
 
 /**
@@ -43,20 +45,24 @@ public:
 	/** The line and column of a byte offset of the source, counted as the literals' own are. */
 	FCSharpPosition PositionOf(std::size_t Offset) const;
 
+	const std::string& GetSource() const { return Source; }
+
 private:
-	/** Characters (UTF-8 lead bytes) before every CharacterStride-th byte, so a column is counted in a short run. */
-	static constexpr std::size_t CharacterStride = 64;
-	std::size_t CharactersBefore(std::size_t Offset) const;
+	/** Characters and UTF-16 code units before a byte offset. */
+	struct FCount
+	{
+		std::size_t Characters = 0;
+		std::size_t Utf16Units = 0;
+	};
+	/** The counts before every CountStride-th byte, so that a column is counted in a short run. */
+	static constexpr std::size_t CountStride = 64;
+	FCount CountBefore(std::size_t Offset) const;
 
 	const std::string& Source;
 	std::vector<std::size_t> LineStarts;
-	std::vector<std::size_t> Characters;
-	std::size_t TotalCharacters = 0;
+	std::vector<FCount> Counts;
+	FCount Total;
 };
-
-/** The line and column of one byte offset of the source (a lookup over the whole source: for many, FCSharpSourceLines).
- */
-FCSharpPosition GetCSharpSourcePosition(const std::string& Source, std::size_t Offset);
 
 /**
  * A C# file's bytes as UTF-8 text, decoded as the compiler decodes them: a file that begins with a UTF-16 byte order

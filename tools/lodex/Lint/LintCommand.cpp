@@ -2,11 +2,17 @@
 #include "LintCommand.h"
 
 #include "CSharpLiterals.h"
+#include "Cli/AtomicFile.h"
 #include "Cli/LodexCli.h"
+#include "Cli/TextTable.h"
+#include "Cli/WholeFile.h"
+#include "LintGithub.h"
+#include "LintJunit.h"
+#include "LintProject.h"
+#include "LintSarif.h"
 #include "LodexTool.h"
 #include "Scenes/SceneEvaluation.h"
 #include "Scenes/SceneFile.h"
-#include "Cli/WholeFile.h"
 
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
 #include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
@@ -16,68 +22,20 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <system_error>
+#include <thread>
 
 namespace
 {
 	const char* SeverityText(ELodexLintSeverity Severity)
 	{
-		return Severity == ELodexLintSeverity::Error  ? "error"
-			: Severity == ELodexLintSeverity::Warning ? "warning"
-													  : "note";
+		return GetLodexLintSeverityText(Severity);
 	}
 
 	std::string Counted(std::size_t Count, const char* One, const char* Many)
 	{
 		return std::to_string(Count) + " " + (Count == 1 ? One : Many);
-	}
-}
-
-void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
-	const std::string& Bytes, const FLodexLintOptions& Options, FLodexLintReport& Report)
-{
-	++Report.Files;
-	const std::string Source = DecodeCSharpSourceBytes(Bytes);
-	const FCSharpSourceLines Lines(Source);
-	for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
-	{
-		if (Literal.Value.empty() || Literal.Value[0] != '/')
-		{
-			continue; // not a Lodestring: a method name, a value
-		}
-		++Report.Checked;
-		FLodexLintOptions CallOptions = Options;
-		CallOptions.bExpectsOneObject = LodexLintExpectsOneObject(Literal.Method);
-		const FLodexLintResult Result = LintLodestring(Index, Finder, Literal.Value, CallOptions);
-		for (const FLodexLintFinding& Finding : Result.Findings)
-		{
-			FLodexLintDiagnostic Diagnostic;
-			Diagnostic.File = FileName;
-			// Where the part of the locator it is about begins in the file (an escape: where the escape begins).
-			if (Finding.Span.Begin < Literal.ValueOffsets.size())
-			{
-				const FCSharpPosition Position = Lines.PositionOf(Literal.ValueOffsets[Finding.Span.Begin]);
-				Diagnostic.Line = Position.Line;
-				Diagnostic.Column = Position.Column;
-			}
-			else
-			{
-				Diagnostic.Line = Literal.Line;
-				Diagnostic.Column = Literal.Column;
-			}
-			Diagnostic.Severity = Finding.Severity;
-			Diagnostic.Rule = Finding.Rule;
-			Diagnostic.Message = Finding.Message;
-			Diagnostic.Lodestring = ShowLodestringOnOneLine(Literal.Value);
-			Diagnostic.Method = Literal.Method;
-			Diagnostic.MatchCount = Result.MatchCount;
-			Diagnostic.Suggestion = ShowLodestringOnOneLine(Finding.Suggestion);
-			Diagnostic.Notes = Finding.Notes;
-			(Finding.Severity == ELodexLintSeverity::Error            ? Report.Errors
-					: Finding.Severity == ELodexLintSeverity::Warning ? Report.Warnings
-																	  : Report.Notes) += 1;
-			Report.Diagnostics.push_back(std::move(Diagnostic));
-		}
 	}
 }
 
@@ -93,28 +51,64 @@ std::string FormatLintReportText(const FLodexLintReport& Report, bool bStrict)
 	{
 		const std::string Where =
 			Diagnostic.File + ":" + std::to_string(Diagnostic.Line) + ":" + std::to_string(Diagnostic.Column) + ": ";
-		Text += Where + SeverityText(Diagnostic.Severity) + ": " + Diagnostic.Message;
-		if (!Diagnostic.Suggestion.empty())
-		{
-			Text += "; suggested: " + Diagnostic.Suggestion;
-		}
-		Text += " [" + Diagnostic.Rule + "]\n";
+		Text += Where + SeverityText(Diagnostic.Severity) + ": " + GetLintMessageWithSuggestion(Diagnostic) + " [" +
+			Diagnostic.Rule + "]\n";
 		for (const std::string& Note : Diagnostic.Notes)
 		{
 			Text += Where + "note: " + Note + "\n";
 		}
 	}
-	Text += "Checked " + Counted(Report.Checked, "Lodestring", "Lodestrings") + " in " +
-		Counted(Report.Files, "file", "files") + ": ";
+	return Text + FormatLintSummary(Report, bStrict);
+}
+
+std::string FormatLintSummary(const FLodexLintReport& Report, bool bStrict)
+{
+	std::string Text = "Checked " + Counted(Report.Checked, "Lodestring", "Lodestrings") + " in " +
+		Counted(Report.Files, "file", "files") +
+		(Report.bCountsLevels ? " against " + Counted(Report.Levels, "level", "levels") : std::string()) + ": ";
 	const std::string Notes = Report.Notes > 0 ? ", " + Counted(Report.Notes, "note", "notes") : std::string();
 	if (Report.Errors == 0 && Report.Warnings == 0)
 	{
-		Text += "no errors, no warnings" + Notes + "\n";
-		return Text;
+		return Text + "no errors, no warnings" + Notes + "\n";
 	}
 	Text += Counted(Report.Errors, "error", "errors") + ", " + Counted(Report.Warnings, "warning", "warnings") + Notes;
-	Text += bStrict && Report.Warnings > 0 ? " (warnings fail with --strict)\n" : "\n";
-	return Text;
+	return Text + (bStrict && Report.Warnings > 0 ? " (warnings fail with --strict)\n" : "\n");
+}
+
+std::string FormatLintRuleList()
+{
+	FTextTable Table({"rule", "severity", "summary"});
+	for (const FLodexLintRule& Rule : GetLodexLintRules())
+	{
+		Table.AddRow({Rule.Id, SeverityText(Rule.Severity), Rule.Summary});
+	}
+	return Table.Render();
+}
+
+std::string GetLintRelativePath(const std::string& File, const std::string& Root)
+{
+	std::error_code Error;
+	const std::filesystem::path Base = std::filesystem::absolute(Root.empty() ? "." : Root, Error).lexically_normal();
+	const std::filesystem::path Path = std::filesystem::absolute(File, Error).lexically_normal();
+	const std::filesystem::path Relative = Path.lexically_relative(Base);
+	const std::string Shown = Relative.generic_string();
+	if (Error || Relative.empty() || Shown == ".." || Shown.rfind("../", 0) == 0)
+	{
+		return std::filesystem::path(File).generic_string(); // not under the root: as given
+	}
+	return Shown;
+}
+
+std::string GetLintMessageWithSuggestion(const FLodexLintDiagnostic& Diagnostic)
+{
+	return Diagnostic.Suggestion.empty() ? Diagnostic.Message
+										 : Diagnostic.Message + "; suggested: " + Diagnostic.Suggestion;
+}
+
+bool IsFailingLintDiagnostic(const FLodexLintDiagnostic& Diagnostic, bool bStrict)
+{
+	return Diagnostic.Severity == ELodexLintSeverity::Error ||
+		(bStrict && Diagnostic.Severity == ELodexLintSeverity::Warning);
 }
 
 std::string FormatLintReportJson(const FLodexLintReport& Report, bool bStrict)
@@ -131,6 +125,11 @@ std::string FormatLintReportJson(const FLodexLintReport& Report, bool bStrict)
 		Item["message"] = Diagnostic.Message;
 		Item["lodestring"] = Diagnostic.Lodestring;
 		Item["method"] = Diagnostic.Method;
+		if (Report.bCountsLevels)
+		{
+			Item["level"] =
+				Diagnostic.Level.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(Diagnostic.Level);
+		}
 		Item["matches"] = Diagnostic.MatchCount;
 		Item["suggestion"] =
 			Diagnostic.Suggestion.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(Diagnostic.Suggestion);
@@ -140,6 +139,10 @@ std::string FormatLintReportJson(const FLodexLintReport& Report, bool bStrict)
 	nlohmann::ordered_json Json;
 	Json["files"] = Report.Files;
 	Json["checked"] = Report.Checked;
+	if (Report.bCountsLevels)
+	{
+		Json["levels"] = Report.Levels;
+	}
 	Json["errors"] = Report.Errors;
 	Json["warnings"] = Report.Warnings;
 	Json["notes"] = Report.Notes;
@@ -152,15 +155,10 @@ std::string FormatLintReportJson(const FLodexLintReport& Report, bool bStrict)
 
 namespace
 {
-	struct FTestFile
-	{
-		std::string Path;
-		std::string Text;
-	};
-
 	/** The files named, and the ".cs" files under the folders named (in name order); false on the first unreadable one.
 	 */
-	bool ReadTestFiles(const std::vector<std::string>& Paths, std::vector<FTestFile>& OutFiles, std::string& OutError)
+	bool ReadTestFiles(
+		const std::vector<std::string>& Paths, std::vector<FLodexLintTestFile>& OutFiles, std::string& OutError)
 	{
 		std::vector<std::string> Files;
 		for (const std::string& Path : Paths)
@@ -200,6 +198,29 @@ namespace
 		return true;
 	}
 
+	/** The report in one of the formats `--format` names. */
+	std::string FormatLintReport(
+		const std::string& Format, const FLodexLintReport& Report, const FLodexLintFormatOptions& Options)
+	{
+		if (Format == "json")
+		{
+			return FormatLintReportJson(Report, Options.bStrict);
+		}
+		if (Format == "sarif")
+		{
+			return FormatLintReportSarif(Report, Options);
+		}
+		if (Format == "junit")
+		{
+			return FormatLintReportJunit(Report, Options);
+		}
+		if (Format == "github")
+		{
+			return FormatLintReportGithub(Report, Options);
+		}
+		return FormatLintReportText(Report, Options.bStrict);
+	}
+
 	class FLintCommand final : public ILodexCommand
 	{
 	public:
@@ -207,57 +228,159 @@ namespace
 		{
 			CLI::App* Sub = Parent.add_subcommand("lint",
 				"Check the Lodestrings that C# tests pass to api calls: each must match exactly one object of the "
-				"scene");
-			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)")->required();
+				"scene, or of the level the test loads");
+			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)");
+			Sub->add_option("--project", Project,
+				"Game project folder: each test is checked against the levels its api.LoadLevel calls name");
 			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
-			Sub->add_option("tests", Tests, "C# files, or folders searched for .cs files")->required();
+			Sub->add_option("tests", Tests, "C# files, or folders searched for .cs files");
 			Sub->add_flag("--strict", bStrict, "Warnings fail the run as errors do");
 			Sub->add_option("--max-depth", Options.MaxAbsoluteDepth,
 				   "The most steps from the root, before any //, a locator may name without a warning")
 				->check(CLI::PositiveNumber)
 				->default_val(Options.MaxAbsoluteDepth);
-			Sub->add_option("--format", Format, "text (file:line:col: lines) or json")
-				->check(CLI::IsMember({"text", "json"}))
+			Sub->add_option("--format", Format,
+				   "text (file:line:col: lines), json, sarif (code scanning), junit (test reports) or github "
+				   "(workflow commands)")
+				->check(CLI::IsMember({"text", "json", "sarif", "junit", "github"}))
 				->default_val(Format);
+			Sub->add_option(
+				"-o,--output", Output, "Write the report to this file (the summary goes to standard error)");
+			Sub->add_option("--root", FormatOptions.Root,
+				"The folder the paths of sarif, junit and github reports are relative to (default: the current one)");
+			Sub->add_option("--jobs", Jobs,
+				   "With --project: how many levels and files to read at once (default: the "
+				   "machine's cores)")
+				->check(CLI::PositiveNumber);
+			Sub->add_flag("--list-rules", bListRules, "List the rules, their severity and what they flag, and stop");
+			Sub->callback(
+				[this]
+				{
+					if (bListRules)
+					{
+						return;
+					}
+					if (SceneFile.Path.empty() && Project.empty())
+					{
+						throw CLI::RequiredError("--scene (or --project)");
+					}
+					if (Tests.empty())
+					{
+						throw CLI::RequiredError("tests");
+					}
+				});
 			return Sub;
 		}
 
 		int Run(FLodexCliIo& Io) override
 		{
-			FSceneFile SceneRead;
-			if (!LoadSceneFileFor(SceneFile, SceneRead, Io.Err))
+			if (bListRules)
 			{
-				return LodexExitFailure;
+				Io.Out << FormatLintRuleList();
+				return LodexExitOk;
 			}
-			const FSceneSnapshot& Scene = SceneRead.Scene;
-			// A level holds what is saved: an object spawned at play time is not in it.
-			Options.bSceneHoldsOnlyPlaced = SceneRead.bIsLevel;
+			FSceneFile SceneRead;
+			std::unique_ptr<FLodexSceneIndex> SceneIndex;
+			std::unique_ptr<FLodexBestLocatorFinder> SceneFinder;
+			FLodexLintTarget SceneTarget;
+			if (!SceneFile.Path.empty())
+			{
+				if (!LoadSceneFileFor(SceneFile, SceneRead, Io.Err))
+				{
+					return LodexExitFailure;
+				}
+				SceneIndex = IndexSceneSnapshot(SceneRead.Scene);
+				SceneFinder = std::make_unique<FLodexBestLocatorFinder>(*SceneIndex);
+				SceneTarget.Index = SceneIndex.get();
+				SceneTarget.Finder = SceneFinder.get();
+				// A level holds what is saved: an object spawned at play time is not in it.
+				SceneTarget.bHoldsOnlyPlaced = SceneRead.bIsLevel;
+			}
 			std::string Error;
-			std::vector<FTestFile> Files;
+			std::vector<FLodexLintTestFile> Files;
 			if (!ReadTestFiles(Tests, Files, Error))
 			{
 				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
 
-			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
-			const FLodexBestLocatorFinder Finder(*Index);
 			FLodexLintReport Report;
-			for (const FTestFile& File : Files)
+			if (!Project.empty())
 			{
-				LintCSharpSource(*Index, Finder, File.Path, File.Text, Options, Report);
+				if (!RunProject(Files, SceneIndex ? &SceneTarget : nullptr, Report, Io))
+				{
+					return LodexExitFailure;
+				}
 			}
-			Io.Out << (Format == "json" ? FormatLintReportJson(Report, bStrict)
-										: FormatLintReportText(Report, bStrict));
+			else
+			{
+				Options.bSceneHoldsOnlyPlaced = SceneTarget.bHoldsOnlyPlaced;
+				for (const FLodexLintTestFile& File : Files)
+				{
+					LintCSharpSource(*SceneIndex, *SceneFinder, File.Path, File.Text, Options, Report);
+				}
+			}
+			FormatOptions.bStrict = bStrict;
+			const std::string Text = FormatLintReport(Format, Report, FormatOptions);
+			if (!Output.empty())
+			{
+				if (!WriteFileAtomically(Output, Text, Error))
+				{
+					Io.Err << "lodex: " << Error << "\n";
+					return LodexExitFailure;
+				}
+			}
+			else
+			{
+				Io.Out << Text;
+			}
+			// The summary of a report that is not the text on standard output goes to standard error.
+			if (!Output.empty() || Format != "text")
+			{
+				Io.Err << FormatLintSummary(Report, bStrict);
+			}
 			return LintReportFails(Report, bStrict) ? LodexExitFailure : LodexExitOk;
 		}
 
 	private:
+		bool RunProject(const std::vector<FLodexLintTestFile>& Files, const FLodexLintTarget* Scene,
+			FLodexLintReport& Report, FLodexCliIo& Io)
+		{
+			std::error_code Code;
+			if (!std::filesystem::is_directory(Project, Code))
+			{
+				Io.Err << "lodex: " << Project << ": not a project folder\n";
+				return false;
+			}
+			FLodexLintProjectOptions ProjectOptions;
+			ProjectOptions.Project = Project;
+			ProjectOptions.bNoSubLevels = SceneFile.bNoSubLevels;
+			ProjectOptions.Jobs = Jobs > 0 ? Jobs : std::max(1u, std::thread::hardware_concurrency());
+			ProjectOptions.Lint = Options;
+			std::vector<std::string> Notes;
+			std::string Error;
+			const bool bOk = LintProjectFiles(Files, ProjectOptions, Scene, Report, Notes, Error);
+			for (const std::string& Note : Notes)
+			{
+				Io.Err << "lodex: note: " << Note << "\n";
+			}
+			if (!bOk)
+			{
+				Io.Err << "lodex: " << Error << "\n";
+			}
+			return bOk;
+		}
+
 		FSceneFileOptions SceneFile;
+		std::string Project;
 		std::vector<std::string> Tests;
 		bool bStrict = false;
+		bool bListRules = false;
+		unsigned Jobs = 0;
 		FLodexLintOptions Options;
 		std::string Format = "text";
+		std::string Output;
+		FLodexLintFormatOptions FormatOptions;
 	};
 }
 

@@ -19,20 +19,15 @@ namespace
 		return {0, static_cast<std::uint32_t>(Text.size())};
 	}
 
-	FLodexLintFinding MakeLintError(const char* Rule, std::string Message, FLodexSpan Span)
+	/** A finding of the rule, with the severity its row gives it. */
+	FLodexLintFinding MakeLintFinding(const char* Rule, std::string Message, FLodexSpan Span)
 	{
 		FLodexLintFinding Finding;
-		Finding.Severity = ELodexLintSeverity::Error;
+		const FLodexLintRule* Row = FindLodexLintRule(Rule);
+		Finding.Severity = Row != nullptr ? Row->Severity : ELodexLintSeverity::Error;
 		Finding.Rule = Rule;
 		Finding.Message = std::move(Message);
 		Finding.Span = Span;
-		return Finding;
-	}
-
-	FLodexLintFinding MakeLintWarning(const char* Rule, std::string Message, FLodexSpan Span)
-	{
-		FLodexLintFinding Finding = MakeLintError(Rule, std::move(Message), Span);
-		Finding.Severity = ELodexLintSeverity::Warning;
 		return Finding;
 	}
 
@@ -95,12 +90,9 @@ namespace
 		}
 		if (!bAllPlaced)
 		{
-			return MakeLintWarning(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Name), Span);
+			return MakeLintFinding(LodexLintRules::GeneratedSuffix, GeneratedSuffixMessage(Name), Span);
 		}
-		FLodexLintFinding Finding =
-			MakeLintWarning(LodexLintRules::PlacedGeneratedSuffix, PlacedGeneratedSuffixMessage(Name), Span);
-		Finding.Severity = ELodexLintSeverity::Note;
-		return Finding;
+		return MakeLintFinding(LodexLintRules::PlacedGeneratedSuffix, PlacedGeneratedSuffixMessage(Name), Span);
 	}
 
 	void CheckGeneratedSuffixes(const FLodexSceneIndex& Index, const std::vector<const FLodexStepOp*>& Steps,
@@ -143,7 +135,7 @@ namespace
 		}
 		if (Depth > MaxDepth)
 		{
-			Out.push_back(MakeLintWarning(LodexLintRules::DeepAbsolute,
+			Out.push_back(MakeLintFinding(LodexLintRules::DeepAbsolute,
 				"the path names " + std::to_string(Depth) + " levels from the root (more than " +
 					std::to_string(MaxDepth) + "): re-attaching any of them breaks it",
 				{Steps.front()->Span.Begin, Steps[Depth - 1]->Span.End}));
@@ -176,7 +168,7 @@ namespace
 			const FLodexEvaluation Everywhere = EvaluateLodestring(Index, "//*" + Predicate);
 			if (Everywhere.bOk && Everywhere.Matches.size() > 1)
 			{
-				Out.push_back(MakeLintWarning(LodexLintRules::SharedTag,
+				Out.push_back(MakeLintFinding(LodexLintRules::SharedTag,
 					"the predicate " + ShowLodestringOnOneLine(Predicate) + " matches " +
 						FormatLodexObjectCount(Everywhere.Matches.size()) +
 						" of the scene: the path finds one only by where it looks",
@@ -192,7 +184,7 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	FLodexLintResult Result;
 	if (!LodexText::IsUtf8(Lodestring))
 	{
-		Result.Findings.push_back(MakeLintError(LodexLintRules::Unreadable,
+		Result.Findings.push_back(MakeLintFinding(LodexLintRules::Unreadable,
 			"the Lodestring is not UTF-8 text; save the file as UTF-8", WholeSpan(Lodestring)));
 		return Result;
 	}
@@ -202,13 +194,13 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	if (!CompileLodestring(Lodestring, Program, Error))
 	{
 		Result.Findings.push_back(
-			MakeLintError(LodexLintRules::Unreadable, Shown + " cannot be read: " + Error.Message, Error.Span));
+			MakeLintFinding(LodexLintRules::Unreadable, Shown + " cannot be read: " + Error.Message, Error.Span));
 		return Result;
 	}
 	const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Program);
 	if (!Evaluation.bOk)
 	{
-		Result.Findings.push_back(MakeLintError(
+		Result.Findings.push_back(MakeLintFinding(
 			LodexLintRules::Unreadable, Shown + " cannot be read: " + Evaluation.Error.Message, Evaluation.Error.Span));
 		return Result;
 	}
@@ -218,15 +210,15 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	{
 		// A level's files hold only what it saves: what the locator names may be spawned at play time.
 		Result.Findings.push_back(Options.bSceneHoldsOnlyPlaced
-				? MakeLintWarning(LodexLintRules::NotInLevel,
+				? MakeLintFinding(LodexLintRules::NotInLevel,
 					  Shown + " matches no object the level saves: it may name one spawned at play time",
 					  WholeSpan(Lodestring))
-				: MakeLintError(
+				: MakeLintFinding(
 					  LodexLintRules::NoMatch, Shown + " " + DescribeLodexMatchCount(0), WholeSpan(Lodestring)));
 	}
 	else if (Count > 1 && Options.bExpectsOneObject)
 	{
-		FLodexLintFinding Finding = MakeLintError(
+		FLodexLintFinding Finding = MakeLintFinding(
 			LodexLintRules::Ambiguous, Shown + " " + DescribeLodexMatchCount(Count), WholeSpan(Lodestring));
 		for (std::size_t Item = 0; Item < Count && Item < MaxListedMatches; ++Item)
 		{

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "LodestringProgram.h"
+#include "LodexLintRuleTable.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,17 +13,7 @@
 class FLodexBestLocatorFinder;
 class FLodexSceneIndex;
 
-enum class ELodexLintSeverity : std::uint8_t
-{
-	/** The locator does not do what the call needs today: it cannot be read, or finds the wrong number of objects. */
-	Error,
-	/** The locator works today but is likely to break: it rests on something that changes between runs or edits. */
-	Warning,
-	/** Worth knowing, never a failure: it rests on something only an edit of the level changes. */
-	Note,
-};
-
-/** The rules a locator is checked against, by the names the report gives them. */
+/** The rules a locator is checked against, by the names the report gives them (their rows: LodexLintRuleTable.h). */
 namespace LodexLintRules
 {
 	/** Error: the text cannot be read, or is not UTF-8. */
@@ -50,6 +41,10 @@ namespace LodexLintRules
 	inline constexpr const char* DeepAbsolute = "deep-absolute";
 	/** Warning: the locator finds the one object the call expects, but its tag predicate alone matches several. */
 	inline constexpr const char* SharedTag = "shared-tag";
+	/** Error, checked by the tool over a project: a test loads a level the project does not have. */
+	inline constexpr const char* UnknownLevel = "unknown-level";
+	/** Note, checked by the tool over a project: a locator no loaded level can be checked against. */
+	inline constexpr const char* NoLevel = "no-level";
 }
 
 struct FLodexLintOptions

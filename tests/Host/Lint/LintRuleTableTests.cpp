@@ -1,0 +1,77 @@
+// Copyright Lodex contributors.
+// Every list of the lint rules is the one table: the rules table of docs/lodex.md, and `lodex lint --list-rules`.
+#include "LodexRun.h"
+#include "TempDir.h"
+
+#include "LodexDebugger/Core/Lodestring/LodexLintRuleTable.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace
+{
+	/** The rows of the table that follows "### Rules" in the document, one line each. */
+	std::vector<std::string> DocumentedRuleRows(const std::string& Document)
+	{
+		std::vector<std::string> Rows;
+		std::istringstream In(Document.substr(std::min(Document.find("\n### Rules\n"), Document.size())));
+		std::string Line;
+		bool bInTable = false;
+		while (std::getline(In, Line))
+		{
+			if (Line.rfind("|", 0) == 0)
+			{
+				bInTable = true;
+				if (Line.rfind("| `", 0) == 0)
+				{
+					Rows.push_back(Line);
+				}
+			}
+			else if (bInTable)
+			{
+				break;
+			}
+		}
+		return Rows;
+	}
+
+	TEST(LintRuleTable, TheDocsTableIsTheRuleTable)
+	{
+		std::string Expected;
+		for (const FLodexLintRule& Rule : GetLodexLintRules())
+		{
+			Expected += std::string("| `") + Rule.Id + "` | " + GetLodexLintSeverityText(Rule.Severity) + " | " +
+				Rule.Help + " |\n";
+		}
+		std::string Documented;
+		for (const std::string& Row : DocumentedRuleRows(FTempDir::Read(LODEX_SOURCE_DIR "/docs/lodex.md")))
+		{
+			Documented += Row + "\n";
+		}
+		EXPECT_EQ(Documented, Expected);
+	}
+
+	TEST(LintRuleTable, ListRulesPrintsEachRuleOnce)
+	{
+		const FLodexRun Run = RunLodex({"lint", "--list-rules"});
+		EXPECT_EQ(Run.Exit, 0);
+		std::istringstream In(Run.Out);
+		std::string Line;
+		std::getline(In, Line);
+		EXPECT_EQ(Line.rfind("rule ", 0), 0u);
+		std::getline(In, Line); // the rule under the header
+		for (const FLodexLintRule& Rule : GetLodexLintRules())
+		{
+			ASSERT_TRUE(std::getline(In, Line));
+			std::istringstream Words(Line);
+			std::string Id;
+			std::string Severity;
+			Words >> Id >> Severity;
+			EXPECT_EQ(Id, Rule.Id);
+			EXPECT_EQ(Severity, GetLodexLintSeverityText(Rule.Severity));
+			EXPECT_EQ(Line.substr(Line.size() - std::string(Rule.Summary).size()), Rule.Summary);
+		}
+		EXPECT_FALSE(std::getline(In, Line));
+	}
+}
