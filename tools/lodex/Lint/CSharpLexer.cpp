@@ -146,6 +146,7 @@ namespace
 				{
 					Token.Text = ReadRegular(Token.Offsets);
 				}
+				Token.End = Pos;
 				SkipUtf8Suffix();
 			}
 			else if (Char == '@' && At(1) == '"')
@@ -153,6 +154,7 @@ namespace
 				FCSharpToken& Token = Push(ECSharpToken::String);
 				Advance();
 				Token.Text = ReadVerbatim(Token.Offsets);
+				Token.End = Pos;
 				SkipUtf8Suffix();
 			}
 			else if (Char == '$' || (Char == '@' && At(1) == '$'))

@@ -27,6 +27,8 @@ struct FCSharpToken
 	std::size_t Offset = 0;
 	/** Strings: for each byte of Text, the source offset of the character or escape it was read from. */
 	std::vector<std::uint32_t> Offsets;
+	/** Strings: where the literal ends (past its closing quotes, before a "u8" suffix), in bytes. */
+	std::size_t End = 0;
 };
 
 /**

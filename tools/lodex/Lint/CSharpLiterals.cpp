@@ -87,8 +87,8 @@ std::vector<FCSharpApiString> FindApiStringArguments(const std::string& Source)
 				}
 				if (Index - First == 1 && Tokens[First].Kind == ECSharpToken::String)
 				{
-					Found.push_back(
-						{Tokens[First].Text, Tokens[First].Line, Tokens[First].Column, Method, Tokens[First].Offsets});
+					Found.push_back({Tokens[First].Text, Tokens[First].Line, Tokens[First].Column, Method,
+						Tokens[First].Offsets, Tokens[First].Offset, Tokens[First].End});
 				}
 				ArgumentStart = Index + 1;
 				if (bEnd)

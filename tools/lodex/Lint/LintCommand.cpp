@@ -2,7 +2,11 @@
 #include "LintCommand.h"
 
 #include "CSharpLiterals.h"
+#include "Cli/AtomicFile.h"
 #include "Cli/LodexCli.h"
+#include "Diff/DiffCommand.h"
+#include "LintBaseline.h"
+#include "LintFix.h"
 #include "LodexTool.h"
 #include "Scenes/SceneEvaluation.h"
 #include "Scenes/SceneFile.h"
@@ -34,7 +38,8 @@ namespace
 }
 
 void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
-	const std::string& Source, const FLodexLintOptions& Options, FLodexLintReport& Report)
+	const std::string& Source, const FLodexLintOptions& Options, FLodexLintReport& Report,
+	ILodexLintLiteralCheck* LiteralCheck)
 {
 	++Report.Files;
 	for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
@@ -46,7 +51,21 @@ void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFind
 		++Report.Checked;
 		FLodexLintOptions CallOptions = Options;
 		CallOptions.bExpectsOneObject = LodexLintExpectsOneObject(Literal.Method);
-		const FLodexLintResult Result = LintLodestring(Index, Finder, Literal.Value, CallOptions);
+		FLodexLintResult Result = LintLodestring(Index, Finder, Literal.Value, CallOptions);
+		FLodexLintFinding Changed;
+		if (LiteralCheck != nullptr && LiteralCheck->Check(FileName, Literal, CallOptions.bExpectsOneObject, Changed))
+		{
+			std::vector<FLodexLintFinding>& Findings = Result.Findings;
+			Findings.erase(std::remove_if(Findings.begin(), Findings.end(),
+							   [](const FLodexLintFinding& Finding)
+							   {
+								   const std::string Rule = Finding.Rule;
+								   return Rule == LodexLintRules::NoMatch || Rule == LodexLintRules::Ambiguous ||
+									   Rule == LodexLintRules::NotInLevel;
+							   }),
+				Findings.end());
+			Findings.insert(Findings.begin(), std::move(Changed));
+		}
 		for (const FLodexLintFinding& Finding : Result.Findings)
 		{
 			FLodexLintDiagnostic Diagnostic;
@@ -218,6 +237,16 @@ namespace
 			Sub->add_option("--format", Format, "text (file:line:col: lines) or json")
 				->check(CLI::IsMember({"text", "json"}))
 				->default_val(Format);
+			// lint against the level before (docs/diff.md)
+			Sub->add_option("--baseline", Baseline,
+				"The level before the change (a file, or REV:PATH): a Lodestring that found one object on it and "
+				"finds none or several now is the error broken-by-change");
+			Sub->add_option("--fix", Fix,
+				   "With --baseline: repair each broken Lodestring whose object is still in the level, as a unified "
+				   "diff on standard output (--fix) or in the files themselves (--fix=write)")
+				->expected(0, 1)
+				->default_str("diff")
+				->check(CLI::IsMember({"diff", "write"}));
 			return Sub;
 		}
 
@@ -241,17 +270,100 @@ namespace
 
 			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
 			const FLodexBestLocatorFinder Finder(*Index);
+			// lint against the level before (docs/diff.md)
+			if (!Fix.empty() && Baseline.empty())
+			{
+				Io.Err << "lodex: --fix needs --baseline: the level before the change\n";
+				return LodexExitUsage;
+			}
+			FSceneFile BaselineRead;
+			std::unique_ptr<FLodexSceneIndex> BaselineIndex;
+			std::unique_ptr<FLintBaselineCheck> BaselineCheck;
+			if (!Baseline.empty())
+			{
+				FSceneFileOptions BaselineFile = SceneFile;
+				BaselineFile.Path = Baseline;
+				if (!LoadSceneSideFor(BaselineFile, BaselineRead, Io.Err))
+				{
+					return LodexExitFailure;
+				}
+				BaselineIndex = IndexSceneSnapshot(BaselineRead.Scene);
+				BaselineCheck =
+					std::make_unique<FLintBaselineCheck>(BaselineRead.Scene, *BaselineIndex, Scene, *Index, Finder);
+			}
 			FLodexLintReport Report;
 			for (const FTestFile& File : Files)
 			{
-				LintCSharpSource(*Index, Finder, File.Path, File.Text, Options, Report);
+				LintCSharpSource(*Index, Finder, File.Path, File.Text, Options, Report, BaselineCheck.get());
 			}
-			Io.Out << (Format == "json" ? FormatLintReportJson(Report, bStrict)
-										: FormatLintReportText(Report, bStrict));
+			const std::string Shown =
+				Format == "json" ? FormatLintReportJson(Report, bStrict) : FormatLintReportText(Report, bStrict);
+			if (!Fix.empty() && !WriteRepairs(*BaselineCheck, Files, Io))
+			{
+				Io.Err << Shown;
+				return LodexExitFailure;
+			}
+			(Fix == "diff" ? Io.Err : Io.Out) << Shown;
 			return LintReportFails(Report, bStrict) ? LodexExitFailure : LodexExitOk;
 		}
 
 	private:
+		/** --fix: the patch on standard output, or each file rewritten at once; false when a file cannot be. */
+		bool WriteRepairs(const FLintBaselineCheck& Check, const std::vector<FTestFile>& Files, FLodexCliIo& Io)
+		{
+			std::vector<std::string> Paths;
+			std::vector<std::string> Texts;
+			for (const FTestFile& File : Files)
+			{
+				Paths.push_back(File.Path);
+				Texts.push_back(File.Text);
+			}
+			std::string Patch;
+			std::vector<FStagedFile> Staged;
+			std::vector<std::string> Written;
+			for (const FLintFileRepair& Repair : RepairLintFiles(Check.GetBroken(), Paths, Texts))
+			{
+				for (const std::string& Skipped : Repair.Skipped)
+				{
+					Io.Err << "lodex: note: " << Skipped << "\n";
+				}
+				if (Repair.Repairs == 0)
+				{
+					continue;
+				}
+				if (Fix == "diff")
+				{
+					Patch += MakeUnifiedDiff(std::filesystem::path(Repair.File).lexically_normal().generic_string(),
+						Repair.Before, Repair.After);
+					continue;
+				}
+				// Every file is staged before any is replaced: a file that cannot be written leaves all as they were.
+				std::string Error;
+				Staged.emplace_back();
+				if (!Staged.back().Stage(Repair.File, Repair.After, FAtomicFileOptions(), Error))
+				{
+					Io.Err << "lodex: " << Error << "\n";
+					return false;
+				}
+				Written.push_back("lodex: repaired " + std::to_string(Repair.Repairs) +
+					(Repair.Repairs == 1 ? " Lodestring in " : " Lodestrings in ") + Repair.File + "\n");
+			}
+			for (std::size_t Index = 0; Index < Staged.size(); ++Index)
+			{
+				std::string Error;
+				if (!Staged[Index].Commit(Error))
+				{
+					Io.Err << "lodex: " << Error << "\n";
+					return false;
+				}
+				Io.Err << Written[Index];
+			}
+			Io.Out << Patch;
+			return true;
+		}
+
+		std::string Baseline;
+		std::string Fix;
 		FSceneFileOptions SceneFile;
 		std::vector<std::string> Tests;
 		bool bStrict = false;

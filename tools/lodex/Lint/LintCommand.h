@@ -41,12 +41,27 @@ struct FLodexLintReport
 	std::vector<FLodexLintDiagnostic> Diagnostics;
 };
 
+struct FCSharpApiString;
+
+/**
+ * A check run on each Lodestring literal besides the rules (`lint --baseline`): a finding it gives takes the place of
+ * the errors about how many objects the literal matches.
+ */
+class ILodexLintLiteralCheck
+{
+public:
+	virtual ~ILodexLintLiteralCheck() = default;
+	virtual bool Check(const std::string& FileName, const FCSharpApiString& Literal, bool bExpectsOneObject,
+		FLodexLintFinding& OutFinding) = 0;
+};
+
 /**
  * Checks the Lodestrings one C# file passes to `api` calls against an indexed scene, as `lodex lint` does, and adds
  * what it finds to the report. Options.bExpectsOneObject is set for each call from the method's name.
  */
 void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
-	const std::string& Source, const FLodexLintOptions& Options, FLodexLintReport& Report);
+	const std::string& Source, const FLodexLintOptions& Options, FLodexLintReport& Report,
+	ILodexLintLiteralCheck* LiteralCheck = nullptr);
 
 /** "FILE:LINE:COL: error: MESSAGE [rule]" lines (and "note:" lines), then the summary. */
 std::string FormatLintReportText(const FLodexLintReport& Report, bool bStrict);

@@ -50,6 +50,11 @@ namespace LodexLintRules
 	inline constexpr const char* DeepAbsolute = "deep-absolute";
 	/** Warning: the locator finds the one object the call expects, but its tag predicate alone matches several. */
 	inline constexpr const char* SharedTag = "shared-tag";
+	/**
+	 * Error, with a baseline (`lint --baseline`): the locator found exactly one object on the level before and finds
+	 * none or several now; the message says which change of the level broke it.
+	 */
+	inline constexpr const char* BrokenByChange = "broken-by-change";
 }
 
 struct FLodexLintOptions
