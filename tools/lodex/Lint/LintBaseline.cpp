@@ -153,9 +153,9 @@ void FLintBaselineCheck::FindCandidates(const FSceneObject& Actor, std::vector<F
 	std::vector<std::pair<double, const FSceneObject*>> Scored;
 	for (const FSceneObject& Candidate : New.GetObjects())
 	{
-		if (Candidate.Kind != "actor")
+		if (Candidate.Kind != "actor" || Diff.OldOf(&Candidate) != nullptr)
 		{
-			continue;
+			continue; // an actor paired with another is that one
 		}
 		const double Score = ScoreLevelActors(Actor, Candidate);
 		if (Score >= LodexDiffRules::Threshold - LodexDiffRules::Margin)
