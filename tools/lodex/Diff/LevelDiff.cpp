@@ -46,10 +46,11 @@ namespace
 	struct FActorSet
 	{
 		std::vector<const FSceneObject*> Actors;
-		std::map<const FSceneObject*, std::vector<std::string>> Components;
+		std::unordered_map<const FSceneObject*, std::vector<std::string>> Components;
 
 		explicit FActorSet(const FSceneSnapshot& Scene)
 		{
+			Components.reserve(Scene.GetObjects().size() / 2);
 			for (const FSceneObject& Object : Scene.GetObjects())
 			{
 				if (Object.Kind == "actor")
@@ -109,6 +110,10 @@ namespace
 	/** What is in Left and not in Right, counting repeats, in Left's order. */
 	std::vector<std::string> Missing(const std::vector<std::string>& Left, const std::vector<std::string>& Right)
 	{
+		if (Left == Right)
+		{
+			return {}; // the common case, without a set
+		}
 		std::multiset<std::string> Pool(Right.begin(), Right.end());
 		std::vector<std::string> Out;
 		for (const std::string& Item : Left)
@@ -128,7 +133,7 @@ namespace
 
 	bool SameTags(const FSceneObject& Old, const FSceneObject& New)
 	{
-		return Missing(Old.Tags, New.Tags).empty() && Missing(New.Tags, Old.Tags).empty();
+		return Old.Tags == New.Tags || (Missing(Old.Tags, New.Tags).empty() && Missing(New.Tags, Old.Tags).empty());
 	}
 
 	/** Pairs by fingerprint among the actors left: best pairs first, each only without a close rival. */
