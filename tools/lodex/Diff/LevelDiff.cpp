@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <map>
 #include <set>
+#include <string_view>
 
 namespace
 {
@@ -304,36 +305,47 @@ FLevelDiff DiffLevelScenes(const FSceneSnapshot& OldScene, const FSceneSnapshot&
 	Diff.NewToOld.reserve(New.Actors.size());
 
 	// 1. The same GUID, kept by one actor on each side.
-	std::unordered_map<std::string, const FSceneObject*> NewByGuid;
-	std::unordered_map<std::string, std::size_t> GuidCount;
+	struct FGuidUse
+	{
+		const FSceneObject* New = nullptr;
+		std::uint32_t OldCount = 0;
+		std::uint32_t NewCount = 0;
+	};
+	std::unordered_map<std::string_view, FGuidUse> Guids;
+	Guids.reserve(New.Actors.size() + Old.Actors.size() / 8);
+	bool bOldGuids = false;
+	bool bNewGuids = false;
 	for (const FSceneObject* Actor : New.Actors)
 	{
 		if (!Actor->Guid.empty())
 		{
-			NewByGuid[Actor->Guid] = Actor;
-			++GuidCount[Actor->Guid];
+			FGuidUse& Use = Guids[Actor->Guid];
+			Use.New = Actor;
+			++Use.NewCount;
+			bNewGuids = true;
 		}
 	}
-	std::unordered_map<std::string, std::size_t> OldGuidCount;
 	for (const FSceneObject* Actor : Old.Actors)
 	{
 		if (!Actor->Guid.empty())
 		{
-			++OldGuidCount[Actor->Guid];
+			++Guids[Actor->Guid].OldCount;
+			bOldGuids = true;
 		}
 	}
 	for (const FSceneObject* Actor : Old.Actors)
 	{
-		if (Actor->Guid.empty() || OldGuidCount[Actor->Guid] != 1 || GuidCount[Actor->Guid] != 1)
+		const auto Found = Actor->Guid.empty() ? Guids.end() : Guids.find(Actor->Guid);
+		if (Found == Guids.end() || Found->second.OldCount != 1 || Found->second.NewCount != 1)
 		{
 			continue;
 		}
-		const FSceneObject* Match = NewByGuid[Actor->Guid];
+		const FSceneObject* Match = Found->second.New;
 		Diff.Pairs.push_back({Actor, Match, ELevelMatch::Guid, 1.0});
 		Diff.OldToNew[Actor] = Match;
 		Diff.NewToOld[Match] = Actor;
 	}
-	Diff.bNoSharedGuid = Diff.Pairs.empty() && !OldGuidCount.empty() && !GuidCount.empty();
+	Diff.bNoSharedGuid = Diff.Pairs.empty() && bOldGuids && bNewGuids;
 
 	// 2. The level script actor, by its class.
 	for (const FSceneObject* Actor : Old.Actors)
