@@ -166,6 +166,38 @@ namespace
 			2);
 	}
 
+	TEST(LintBaselineCandidates, TwoCloseCandidatesAreListedForAPersonNotRepaired)
+	{
+		FTestMap OldMap;
+		FTestActor Crate = Actor("Crate_1", "", {"crate"});
+		Crate.Label = "Crate";
+		OldMap.Actors = {Crate, Actor("House", Guid(1))};
+		FTestMap NewMap = OldMap;
+		NewMap.Actors[0].Name = "Crate_8";
+		FTestActor Second = NewMap.Actors[0];
+		Second.Name = "Crate_9";
+		NewMap.Actors.push_back(Second);
+		FLevelScene Old;
+		FLevelScene New;
+		std::string Error;
+		ASSERT_TRUE(ReadLevelSceneBytes(WriteTestMap(OldMap), "old.umap", OldMap.PackagePath, Old, Error)) << Error;
+		ASSERT_TRUE(ReadLevelSceneBytes(WriteTestMap(NewMap), "new.umap", NewMap.PackagePath, New, Error)) << Error;
+		const auto OldIndex = IndexSceneSnapshot(Old.Scene);
+		const auto NewIndex = IndexSceneSnapshot(New.Scene);
+		const FLodexBestLocatorFinder Finder(*NewIndex);
+		FLintBaselineCheck Check(Old.Scene, *OldIndex, New.Scene, *NewIndex, Finder);
+		FCSharpApiString Literal;
+		Literal.Value = "//Crate_1";
+		FLodexLintFinding Finding;
+		ASSERT_TRUE(Check.Check("t.cs", Literal, true, Finding));
+		EXPECT_EQ(Finding.Message,
+			"//Crate_1 found Crate_1 on the baseline and now matches no object: Crate_1 was removed from the level");
+		EXPECT_EQ(Finding.Suggestion, "");
+		EXPECT_EQ(Check.GetBroken().back().Repair, "");
+		EXPECT_EQ(Finding.Notes,
+			(std::vector<std::string>{"candidate: /Crate_8 (score 0.70)", "candidate: /Crate_9 (score 0.70)"}));
+	}
+
 	TEST(LintFix, LiteralsKeepTheirKindAndQuoting)
 	{
 		const struct

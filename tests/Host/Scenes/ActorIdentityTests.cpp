@@ -4,12 +4,14 @@
 #include "Scenes/LevelScene.h"
 #include "Scenes/SceneReflection.h"
 #include "Scenes/SceneSnapshot.h"
+#include "LodexRun.h"
 #include "TempDir.h"
 #include "TestPackageWriter.h"
 
 #include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <string>
 
@@ -91,6 +93,15 @@ namespace
 		const FSceneObject* Read = FindById(Level.Scene, "/Game/Maps/Main.Main:PersistentLevel.Crate_UAID_1");
 		ASSERT_NE(Read, nullptr);
 		EXPECT_EQ(Read->Guid, "FFEEDDCCBBAA99887766554433221100");
+
+		// lodex level --format json writes both.
+		const FLodexRun Run = RunLodex({"level", "--format", "json", Temp.Path + "/Content/Maps/Main.umap"});
+		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		const nlohmann::json Json = nlohmann::json::parse(Run.Out);
+		const nlohmann::json& Actor = Json["objects"][1];
+		EXPECT_EQ(Actor["name"], "Crate_UAID_1");
+		EXPECT_EQ(Actor["guid"], "FFEEDDCCBBAA99887766554433221100");
+		EXPECT_EQ(Actor["location"], nlohmann::json::array({0.0, 0.0, 0.0}));
 	}
 
 	TEST(ActorIdentity, AGuidOrLocationOfAnotherTypeIsAnError)
