@@ -57,8 +57,7 @@ namespace
 
 FLintBaselineCheck::FLintBaselineCheck(const FSceneSnapshot& InOld, const FLodexSceneIndex& InOldIndex,
 	const FSceneSnapshot& InNew, const FLodexSceneIndex& InNewIndex, const FLodexBestLocatorFinder& InNewFinder)
-	: Old(InOld)
-	, OldIndex(InOldIndex)
+	: OldIndex(InOldIndex)
 	, New(InNew)
 	, NewIndex(InNewIndex)
 	, NewFinder(InNewFinder)

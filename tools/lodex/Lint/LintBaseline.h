@@ -60,7 +60,6 @@ private:
 	std::string DescribeOthers(const std::vector<const FSceneObject*>& Others) const;
 	void FindCandidates(const FSceneObject& Actor, std::vector<FLintRepairCandidate>& Out) const;
 
-	const FSceneSnapshot& Old;
 	const FLodexSceneIndex& OldIndex;
 	const FSceneSnapshot& New;
 	const FLodexSceneIndex& NewIndex;
