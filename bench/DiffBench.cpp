@@ -54,9 +54,10 @@ namespace
 			Actor.Name = "StaticMeshActor_" + std::to_string(Index);
 			Actor.Label = "Crate " + std::to_string(Index);
 			Actor.Guid = BenchGuid(Index);
-			Actor.Components = {{"Root", "SceneComponent", Index % 100 != 0 ? Old.Actors.back().Name + ".Root" : ""},
-				{"Mesh", "StaticMeshComponent", ""}};
-			Actor.Root = "Root";
+			// A static mesh actor: its one component is its root; one in a hundred starts a row attached together.
+			Actor.Components = {{"StaticMeshComponent0", "StaticMeshComponent",
+				Index % 100 != 0 ? Old.Actors.back().Name + ".StaticMeshComponent0" : ""}};
+			Actor.Root = "StaticMeshComponent0";
 			Actor.bLocation = true;
 			Actor.Location[0] = static_cast<double>(Index);
 			Actor.bTags = Index % 10 == 0;
@@ -128,11 +129,15 @@ namespace
 		std::size_t Changes = 0;
 		for (auto _ : State)
 		{
-			FLevelScene Old;
-			FLevelScene New;
+			// As lodex diff reads them: both sides at once.
+			FSceneFileOptions OldFile;
+			OldFile.Path = Files.first;
+			FSceneFileOptions NewFile;
+			NewFile.Path = Files.second;
+			FSceneFile Old;
+			FSceneFile New;
 			std::string Error;
-			if (!ReadLevelScene(Files.first, FLevelReadOptions(), Old, Error) ||
-				!ReadLevelScene(Files.second, FLevelReadOptions(), New, Error))
+			if (!LoadScenePair(OldFile, NewFile, Old, New, Error))
 			{
 				State.SkipWithError(Error.c_str());
 				return;

@@ -9,6 +9,8 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <thread>
+
 namespace
 {
 	std::string Quoted(const std::string& Text)
@@ -212,9 +214,18 @@ namespace
 			New.bNoSubLevels = bNoSubLevels;
 			FSceneFile OldScene;
 			FSceneFile NewScene;
-			if (!LoadSceneSideFor(Old, OldScene, Io.Err) || !LoadSceneSideFor(New, NewScene, Io.Err))
+			std::string Error;
+			if (!LoadScenePair(Old, New, OldScene, NewScene, Error))
 			{
+				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
+			}
+			for (const FSceneFile* Side : {&OldScene, &NewScene})
+			{
+				for (const std::string& Note : Side->Notes)
+				{
+					Io.Err << "lodex: note: " << Note << "\n";
+				}
 			}
 			const FLevelDiff Diff = DiffLevelScenes(OldScene.Scene, NewScene.Scene);
 			Io.Out << (Format == "json" ? FormatLevelDiffJson(Diff, Old.Path, New.Path)
@@ -229,6 +240,19 @@ namespace
 		bool bExitCode = false;
 		std::string Format = "text";
 	};
+}
+
+bool LoadScenePair(const FSceneFileOptions& OldOptions, const FSceneFileOptions& NewOptions, FSceneFile& OutOld,
+	FSceneFile& OutNew, std::string& OutError)
+{
+	std::string OldError;
+	bool bOldRead = false;
+	std::thread OldReader([&] { bOldRead = LoadSceneAtRevision(OldOptions, OutOld, OldError); });
+	std::string NewError;
+	const bool bNewRead = LoadSceneAtRevision(NewOptions, OutNew, NewError);
+	OldReader.join();
+	OutError = !bOldRead ? OldError : NewError;
+	return bOldRead && bNewRead;
 }
 
 bool LoadSceneSideFor(const FSceneFileOptions& Options, FSceneFile& Out, std::ostream& Err)
