@@ -213,4 +213,26 @@ namespace
 		EXPECT_EQ(Json["changed"], true);
 		EXPECT_EQ(Json["sharedGuids"], true);
 	}
+
+	TEST(LevelDiff, SnapshotsArePairedByTheirGuidField)
+	{
+		const char* const Before = R"({"objects": [
+			{"id": "lvl", "kind": "other", "name": "PersistentLevel"},
+			{"id": "a", "kind": "actor", "name": "Door_2", "label": "Door", "outer": "lvl",
+			 "guid": "0000000000000000000000000000000a", "location": [0, 0, 0], "tags": ["exit"]},
+			{"id": "b", "kind": "actor", "name": "Lamp", "outer": "lvl"}]})";
+		const char* const After = R"({"objects": [
+			{"id": "lvl", "kind": "other", "name": "PersistentLevel"},
+			{"id": "a", "kind": "actor", "name": "Door_3", "label": "Door", "outer": "lvl",
+			 "guid": "0000000000000000000000000000000A", "location": [0, 10, 0], "tags": ["exit"]},
+			{"id": "b", "kind": "actor", "name": "Lamp", "outer": "lvl"}]})";
+		FSceneSnapshot Old;
+		FSceneSnapshot New;
+		std::string Error;
+		ASSERT_TRUE(FSceneSnapshot::Parse(Before, "old.json", Old, Error)) << Error;
+		ASSERT_TRUE(FSceneSnapshot::Parse(After, "new.json", New, Error)) << Error;
+		EXPECT_EQ(FormatLevelDiffText(DiffLevelScenes(Old, New), "old.json", "new.json"),
+			"old.json -> new.json: 1 renamed, 1 moved (2 of 2 actors paired: 1 by GUID, 0 by level script class, 1 by "
+			"fingerprint)\nrenamed:\n  Door (Door_2) -> Door_3\nmoved:\n  Door (Door_3): (0, 0, 0) -> (0, 10, 0)\n");
+	}
 }
