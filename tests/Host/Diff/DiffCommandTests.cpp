@@ -89,6 +89,23 @@ namespace
 		EXPECT_NE(Same.Out.find(": no changes ("), std::string::npos) << Same.Out;
 	}
 
+	TEST_F(DiffCommand, LintTakesItsBaselineFromARevision)
+	{
+		FTempDir Tests;
+		const std::string File = Tests.Write("T.cs", "class T { void Run(Api api) { api.Click(\"//Lamp_2\"); } }");
+		const FLodexRun Run = RunLodex({"lint", "--scene", Map, "--baseline", "HEAD~1:" + Map, File});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Out.substr(0, Run.Out.find('\n')),
+			File +
+				":1:42: error: //Lamp_2 found Lamp_2 on the baseline and now matches no object: Lamp_2 was renamed "
+				"Lamp_3; suggested: /Lamp_3 [broken-by-change]");
+		const FLodexRun Missing = RunLodex({"lint", "--scene", Map, "--baseline", "nosuch:" + Map, File});
+		EXPECT_EQ(Missing.Exit, 1);
+		EXPECT_EQ(
+			Missing.Err, "lodex: nosuch:" + Map + ": no revision 'nosuch' in the repository at " + Repo.Path + "\n");
+		EXPECT_EQ(Missing.Out, "");
+	}
+
 	TEST_F(DiffCommand, WhatCannotBeReadIsOneLine)
 	{
 		const struct
