@@ -127,6 +127,15 @@ namespace
 			EXPECT_EQ(Run.Err, Row.Error);
 			EXPECT_EQ(Run.Out, "");
 		}
+		// A level kept in Git LFS, whose objects were not fetched.
+		WriteTestFile(
+			Repo.Path, "Content/Maps/Lfs.umap", "version https://git-lfs.github.com/spec/v1\noid sha256:00\nsize 12\n");
+		ASSERT_EQ(Git(Repo, "add -A"), 0);
+		ASSERT_EQ(Git(Repo, "commit -q -m lfs"), 0);
+		const std::string Lfs = Repo.Path + "/Content/Maps/Lfs.umap";
+		EXPECT_EQ(RunLodex({"diff", "HEAD:" + Lfs, Map}).Err,
+			"lodex: HEAD:" + Lfs +
+				": a Git LFS pointer, not the file itself: fetch the revision's LFS objects first\n");
 		// A broken level at a revision: the reader's message, the file named as REV:PATH.
 		const std::string Bytes = FTempDir::Read(Map);
 		WriteTestFile(Repo.Path, "Content/Maps/Main.umap", Bytes.substr(0, 100));

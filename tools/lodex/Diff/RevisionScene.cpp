@@ -228,6 +228,14 @@ bool LoadSceneAtRevision(const FSceneFileOptions& Options, FSceneFile& Out, std:
 	}
 	FSceneFileOptions AtRevision = Options;
 	AtRevision.Path = Tree + InRepo;
+	std::ifstream Head(AtRevision.Path, std::ios::binary);
+	std::string Start(40, '\0');
+	Start.resize(static_cast<std::size_t>(Head.read(&Start[0], 40).gcount()));
+	if (Start.rfind("version https://git-lfs.github.com/spec/", 0) == 0)
+	{
+		OutError = Shown + ": a Git LFS pointer, not the file itself: fetch the revision's LFS objects first";
+		return false;
+	}
 	const bool bRead = LoadSceneFile(AtRevision, Out, OutError);
 	const std::string RevisionPrefix = Split.Revision + ":";
 	ReplaceAll(OutError, Tree, RevisionPrefix);
