@@ -63,6 +63,13 @@ FLintBaselineCheck::FLintBaselineCheck(const FSceneSnapshot& InOld, const FLodex
 	, NewFinder(InNewFinder)
 	, Diff(DiffLevelScenes(InOld, InNew))
 {
+	for (std::size_t Index = 0; Index < Diff.Changes.size(); ++Index)
+	{
+		if (Diff.Changes[Index].Old != nullptr)
+		{
+			ChangesOf[Diff.Changes[Index].Old].push_back(Index);
+		}
+	}
 }
 
 std::vector<std::string> FLintBaselineCheck::Causes(const FSceneObject& Object, const FSceneObject* NewObject) const
@@ -82,12 +89,14 @@ std::vector<std::string> FLintBaselineCheck::Causes(const FSceneObject& Object, 
 			Out.push_back(Step->Name + " was removed from the level");
 			continue;
 		}
-		for (const FLevelChangeEntry& Change : Diff.Changes)
+		const auto Changed = ChangesOf.find(Step);
+		if (Changed == ChangesOf.end())
 		{
-			if (Change.Old != Step)
-			{
-				continue;
-			}
+			continue;
+		}
+		for (const std::size_t Index : Changed->second)
+		{
+			const FLevelChangeEntry& Change = Diff.Changes[Index];
 			switch (Change.Kind)
 			{
 				case ELevelChange::Renamed:
@@ -133,10 +142,11 @@ std::string FLintBaselineCheck::DescribeOthers(const std::vector<const FSceneObj
 		}
 		else
 		{
-			for (const FLevelChangeEntry& Change : Diff.Changes)
+			const auto Changed = ChangesOf.find(Before);
+			for (std::size_t Index = 0; Changed != ChangesOf.end() && Index < Changed->second.size(); ++Index)
 			{
-				What += Change.Old == Before ? (What.empty() ? "" : ", ") + std::string(LevelChangeName(Change.Kind))
-											 : std::string();
+				What += (What.empty() ? "" : ", ") +
+					std::string(LevelChangeName(Diff.Changes[Changed->second[Index]].Kind));
 			}
 			What = What.empty() ? "there before" : What;
 		}

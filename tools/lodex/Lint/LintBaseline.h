@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 class FLodexBestLocatorFinder;
@@ -65,5 +66,7 @@ private:
 	const FLodexSceneIndex& NewIndex;
 	const FLodexBestLocatorFinder& NewFinder;
 	FLevelDiff Diff;
+	/** Each old actor's changes, by index into Diff.Changes. */
+	std::unordered_map<const FSceneObject*, std::vector<std::size_t>> ChangesOf;
 	std::vector<FLintBrokenLiteral> Broken;
 };
