@@ -128,7 +128,7 @@ namespace
 		const std::string Patch = Dir.Path + "/fix.patch";
 		const std::string Command = "cd '" + Dir.Path +
 			"' && '" LODEX_BINARY "' lint --scene new/Content/Maps/Main.umap "
-			"--baseline old/Content/Maps/Main.umap --fix Tests.cs >fix.patch 2>/dev/null";
+			"--baseline old/Content/Maps/Main.umap --fix \"$PWD/Tests.cs\" >fix.patch 2>/dev/null";
 		EXPECT_NE(std::system(Command.c_str()), 0); // the lint itself still fails
 		EXPECT_EQ(FTempDir::Read(Patch).rfind("--- a/Tests.cs\n+++ b/Tests.cs\n@@ -2,", 0), 0u)
 			<< FTempDir::Read(Patch);

@@ -218,6 +218,22 @@ namespace
 		return true;
 	}
 
+	/** A file as a patch names it: relative to the current folder, where `git apply` runs, when it lies below it. */
+	std::string PatchPath(const std::string& File)
+	{
+		std::filesystem::path Path = std::filesystem::path(File).lexically_normal();
+		std::error_code Code;
+		if (Path.is_absolute())
+		{
+			const std::filesystem::path Relative = Path.lexically_relative(std::filesystem::current_path(Code));
+			if (!Code && !Relative.empty() && *Relative.begin() != "..")
+			{
+				Path = Relative;
+			}
+		}
+		return Path.generic_string();
+	}
+
 	class FLintCommand final : public ILodexCommand
 	{
 	public:
@@ -333,8 +349,7 @@ namespace
 				}
 				if (Fix == "diff")
 				{
-					Patch += MakeUnifiedDiff(std::filesystem::path(Repair.File).lexically_normal().generic_string(),
-						Repair.Before, Repair.After);
+					Patch += MakeUnifiedDiff(PatchPath(Repair.File), Repair.Before, Repair.After);
 					continue;
 				}
 				// Every file is staged before any is replaced: a file that cannot be written leaves all as they were.
