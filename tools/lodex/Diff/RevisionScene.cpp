@@ -23,6 +23,8 @@ namespace
 {
 	namespace fs = std::filesystem;
 
+	constexpr int GitNotRun = -2;
+
 	/**
 	 * Runs git with Arguments in Folder (and, when given, a temporary index file); its standard output in Out, its
 	 * standard error dropped. posix_spawn, not fork: the two sides of a diff are read on two threads.
@@ -74,7 +76,7 @@ namespace
 		if (Spawned != 0)
 		{
 			close(Pipe[0]);
-			return -1;
+			return GitNotRun;
 		}
 		char Buffer[4096];
 		for (ssize_t Read; (Read = read(Pipe[0], Buffer, sizeof(Buffer))) != 0;)
@@ -172,7 +174,13 @@ bool LoadSceneAtRevision(const FSceneFileOptions& Options, FSceneFile& Out, std:
 		Folder = Folder.parent_path();
 	}
 	std::string Top;
-	if (RunGitIn(Folder.string(), {"rev-parse", "--show-toplevel"}, "", Top) != 0)
+	const int Found = RunGitIn(Folder.string(), {"rev-parse", "--show-toplevel"}, "", Top);
+	if (Found == GitNotRun)
+	{
+		OutError = Shown + ": git could not be run to read the revision";
+		return false;
+	}
+	if (Found != 0)
 	{
 		OutError = Shown + ": " + Folder.string() + " is not in a git repository";
 		return false;
