@@ -80,6 +80,18 @@ namespace
 		EXPECT_EQ(std::system(("test -z \"$(git -C '" + Repo.Path + "' status --porcelain)\"").c_str()), 0);
 	}
 
+	TEST_F(DiffCommand, ASnapshotOutsideContentIsReadAtARevisionToo)
+	{
+		const std::string Snapshot = Repo.Path + "/scene.json";
+		WriteTestFile(Repo.Path, "scene.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "Door_2"}]})");
+		ASSERT_EQ(Git(Repo, "add -A"), 0);
+		ASSERT_EQ(Git(Repo, "commit -q -m scene"), 0);
+		WriteTestFile(Repo.Path, "scene.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "Door_3"}]})");
+		const FLodexRun Run = RunLodex({"diff", "--exit-code", "HEAD:" + Snapshot, Snapshot});
+		EXPECT_EQ(Run.Exit, 1) << Run.Err;
+		EXPECT_EQ(Run.Out.substr(Run.Out.find('\n') + 1), "added:\n  Door_3\nremoved:\n  Door_2\n");
+	}
+
 	TEST_F(DiffCommand, ExitCodeSaysWhetherSomethingChanged)
 	{
 		EXPECT_EQ(RunLodex({"diff", "--exit-code", "HEAD~1:" + Map, Map}).Exit, 1);
