@@ -56,6 +56,7 @@ static int RunLodexCliWithInput(
 	Commands.push_back(MakeLintCommand());
 	Commands.push_back(MakeExploreCommand());
 	Commands.push_back(MakeLevelCommand());
+	Commands.push_back(MakeDiffCommand());
 	std::vector<CLI::App*> Subcommands;
 	for (const std::unique_ptr<ILodexCommand>& Command : Commands)
 	{

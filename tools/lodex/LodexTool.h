@@ -22,6 +22,7 @@ std::unique_ptr<ILodexCommand> MakeDebugCommand();
 std::unique_ptr<ILodexCommand> MakeLintCommand();
 std::unique_ptr<ILodexCommand> MakeExploreCommand();
 std::unique_ptr<ILodexCommand> MakeLevelCommand();
+std::unique_ptr<ILodexCommand> MakeDiffCommand();
 
 /** Runs the tool on its arguments (without the program name); returns the exit code. */
 int RunLodexCli(const std::vector<std::string>& Args, std::ostream& Out, std::ostream& Err);

@@ -219,6 +219,18 @@ ELodexPlacement FLodexUObjectGraph::GetPlacement(FLodexObject Object) const
 		: ELodexPlacement::Spawned;
 }
 
+std::string FLodexUObjectGraph::GetActorGuid(FLodexObject Object) const
+{
+#if WITH_EDITOR
+	const AActor* Actor = Cast<AActor>(LodexInterop::ToUObject(Object));
+	if (Actor != nullptr && Actor->GetActorGuid().IsValid())
+	{
+		return LodexInterop::ToUtf8(Actor->GetActorGuid().ToString());
+	}
+#endif
+	return std::string();
+}
+
 bool FLodexUObjectGraph::GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const
 {
 	OutTags.clear();

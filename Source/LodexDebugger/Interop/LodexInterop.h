@@ -75,6 +75,9 @@ public:
 	 * time. A component counts as its owner does.
 	 */
 	virtual ELodexPlacement GetPlacement(FLodexObject Object) const override;
+	/** An actor's `AActor::GetActorGuid`, as `FGuid::ToString()` writes it; empty for other objects and invalid GUIDs.
+	 */
+	virtual std::string GetActorGuid(FLodexObject Object) const override;
 	//~ End ILodexObjectGraph Interface
 };
 

@@ -130,7 +130,7 @@ namespace
 			{{}, "lodex: A subcommand is required", "Usage: lodex [OPTIONS] SUBCOMMAND"},
 			{{"frobnicate", "door"},
 				"lodex: unknown command 'frobnicate' (the commands are path, copy, demo, install, record, repl, debug, "
-				"lint, explore, level)",
+				"lint, explore, level, diff)",
 				"Usage: lodex [OPTIONS] SUBCOMMAND"},
 			{{"path", "door"}, "lodex: --scene is required", "Usage: lodex path [OPTIONS] objects..."},
 			{{"path", "--scene", ScenePath}, "lodex: objects is required", "Usage: lodex path [OPTIONS] objects..."},

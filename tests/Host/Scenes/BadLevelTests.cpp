@@ -205,7 +205,7 @@ namespace
 			{[&](std::string& B) { PatchInt32(B, At.ImportOffset, 9999); },
 				"level.umap: byte " + std::to_string(At.ImportOffset) +
 					": an import's class package: name 9999 is not in "
-					"the name map (37 names)"},
+					"the name map (36 names)"},
 			{[&](std::string& B) { PatchInt32(B, Export0 + 12, 500); },
 				"level.umap: byte " + std::to_string(Export0 + 12) +
 					": export 0's outer is export 499, outside the export "

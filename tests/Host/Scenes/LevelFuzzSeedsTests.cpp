@@ -30,6 +30,10 @@ namespace
 		Base.bTags = true;
 		Base.Tags = {"anchor", "red_1"};
 		Base.InstanceComponents = {"Mesh"};
+		Base.Guid = "6F1C2A3B4D5E6F708192A3B4C5D6E7F8";
+		Base.bLocation = true;
+		Base.Location[0] = 120.5;
+		Base.Location[2] = -30;
 		FTestActor Child;
 		Child.Name = "BP_Door_C_0";
 		Child.Class = "/Game/BP/BP_Door.BP_Door_C";
@@ -41,6 +45,7 @@ namespace
 		Map.bNullActor = true;
 
 		FTestMap Early = Map;
+		Early.Actors[0].bFloatVectors = true;
 		FTestPackage EarlyPackage(Early.PackagePath);
 		EarlyPackage.FileVersionUE5 = 1000;
 
@@ -49,6 +54,7 @@ namespace
 		External.Components = {
 			{"StaticMeshComponent0", "StaticMeshComponent", "/Game/Maps/Main.Main:PersistentLevel.Base_3.Root"}};
 		External.Root = "StaticMeshComponent0";
+		External.Guid = "0123456789ABCDEF0123456789ABCDEF";
 		return {
 			{"level.umap", WriteTestMap(Map)},
 			{"level-ue5-1000.umap", WriteTestMap(Early, &EarlyPackage)},

@@ -40,7 +40,11 @@ namespace
 		{
 			Actor.FirstProperties(Data);
 		}
-		Data.Struct("ActorGuid", "Guid", 16);
+		if (!Actor.Guid.empty())
+		{
+			Data.Guid("ActorGuid", Actor.Guid);
+		}
+		Data.Struct("PivotOffset", "Vector", 24); // read by nobody: skipped by its size
 		for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
 		{
 			if (Actor.Components[Slot].Name == Actor.Root)
@@ -76,7 +80,12 @@ namespace
 		{
 			const FTestComponent& Component = Actor.Components[Slot];
 			FTestPackage::FData& ComponentData = Package.GetData(Components[Slot]);
-			ComponentData.Struct("RelativeLocation", "Vector", 24);
+			if (Component.Name == Actor.Root && Actor.bLocation)
+			{
+				ComponentData.Vector(
+					"RelativeLocation", Actor.Location[0], Actor.Location[1], Actor.Location[2], !Actor.bFloatVectors);
+			}
+			ComponentData.Struct("RelativeScale3D", "Vector", 24);
 			if (Component.AttachParent.empty())
 			{
 				continue;

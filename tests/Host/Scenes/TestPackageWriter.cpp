@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "TestPackageWriter.h"
 
+#include <cstring>
+
 namespace
 {
 	std::vector<std::uint32_t> Utf8ToCodePoints(const std::string& Text)
@@ -202,6 +204,58 @@ FTestPackage::FData& FTestPackage::FData::Bool(const std::string& Name, bool bVa
 			Out.Int32(0);
 			Out.UInt8(bValue ? 1 : 0);
 			Out.UInt8(0);
+		});
+	return *this;
+}
+
+FTestPackage::FData& FTestPackage::FData::Guid(const std::string& Name, const std::string& Digits)
+{
+	Properties.push_back(
+		[=](FTestPackage& Package, FTestBytes& Out)
+		{
+			Package.Name(Out, Name);
+			Package.Name(Out, "StructProperty");
+			Out.Int32(16);
+			Out.Int32(0);
+			Package.Name(Out, "Guid");
+			Out.Zeros(16);
+			Out.UInt8(0);
+			for (std::size_t Part = 0; Part < 4; ++Part)
+			{
+				Out.UInt32(static_cast<std::uint32_t>(std::stoul(Digits.substr(Part * 8, 8), nullptr, 16)));
+			}
+		});
+	return *this;
+}
+
+FTestPackage::FData& FTestPackage::FData::Vector(const std::string& Name, double X, double Y, double Z, bool bDoubles)
+{
+	Properties.push_back(
+		[=](FTestPackage& Package, FTestBytes& Out)
+		{
+			Package.Name(Out, Name);
+			Package.Name(Out, "StructProperty");
+			Out.Int32(bDoubles ? 24 : 12);
+			Out.Int32(0);
+			Package.Name(Out, "Vector");
+			Out.Zeros(16);
+			Out.UInt8(0);
+			for (const double Value : {X, Y, Z})
+			{
+				if (bDoubles)
+				{
+					std::uint64_t Bits = 0;
+					std::memcpy(&Bits, &Value, 8);
+					Out.Int64(static_cast<std::int64_t>(Bits));
+				}
+				else
+				{
+					const float Single = static_cast<float>(Value);
+					std::uint32_t Bits = 0;
+					std::memcpy(&Bits, &Single, 4);
+					Out.UInt32(Bits);
+				}
+			}
 		});
 	return *this;
 }

@@ -50,6 +50,10 @@ public:
 		FData& Bool(const std::string& Name, bool bValue);
 		/** A struct value the reader must skip by its size, with a property GUID in its tag. */
 		FData& Struct(const std::string& Name, const std::string& StructName, std::size_t Size);
+		/** A Guid struct from 32 hex digits (A, B, C, D as `FGuid::ToString()` writes them). */
+		FData& Guid(const std::string& Name, const std::string& Digits);
+		/** A Vector struct: doubles, or floats for a package saved before large world coordinates. */
+		FData& Vector(const std::string& Name, double X, double Y, double Z, bool bDoubles = true);
 		/** A property with any tag and value bytes (for wrong types and sizes). */
 		FData& Raw(const std::string& Name, const std::string& Type, const std::string& Value, std::int32_t Size,
 			const std::string& InnerType = "");
@@ -162,6 +166,13 @@ struct FTestActor
 	std::function<void(FTestPackage::FData&)> FirstProperties;
 	/** Whether the level's Actors array names the actor (an unlisted one is an object of the level all the same). */
 	bool bListed = true;
+	/** The saved ActorGuid (32 hex digits); empty: none saved. */
+	std::string Guid;
+	/** The root component's saved RelativeLocation, when bLocation. */
+	bool bLocation = false;
+	double Location[3] = {0, 0, 0};
+	/** Whether vectors are saved as floats (a package saved before large world coordinates). */
+	bool bFloatVectors = false;
 };
 
 /** A map package: a world, its persistent level and the level's Actors array, and streaming sub-levels. */

@@ -124,6 +124,14 @@ namespace
 			{
 				Entry["placed"] = Object.Origin == LodexSceneOrigin::Placed;
 			}
+			if (!Object.Guid.empty())
+			{
+				Entry["guid"] = Object.Guid;
+			}
+			if (Object.bHasLocation)
+			{
+				Entry["location"] = {Object.Location[0], Object.Location[1], Object.Location[2]};
+			}
 			Objects.push_back(std::move(Entry));
 		}
 		nlohmann::ordered_json Root;

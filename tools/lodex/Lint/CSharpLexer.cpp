@@ -109,6 +109,12 @@ namespace
 			Out.Strings.emplace_back();
 			return Out.Strings.back();
 		}
+		/** The string literal just read ends here: past its closing quotes, before a "u8" suffix. */
+		void EndStringToken()
+		{
+			FCSharpToken& Token = Out.Tokens.back();
+			Token.Length = static_cast<std::uint32_t>(Pos - Token.Offset);
+		}
 		std::size_t QuotesAt(std::size_t From) const
 		{
 			std::size_t Count = 0;
@@ -205,6 +211,7 @@ namespace
 				{
 					Value.Text = ReadRegular(Value.Offsets);
 				}
+				EndStringToken();
 				SkipUtf8Suffix();
 			}
 			else if (Char == '@' && At(1) == '"')
@@ -212,6 +219,7 @@ namespace
 				FCSharpStringValue& Value = PushString();
 				Advance();
 				Value.Text = ReadVerbatim(Value.Offsets);
+				EndStringToken();
 				SkipUtf8Suffix();
 			}
 			else if (Char == '$' || (Char == '@' && At(1) == '$'))

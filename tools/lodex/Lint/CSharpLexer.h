@@ -37,6 +37,8 @@ struct FCSharpStringValue
 {
 	std::string Text;
 	std::vector<std::uint32_t> Offsets;
+	/** Strings: where the literal ends (past its closing quotes, before a "u8" suffix), in bytes. */
+	std::size_t End = 0;
 };
 
 struct FCSharpTokens

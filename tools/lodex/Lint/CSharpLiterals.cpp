@@ -206,8 +206,9 @@ std::vector<FCSharpApiString> FindApiStringArguments(const std::string& Source)
 		const FCSharpToken& Method = Tokens[Entry.Method];
 		FCSharpStringValue& Value = Scanned.Strings[Token.Value];
 		const FCSharpPosition Position = Lines.PositionOf(Token.Offset);
-		Literals.push_back({std::move(Value.Text), Position.Line, Position.Column,
-			Source.substr(Method.Offset, Method.Length), std::move(Value.Offsets)});
+		Literals.push_back(
+			{std::move(Value.Text), Position.Line, Position.Column, Source.substr(Method.Offset, Method.Length),
+				std::move(Value.Offsets), Token.Offset, static_cast<std::size_t>(Token.Offset) + Token.Length});
 	}
 	return Literals;
 }

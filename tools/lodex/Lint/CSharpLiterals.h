@@ -21,6 +21,9 @@ struct FCSharpApiString
 	 * literal's bytes all point at the literal.
 	 */
 	std::vector<std::uint32_t> ValueOffsets;
+	/** The literal in the source, in bytes: from its first character (`@`, or a quote) to past its closing quotes. */
+	std::size_t Offset = 0;
+	std::size_t End = 0;
 };
 
 /** A place in C# source: 1-based line, and 1-based column counted in characters (a byte order mark is none). */

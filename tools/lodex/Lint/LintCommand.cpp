@@ -6,6 +6,9 @@
 #include "Cli/LodexCli.h"
 #include "Cli/TextTable.h"
 #include "Cli/WholeFile.h"
+#include "Diff/DiffCommand.h"
+#include "LintBaseline.h"
+#include "LintFix.h"
 #include "LintGithub.h"
 #include "LintJunit.h"
 #include "LintProject.h"
@@ -221,6 +224,22 @@ namespace
 		return FormatLintReportText(Report, Options.bStrict);
 	}
 
+	/** A file as a patch names it: relative to the current folder, where `git apply` runs, when it lies below it. */
+	std::string PatchPath(const std::string& File)
+	{
+		std::filesystem::path Path = std::filesystem::path(File).lexically_normal();
+		std::error_code Code;
+		if (Path.is_absolute())
+		{
+			const std::filesystem::path Relative = Path.lexically_relative(std::filesystem::current_path(Code));
+			if (!Code && !Relative.empty() && *Relative.begin() != "..")
+			{
+				Path = Relative;
+			}
+		}
+		return Path.generic_string();
+	}
+
 	class FLintCommand final : public ILodexCommand
 	{
 	public:
@@ -244,6 +263,15 @@ namespace
 				   "(workflow commands)")
 				->check(CLI::IsMember({"text", "json", "sarif", "junit", "github"}))
 				->default_val(Format);
+			// lint against the level before (docs/diff.md)
+			Sub->add_option("--baseline", Baseline,
+				"The level before the change (a file, or REV:PATH): a Lodestring that found one object on it and "
+				"finds none or several now is the error broken-by-change");
+			// A flag, not an option: "--fix Tests/" names a test folder, never --fix's value.
+			Sub->add_flag("--fix{diff}", Fix,
+				   "With --baseline: repair each broken Lodestring whose object is still in the level, as a unified "
+				   "diff on standard output (--fix) or in the files themselves (--fix=write)")
+				->check(CLI::IsMember({"diff", "write"}));
 			Sub->add_option(
 				"-o,--output", Output, "Write the report to this file (the summary goes to standard error)");
 			Sub->add_option("--root", FormatOptions.Root,
@@ -263,6 +291,14 @@ namespace
 					if (SceneFile.Path.empty() && Project.empty())
 					{
 						throw CLI::RequiredError("--scene (or --project)");
+					}
+					if (!Baseline.empty() && SceneFile.Path.empty())
+					{
+						throw CLI::ValidationError("--baseline", "needs --scene: the level after the change");
+					}
+					if (!Fix.empty() && Baseline.empty())
+					{
+						throw CLI::ValidationError("--fix", "needs --baseline: the level before the change");
 					}
 					if (Tests.empty())
 					{
@@ -304,6 +340,23 @@ namespace
 				return LodexExitFailure;
 			}
 
+			// lint against the level before (docs/diff.md)
+			FSceneFile BaselineRead;
+			std::unique_ptr<FLodexSceneIndex> BaselineIndex;
+			std::unique_ptr<FLintBaselineCheck> BaselineCheck;
+			if (!Baseline.empty())
+			{
+				FSceneFileOptions BaselineFile = SceneFile;
+				BaselineFile.Path = Baseline;
+				if (!LoadSceneSideFor(BaselineFile, BaselineRead, Io.Err))
+				{
+					return LodexExitFailure;
+				}
+				BaselineIndex = IndexSceneSnapshot(BaselineRead.Scene);
+				BaselineCheck = std::make_unique<FLintBaselineCheck>(
+					BaselineRead.Scene, *BaselineIndex, SceneRead.Scene, *SceneIndex, *SceneFinder);
+				SceneTarget.LiteralCheck = BaselineCheck.get();
+			}
 			FLodexLintReport Report;
 			if (!Project.empty())
 			{
@@ -317,11 +370,22 @@ namespace
 				Options.bSceneHoldsOnlyPlaced = SceneTarget.bHoldsOnlyPlaced;
 				for (const FLodexLintTestFile& File : Files)
 				{
-					LintCSharpSource(*SceneIndex, *SceneFinder, File.Path, File.Text, Options, Report);
+					LintCSharpSource(
+						*SceneIndex, *SceneFinder, File.Path, File.Text, Options, Report, SceneTarget.LiteralCheck);
 				}
 			}
 			FormatOptions.bStrict = bStrict;
 			const std::string Text = FormatLintReport(Format, Report, FormatOptions);
+			// With --fix the patch takes standard output: the report goes to standard error (or to -o's file).
+			std::ostream& ReportOut = Fix == "diff" ? Io.Err : Io.Out;
+			if (!Fix.empty() && !WriteRepairs(*BaselineCheck, Files, Io))
+			{
+				if (Output.empty())
+				{
+					Io.Err << Text;
+				}
+				return LodexExitFailure;
+			}
 			if (!Output.empty())
 			{
 				if (!WriteFileAtomically(Output, Text, Error))
@@ -332,7 +396,7 @@ namespace
 			}
 			else
 			{
-				Io.Out << Text;
+				ReportOut << Text;
 			}
 			// The summary of a report that is not the text on standard output goes to standard error.
 			if (!Output.empty() || Format != "text")
@@ -371,6 +435,68 @@ namespace
 			return bOk;
 		}
 
+		/** --fix: the patch on standard output, or each file rewritten at once; false when a file cannot be. */
+		bool WriteRepairs(
+			const FLintBaselineCheck& Check, const std::vector<FLodexLintTestFile>& Files, FLodexCliIo& Io)
+		{
+			std::vector<std::string> Paths;
+			std::vector<std::string> Texts;
+			for (const FLodexLintTestFile& File : Files)
+			{
+				if (DecodeCSharpSourceBytes(File.Text) != File.Text)
+				{
+					// Its findings are placed in its text decoded to UTF-8, not in its bytes.
+					Io.Err << "lodex: note: " << File.Path << ": a UTF-16 file: its repairs are not written\n";
+					continue;
+				}
+				Paths.push_back(File.Path);
+				Texts.push_back(File.Text);
+			}
+			std::string Patch;
+			std::vector<FStagedFile> Staged;
+			std::vector<std::string> Written;
+			for (const FLintFileRepair& Repair : RepairLintFiles(Check.GetBroken(), Paths, Texts))
+			{
+				for (const std::string& Skipped : Repair.Skipped)
+				{
+					Io.Err << "lodex: note: " << Skipped << "\n";
+				}
+				if (Repair.Repairs == 0)
+				{
+					continue;
+				}
+				if (Fix == "diff")
+				{
+					Patch += MakeUnifiedDiff(PatchPath(Repair.File), Repair.Before, Repair.After);
+					continue;
+				}
+				// Every file is staged before any is replaced: a file that cannot be written leaves all as they were.
+				std::string Error;
+				Staged.emplace_back();
+				if (!Staged.back().Stage(Repair.File, Repair.After, FAtomicFileOptions(), Error))
+				{
+					Io.Err << "lodex: " << Error << "\n";
+					return false;
+				}
+				Written.push_back("lodex: repaired " + std::to_string(Repair.Repairs) +
+					(Repair.Repairs == 1 ? " Lodestring in " : " Lodestrings in ") + Repair.File + "\n");
+			}
+			for (std::size_t Index = 0; Index < Staged.size(); ++Index)
+			{
+				std::string Error;
+				if (!Staged[Index].Commit(Error))
+				{
+					Io.Err << "lodex: " << Error << "\n";
+					return false;
+				}
+				Io.Err << Written[Index];
+			}
+			Io.Out << Patch;
+			return true;
+		}
+
+		std::string Baseline;
+		std::string Fix;
 		FSceneFileOptions SceneFile;
 		std::string Project;
 		std::vector<std::string> Tests;

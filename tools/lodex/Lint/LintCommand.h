@@ -83,6 +83,18 @@ struct FLodexLintReport
 	std::vector<FLodexLintCheck> Checks;
 };
 
+/**
+ * A check run on each Lodestring literal besides the rules (`lint --baseline`): a finding it gives takes the place of
+ * the errors about how many objects the literal matches.
+ */
+class ILodexLintLiteralCheck
+{
+public:
+	virtual ~ILodexLintLiteralCheck() = default;
+	virtual bool Check(const std::string& FileName, const FCSharpApiString& Literal, bool bExpectsOneObject,
+		FLodexLintFinding& OutFinding) = 0;
+};
+
 /** A scene Lodestrings are checked against. */
 struct FLodexLintTarget
 {
@@ -92,6 +104,8 @@ struct FLodexLintTarget
 	bool bHoldsOnlyPlaced = false;
 	/** The level's package path, with --project. */
 	std::string Level;
+	/** A check run on each literal besides the rules (`lint --baseline`), or null. */
+	ILodexLintLiteralCheck* LiteralCheck = nullptr;
 };
 
 /** Whether an `api` call's literal is a Lodestring to check: it begins with '/', and is no `LoadLevel` path. */
@@ -117,7 +131,8 @@ void AppendLintReport(FLodexLintReport& Into, FLodexLintReport&& From);
  * file's, decoded as C# decodes them (DecodeCSharpSourceBytes).
  */
 void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
-	const std::string& Bytes, const FLodexLintOptions& Options, FLodexLintReport& Report);
+	const std::string& Bytes, const FLodexLintOptions& Options, FLodexLintReport& Report,
+	ILodexLintLiteralCheck* LiteralCheck = nullptr);
 
 /** The last line of the text output: "Checked N Lodestrings in M files: ...". */
 std::string FormatLintSummary(const FLodexLintReport& Report, bool bStrict);

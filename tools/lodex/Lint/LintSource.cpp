@@ -177,7 +177,23 @@ void LintApiString(const FLodexLintTarget& Target, const std::string& FileName, 
 	FLodexLintOptions CallOptions = Options;
 	CallOptions.bExpectsOneObject = LodexLintExpectsOneObject(Literal.Method);
 	CallOptions.bSceneHoldsOnlyPlaced = Target.bHoldsOnlyPlaced;
-	const FLodexLintResult Result = LintLodestring(*Target.Index, *Target.Finder, Literal.Value, CallOptions);
+	FLodexLintResult Result = LintLodestring(*Target.Index, *Target.Finder, Literal.Value, CallOptions);
+	FLodexLintFinding Changed;
+	if (Target.LiteralCheck != nullptr &&
+		Target.LiteralCheck->Check(FileName, Literal, CallOptions.bExpectsOneObject, Changed))
+	{
+		// What a change of the level broke takes the place of the errors about how many objects it matches.
+		std::vector<FLodexLintFinding>& Findings = Result.Findings;
+		Findings.erase(std::remove_if(Findings.begin(), Findings.end(),
+						   [](const FLodexLintFinding& Finding)
+						   {
+							   const std::string Rule = Finding.Rule;
+							   return Rule == LodexLintRules::NoMatch || Rule == LodexLintRules::Ambiguous ||
+								   Rule == LodexLintRules::NotInLevel;
+						   }),
+			Findings.end());
+		Findings.insert(Findings.begin(), std::move(Changed));
+	}
 	const ELintLiteralKind Kind = KindOfLintLiteral(Source, Literal);
 	for (const FLodexLintFinding& Finding : Result.Findings)
 	{
@@ -254,7 +270,8 @@ void AppendLintReport(FLodexLintReport& Into, FLodexLintReport&& From)
 }
 
 void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder, const std::string& FileName,
-	const std::string& Bytes, const FLodexLintOptions& Options, FLodexLintReport& Report)
+	const std::string& Bytes, const FLodexLintOptions& Options, FLodexLintReport& Report,
+	ILodexLintLiteralCheck* LiteralCheck)
 {
 	const std::string Source = DecodeCSharpSourceBytes(Bytes);
 	const FCSharpSourceLines Lines(Source);
@@ -264,6 +281,7 @@ void LintCSharpSource(const FLodexSceneIndex& Index, const FLodexBestLocatorFind
 	Target.Index = &Index;
 	Target.Finder = &Finder;
 	Target.bHoldsOnlyPlaced = Options.bSceneHoldsOnlyPlaced;
+	Target.LiteralCheck = LiteralCheck;
 	for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
 	{
 		if (IsLintedApiString(Literal))

@@ -177,6 +177,13 @@ namespace
 				}
 			}
 		}
+		if (const FTaggedProperty* Guid = Properties.Find(Package, "ActorGuid"))
+		{
+			if (!PropertyValues::ReadGuid(Package, *Guid, Out.Guid, OutError))
+			{
+				return false;
+			}
+		}
 		std::int32_t RootComponent = 0;
 		if (const FTaggedProperty* Root = Properties.Find(Package, "RootComponent"))
 		{
@@ -239,6 +246,16 @@ namespace
 				{
 					bFailed = true;
 					return;
+				}
+				if (Child == RootComponent)
+				{
+					Out.bHasLocation = true;
+					const FTaggedProperty* Location = ComponentProperties.Find(Package, "RelativeLocation");
+					if (Location != nullptr && !PropertyValues::ReadVector(Package, *Location, Out.Location, OutError))
+					{
+						bFailed = true;
+						return;
+					}
 				}
 				const bool bInside = IsExport(ParentIndex) && Package.OuterOf(ParentIndex) == ActorIndex;
 				if (ParentIndex != 0 &&

@@ -37,6 +37,11 @@ struct FLevelActor
 	 * attached to nothing. It may lie in another package (World Partition actors attach across packages).
 	 */
 	std::string AttachParentPath;
+	/** The saved `ActorGuid`, as `FGuid::ToString()` writes it; empty when the actor saves none. */
+	std::string Guid;
+	/** The root component's saved `RelativeLocation`; (0, 0, 0) when it saves none, unknown without a root. */
+	bool bHasLocation = false;
+	double Location[3] = {0, 0, 0};
 };
 
 /** What a map package holds: a level, or a redirector to one. */

@@ -1,6 +1,9 @@
 // Copyright Lodex contributors.
 #include "TaggedProperties.h"
 
+#include <cstdio>
+#include <cstring>
+
 namespace
 {
 	bool ReadTagName(const FUnrealPackage& Package, FPackageCursor& Cursor, FPackageName& Name, const char* What)
@@ -145,10 +148,11 @@ bool ReadObjectProperties(
 		Cursor.ReadInt32(Size);
 		Cursor.ReadInt32(Property.ArrayIndex);
 		Property.InnerType = NoneName;
+		Property.StructName = NoneName;
 		const FPackageName& Type = Property.Type;
 		if (Package.NameIs(Type, "StructProperty"))
 		{
-			ReadTagName(Package, Cursor, Ignored, "a struct property's struct");
+			ReadTagName(Package, Cursor, Property.StructName, "a struct property's struct");
 			Cursor.Skip(16); // the struct's GUID
 		}
 		else if (Package.NameIs(Type, "BoolProperty"))
@@ -289,6 +293,66 @@ namespace PropertyValues
 		if (ReadTagName(Package, Cursor, Out, "a soft object path") && Cursor.ReadString(SubPath) && !SubPath.empty())
 		{
 			Out += ":" + SubPath;
+		}
+		return Finish(Cursor, OutError);
+	}
+
+	bool ReadGuid(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out, FPackageError& OutError)
+	{
+		if (!Package.NameIs(Property.Type, "StructProperty") || !Package.NameIs(Property.StructName, "Guid"))
+		{
+			return WrongType(Package, Property, "a StructProperty of Guid", OutError);
+		}
+		FPackageCursor Cursor = ValueCursor(Package, Property);
+		std::uint32_t Parts[4] = {};
+		bool bZero = true;
+		for (std::uint32_t& Part : Parts)
+		{
+			std::int32_t Value = 0;
+			Cursor.ReadInt32(Value);
+			Part = static_cast<std::uint32_t>(Value);
+			bZero = bZero && Part == 0;
+		}
+		Out.clear();
+		if (!Cursor.HasFailed() && !bZero)
+		{
+			char Text[33];
+			std::snprintf(Text, sizeof(Text), "%08X%08X%08X%08X", Parts[0], Parts[1], Parts[2], Parts[3]);
+			Out = Text;
+		}
+		return Finish(Cursor, OutError);
+	}
+
+	bool ReadVector(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, double (&Out)[3], FPackageError& OutError)
+	{
+		if (!Package.NameIs(Property.Type, "StructProperty") || !Package.NameIs(Property.StructName, "Vector"))
+		{
+			return WrongType(Package, Property, "a StructProperty of Vector", OutError);
+		}
+		const bool bDoubles = Package.GetSummary().FileVersionUE5 >= UnrealPackageVersions::LargeWorldCoordinates;
+		FPackageCursor Cursor = ValueCursor(Package, Property);
+		for (double& Component : Out)
+		{
+			std::uint64_t Bits = 0;
+			for (std::size_t Byte = 0; Byte < (bDoubles ? 8u : 4u); ++Byte)
+			{
+				std::uint8_t Value = 0;
+				Cursor.ReadUInt8(Value);
+				Bits |= static_cast<std::uint64_t>(Value) << (8 * Byte);
+			}
+			if (bDoubles)
+			{
+				std::memcpy(&Component, &Bits, sizeof(Component));
+			}
+			else
+			{
+				const std::uint32_t Narrow = static_cast<std::uint32_t>(Bits);
+				float Single = 0;
+				std::memcpy(&Single, &Narrow, sizeof(Single));
+				Component = Single;
+			}
 		}
 		return Finish(Cursor, OutError);
 	}

@@ -20,6 +20,8 @@ struct FTaggedProperty
 	FPackageName Type;
 	/** The element type of an ArrayProperty, SetProperty or MapProperty (the key's, for a map); None otherwise. */
 	FPackageName InnerType;
+	/** The struct type of a StructProperty (`Guid`, `Vector`); None otherwise. */
+	FPackageName StructName;
 	std::int32_t ArrayIndex = 0;
 	/** Where the tag starts, and its value (after the tag), in the file. */
 	std::size_t TagOffset = 0;
@@ -71,4 +73,16 @@ namespace PropertyValues
 	/** A SoftObjectProperty: the object path it holds (`/Game/Maps/Sub.Sub`), its sub-path after a ":" if any. */
 	bool ReadSoftObjectPath(
 		const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out, FPackageError& OutError);
+	/**
+	 * A StructProperty of struct Guid: its four 32-bit parts A, B, C, D, written as `FGuid::ToString()` writes
+	 * them (32 upper-case hex digits). An all-zero GUID (not valid to the engine) is read as the empty text.
+	 */
+	bool ReadGuid(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, std::string& Out, FPackageError& OutError);
+	/**
+	 * A StructProperty of struct Vector: X, Y, Z as doubles in a package of the large-world format (UE5 version
+	 * 1004 and later), as floats before it.
+	 */
+	bool ReadVector(
+		const FUnrealPackage& Package, const FTaggedProperty& Property, double (&Out)[3], FPackageError& OutError);
 }

@@ -19,6 +19,8 @@ namespace UnrealPackageVersions
 	constexpr std::int32_t PayloadToc = 1002;
 	constexpr std::int32_t OptionalResources = 1003;
 	constexpr std::int32_t NewestFileVersionUE5 = 1004;
+	/** From this version on, vectors are saved with double components (large world coordinates). */
+	constexpr std::int32_t LargeWorldCoordinates = 1004;
 
 	constexpr std::uint32_t PackageFlagCooked = 0x00000200;
 	constexpr std::uint32_t PackageFlagUnversionedProperties = 0x00002000;

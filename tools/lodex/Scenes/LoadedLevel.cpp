@@ -7,7 +7,9 @@
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -84,6 +86,9 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 			Object.bHasTags = true;
 			Object.Tags = std::move(Actor.Tags);
 			Object.Package = Source.Package;
+			Object.Guid = std::move(Actor.Guid);
+			Object.bHasLocation = Actor.bHasLocation;
+			std::copy(std::begin(Actor.Location), std::end(Actor.Location), std::begin(Object.Location));
 			const std::size_t ActorIndex = Add(std::move(Object), LevelIndex);
 			SourceOf[ActorIndex] = &Source;
 			const auto Inserted = ActorByPath.emplace(Objects[ActorIndex].Id, ActorIndex);

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <string_view>
 #include <unordered_map>
@@ -130,6 +131,38 @@ bool FSceneSnapshot::ReadObjects(
 					JsonTypeName(*PlacedIt));
 			}
 			Object.Origin = PlacedIt->get<bool>() ? LodexSceneOrigin::Placed : LodexSceneOrigin::Spawned;
+		}
+		if (!ReadString("guid", Object.Guid, false))
+		{
+			return false;
+		}
+		if (!Object.Guid.empty() || Entry.find("guid") != Entry.end())
+		{
+			const bool bHex = Object.Guid.size() == 32 &&
+				std::all_of(Object.Guid.begin(), Object.Guid.end(),
+					[](char Digit) { return std::isxdigit(static_cast<unsigned char>(Digit)) != 0; });
+			if (!bHex)
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field 'guid' must be 32 hex digits, found '" +
+					Object.Guid + "'");
+			}
+			std::transform(Object.Guid.begin(), Object.Guid.end(), Object.Guid.begin(),
+				[](char Digit) { return static_cast<char>(std::toupper(static_cast<unsigned char>(Digit))); });
+		}
+		const auto LocationIt = Entry.find("location");
+		if (LocationIt != Entry.end() && !LocationIt->is_null())
+		{
+			if (!LocationIt->is_array() || LocationIt->size() != 3 ||
+				!std::all_of(
+					LocationIt->begin(), LocationIt->end(), [](const FJson& Value) { return Value.is_number(); }))
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field 'location' must be an array of 3 numbers");
+			}
+			Object.bHasLocation = true;
+			for (std::size_t Axis = 0; Axis < 3; ++Axis)
+			{
+				Object.Location[Axis] = (*LocationIt)[Axis].get<double>();
+			}
 		}
 		if (Object.Id.empty())
 		{
@@ -387,6 +420,11 @@ FLodexObject FSceneSnapshot::GetWidgetParent(FLodexObject Object) const
 FLodexObject FSceneSnapshot::GetRootWidget(FLodexObject Object) const
 {
 	return FLodexObject(Resolve(Object).RootWidget);
+}
+
+std::string FSceneSnapshot::GetActorGuid(FLodexObject Object) const
+{
+	return Resolve(Object).Guid;
 }
 
 ELodexPlacement FSceneSnapshot::GetPlacement(FLodexObject Object) const

@@ -45,6 +45,11 @@ struct FSceneObject
 	std::string Origin;
 	/** The package the object was read from (`/Game/Maps/Main`, or an external actor package); empty otherwise. */
 	std::string Package;
+	/** The actor's `ActorGuid`: 32 upper-case hex digits, as `FGuid::ToString()` writes it; empty when unknown. */
+	std::string Guid;
+	/** The actor's location (its root component's relative location); bHasLocation false when unknown. */
+	bool bHasLocation = false;
+	double Location[3] = {0, 0, 0};
 };
 
 /** The references of one object built in code, by index into the same list; NoObject for none. */
@@ -114,6 +119,7 @@ public:
 	FLodexObject GetRootWidget(FLodexObject Object) const override;
 	bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override;
 	ELodexPlacement GetPlacement(FLodexObject Object) const override;
+	std::string GetActorGuid(FLodexObject Object) const override;
 	//~ End ILodexObjectGraph Interface
 
 private:

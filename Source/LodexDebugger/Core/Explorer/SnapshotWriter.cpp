@@ -297,6 +297,11 @@ namespace LodexSnapshot
 			{
 				Out += Placement == ELodexPlacement::Placed ? ", \"placed\": true" : ", \"placed\": false";
 			}
+			const std::string Guid = Graph.GetActorGuid(Object);
+			if (!Guid.empty())
+			{
+				AppendField(Out, "guid", Guid);
+			}
 			if (ObjectClasses[Index])
 			{
 				AppendField(Out, "class", ClassNames[ClassIndexOf[ObjectClasses[Index].Ptr]]);

@@ -45,6 +45,10 @@ namespace
 		{LodexLintRules::NoLevel, RuleTableNote, "The Lodestring comes before any level is loaded",
 			"with `--project` and no `--scene`: the Lodestring comes before any `api.LoadLevel(\"...\")` of its "
 			"file, so no level says what it should find; it is not checked"},
+		{LodexLintRules::BrokenByChange, RuleTableError, "A change of the level broke the Lodestring",
+			"with `--baseline`: the Lodestring found exactly one object on the level before and finds none or several "
+			"now; the message says which change broke it (a rename, a re-attachment, a tag removed, an object added or "
+			"removed), and `--fix` repairs it when its object is still in the level"},
 	};
 }
 

@@ -45,6 +45,11 @@ namespace LodexLintRules
 	inline constexpr const char* UnknownLevel = "unknown-level";
 	/** Note, checked by the tool over a project: a locator no loaded level can be checked against. */
 	inline constexpr const char* NoLevel = "no-level";
+	/**
+	 * Error, with a baseline (`lint --baseline`): the locator found exactly one object on the level before and finds
+	 * none or several now; the message says which change of the level broke it.
+	 */
+	inline constexpr const char* BrokenByChange = "broken-by-change";
 }
 
 struct FLodexLintOptions

@@ -95,4 +95,10 @@ public:
 
 	/** Whether the object was saved with its level or spawned at play time; Unknown when the host cannot tell. */
 	virtual ELodexPlacement GetPlacement(FLodexObject /*Object*/) const { return ELodexPlacement::Unknown; }
+
+	/**
+	 * For an actor: its `ActorGuid`, the identity it keeps through renames, re-labels and re-attachments, as 32
+	 * upper-case hex digits (`FGuid::ToString()`); empty when the host does not know one.
+	 */
+	virtual std::string GetActorGuid(FLodexObject /*Object*/) const { return std::string(); }
 };

@@ -1,0 +1,161 @@
+// Copyright Lodex contributors.
+// lodex diff as a CI job runs it: files, REV:PATH read from a git repository made here (external actors included),
+// --exit-code, and the one-line errors for a revision or a file that does not exist and for a broken level.
+#include "Host/Scenes/TestPackageWriter.h"
+#include "LodexRun.h"
+#include "TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace
+{
+	const char* const External = "__ExternalActors__/Maps/Main/1/AB/Gate";
+
+	FTestActor Placed(const std::string& Name, const std::string& Guid, const std::string& Label)
+	{
+		FTestActor Made;
+		Made.Name = Name;
+		Made.Guid = Guid;
+		Made.Label = Label;
+		Made.Components = {{"Root", "SceneComponent"}};
+		Made.Root = "Root";
+		return Made;
+	}
+
+	/** A World Partition map with a lamp in the map and a gate in an external actor package. */
+	void WriteLevel(const std::string& Root, const std::string& LampName, const std::string& GateLabel)
+	{
+		FTestMap Map;
+		Map.Actors = {Placed(LampName, "00000000000000000000000000000003", "Lamp")};
+		Map.ImportedActors = {"/Game/Maps/Main.Main:PersistentLevel.Gate_UAID_1"};
+		WriteTestFile(Root + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+		WriteTestFile(Root + "/Content", std::string(External) + ".uasset",
+			WriteTestExternalActor("/Game/Maps/Main", std::string("/Game/") + External,
+				Placed("Gate_UAID_1", "00000000000000000000000000000009", GateLabel)));
+	}
+
+	int Git(const FTempDir& Repo, const std::string& Arguments)
+	{
+		return std::system(("git -C '" + Repo.Path + "' -c user.name=Lodex -c user.email=lodex@example.com " +
+			Arguments + " >/dev/null 2>&1")
+							   .c_str());
+	}
+
+	class DiffCommand : public ::testing::Test
+	{
+	protected:
+		void SetUp() override
+		{
+			ASSERT_EQ(Git(Repo, "init -q ."), 0);
+			WriteLevel(Repo.Path, "Lamp_2", "Gate");
+			ASSERT_EQ(Git(Repo, "add -A"), 0);
+			ASSERT_EQ(Git(Repo, "commit -q -m one"), 0);
+			WriteLevel(Repo.Path, "Lamp_3", "Front Gate");
+			ASSERT_EQ(Git(Repo, "commit -q -a -m two"), 0);
+			Map = Repo.Path + "/Content/Maps/Main.umap";
+		}
+
+		FTempDir Repo;
+		std::string Map;
+	};
+
+	TEST_F(DiffCommand, RevisionsAreReadThroughGitWithTheirExternalActors)
+	{
+		const std::string Expected = "lamp -> now: 1 renamed, 1 re-labelled (2 of 2 actors paired: 2 by GUID, 0 by "
+									 "level script class, 0 by fingerprint)\nrenamed:\n  Lamp (Lamp_2) -> Lamp_3\n"
+									 "re-labelled:\n  Gate_UAID_1: 'Gate' -> 'Front Gate'\n";
+		// Both sides at revisions, and the earlier one against the work tree: the same changes.
+		for (const std::string& Later : {"HEAD:" + Map, Map})
+		{
+			const FLodexRun Run = RunLodex({"diff", "HEAD~1:" + Map, Later});
+			EXPECT_EQ(Run.Exit, 0) << Run.Err;
+			const std::string Header = "HEAD~1:" + Map + " -> " + Later + ": ";
+			ASSERT_EQ(Run.Out.rfind(Header, 0), 0u) << Run.Out;
+			EXPECT_EQ("lamp -> now: " + Run.Out.substr(Header.size()), Expected);
+		}
+		// The work tree and the index are as they were.
+		EXPECT_EQ(std::system(("test -z \"$(git -C '" + Repo.Path + "' status --porcelain)\"").c_str()), 0);
+	}
+
+	TEST_F(DiffCommand, ASnapshotOutsideContentIsReadAtARevisionToo)
+	{
+		const std::string Snapshot = Repo.Path + "/scene.json";
+		WriteTestFile(Repo.Path, "scene.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "Door_2"}]})");
+		ASSERT_EQ(Git(Repo, "add -A"), 0);
+		ASSERT_EQ(Git(Repo, "commit -q -m scene"), 0);
+		WriteTestFile(Repo.Path, "scene.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "Door_3"}]})");
+		const FLodexRun Run = RunLodex({"diff", "--exit-code", "HEAD:" + Snapshot, Snapshot});
+		EXPECT_EQ(Run.Exit, 1) << Run.Err;
+		EXPECT_EQ(Run.Out.substr(Run.Out.find('\n') + 1), "added:\n  Door_3\nremoved:\n  Door_2\n");
+	}
+
+	TEST_F(DiffCommand, ExitCodeSaysWhetherSomethingChanged)
+	{
+		EXPECT_EQ(RunLodex({"diff", "--exit-code", "HEAD~1:" + Map, Map}).Exit, 1);
+		EXPECT_EQ(RunLodex({"diff", "HEAD~1:" + Map, Map}).Exit, 0);
+		const FLodexRun Same = RunLodex({"diff", "--exit-code", "HEAD:" + Map, Map});
+		EXPECT_EQ(Same.Exit, 0);
+		EXPECT_NE(Same.Out.find(": no changes ("), std::string::npos) << Same.Out;
+	}
+
+	TEST_F(DiffCommand, LintTakesItsBaselineFromARevision)
+	{
+		FTempDir Tests;
+		const std::string File = Tests.Write("T.cs", "class T { void Run(Api api) { api.Click(\"//Lamp_2\"); } }");
+		const FLodexRun Run = RunLodex({"lint", "--scene", Map, "--baseline", "HEAD~1:" + Map, File});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Out.substr(0, Run.Out.find('\n')),
+			File +
+				":1:42: error: //Lamp_2 found Lamp_2 on the baseline and now matches no object: Lamp_2 was renamed "
+				"Lamp_3; suggested: /Lamp_3 [broken-by-change]");
+		const FLodexRun Missing = RunLodex({"lint", "--scene", Map, "--baseline", "nosuch:" + Map, File});
+		EXPECT_EQ(Missing.Exit, 1);
+		EXPECT_EQ(
+			Missing.Err, "lodex: nosuch:" + Map + ": no revision 'nosuch' in the repository at " + Repo.Path + "\n");
+		EXPECT_EQ(Missing.Out, "");
+	}
+
+	TEST_F(DiffCommand, WhatCannotBeReadIsOneLine)
+	{
+		const struct
+		{
+			std::string Old;
+			std::string Error;
+		} Rows[] = {
+			{"nosuch:" + Map,
+				"lodex: nosuch:" + Map + ": no revision 'nosuch' in the repository at " + Repo.Path + "\n"},
+			{"HEAD~1:" + Repo.Path + "/Content/Maps/Gone.umap",
+				"lodex: HEAD~1:" + Repo.Path +
+					"/Content/Maps/Gone.umap: no file Content/Maps/Gone.umap at revision "
+					"HEAD~1\n"},
+		};
+		for (const auto& Row : Rows)
+		{
+			const FLodexRun Run = RunLodex({"diff", "--exit-code", Row.Old, Map});
+			EXPECT_EQ(Run.Exit, 1);
+			EXPECT_EQ(Run.Err, Row.Error);
+			EXPECT_EQ(Run.Out, "");
+		}
+		// A level kept in Git LFS, whose objects were not fetched.
+		WriteTestFile(
+			Repo.Path, "Content/Maps/Lfs.umap", "version https://git-lfs.github.com/spec/v1\noid sha256:00\nsize 12\n");
+		ASSERT_EQ(Git(Repo, "add -A"), 0);
+		ASSERT_EQ(Git(Repo, "commit -q -m lfs"), 0);
+		const std::string Lfs = Repo.Path + "/Content/Maps/Lfs.umap";
+		EXPECT_EQ(RunLodex({"diff", "HEAD:" + Lfs, Map}).Err,
+			"lodex: HEAD:" + Lfs +
+				": a Git LFS pointer, not the file itself: fetch the revision's LFS objects first\n");
+		// A broken level at a revision: the reader's message, the file named as REV:PATH.
+		const std::string Bytes = FTempDir::Read(Map);
+		WriteTestFile(Repo.Path, "Content/Maps/Main.umap", Bytes.substr(0, 100));
+		ASSERT_EQ(Git(Repo, "commit -q -a -m broken"), 0);
+		const FLodexRun Run = RunLodex({"diff", "HEAD:" + Map, "HEAD~1:" + Map});
+		EXPECT_EQ(Run.Exit, 1);
+		EXPECT_EQ(Run.Err.rfind("lodex: HEAD:Content/Maps/Main.umap: byte ", 0), 0u) << Run.Err;
+		EXPECT_EQ(Run.Err.find('\n'), Run.Err.size() - 1) << Run.Err;
+		EXPECT_EQ(Run.Out, "");
+	}
+}

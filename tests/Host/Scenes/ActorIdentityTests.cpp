@@ -1,0 +1,177 @@
+// Copyright Lodex contributors.
+// An actor's identity as levels and snapshots carry it: the saved ActorGuid and the root component's location, in
+// the large-world format (doubles) and before it (floats), in the map and in external actor packages.
+#include "Scenes/LevelScene.h"
+#include "Scenes/SceneReflection.h"
+#include "Scenes/SceneSnapshot.h"
+#include "LodexRun.h"
+#include "TempDir.h"
+#include "TestPackageWriter.h"
+
+#include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace
+{
+	const FSceneObject* FindById(const FSceneSnapshot& Scene, const std::string& Id)
+	{
+		for (const FSceneObject& Object : Scene.GetObjects())
+		{
+			if (Object.Id == Id)
+			{
+				return &Object;
+			}
+		}
+		return nullptr;
+	}
+
+	FTestActor MakeActor(const std::string& Name, const std::string& Guid)
+	{
+		FTestActor Actor;
+		Actor.Name = Name;
+		Actor.Components = {{"Root", "SceneComponent"}};
+		Actor.Root = "Root";
+		Actor.Guid = Guid;
+		return Actor;
+	}
+
+	TEST(ActorIdentity, LevelsGiveGuidAndRootLocationInBothVectorFormats)
+	{
+		for (const bool bFloats : {false, true})
+		{
+			FTestMap Map;
+			FTestActor Moved = MakeActor("Door_2", "0A1B2C3D4E5F60718293A4B5C6D7E8F9");
+			Moved.bLocation = true;
+			Moved.Location[0] = 100.25;
+			Moved.Location[1] = -2048.5;
+			Moved.Location[2] = 7;
+			Moved.bFloatVectors = bFloats;
+			FTestActor NoLocation = MakeActor("Lamp", "00000000000000000000000000000001");
+			FTestActor NoGuid = MakeActor("Old", "");
+			NoGuid.Root.clear();
+			Map.Actors = {Moved, NoLocation, NoGuid};
+			FTestPackage Package(Map.PackagePath);
+			Package.FileVersionUE5 = bFloats ? 1003 : 1004;
+			FLevelScene Level;
+			std::string Error;
+			ASSERT_TRUE(ReadLevelSceneBytes(WriteTestMap(Map, &Package), "level.umap", Map.PackagePath, Level, Error))
+				<< Error;
+			const std::string Prefix = "/Game/Maps/Main.Main:PersistentLevel.";
+			const FSceneObject* Door = FindById(Level.Scene, Prefix + "Door_2");
+			const FSceneObject* Lamp = FindById(Level.Scene, Prefix + "Lamp");
+			const FSceneObject* Old = FindById(Level.Scene, Prefix + "Old");
+			ASSERT_TRUE(Door && Lamp && Old);
+			EXPECT_EQ(Door->Guid, "0A1B2C3D4E5F60718293A4B5C6D7E8F9");
+			ASSERT_TRUE(Door->bHasLocation);
+			EXPECT_EQ(Door->Location[0], 100.25);
+			EXPECT_EQ(Door->Location[1], -2048.5);
+			EXPECT_EQ(Door->Location[2], 7.0);
+			EXPECT_EQ(Lamp->Guid, "00000000000000000000000000000001");
+			EXPECT_TRUE(Lamp->bHasLocation); // a root that saves no location is at the origin
+			EXPECT_EQ(Lamp->Location[0], 0.0);
+			EXPECT_EQ(Old->Guid, "");
+			EXPECT_FALSE(Old->bHasLocation);
+		}
+	}
+
+	TEST(ActorIdentity, ExternalActorsCarryTheirGuid)
+	{
+		FTempDir Temp;
+		FTestMap Map;
+		Map.ImportedActors = {"/Game/Maps/Main.Main:PersistentLevel.Crate_UAID_1"};
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+		FTestActor Crate = MakeActor("Crate_UAID_1", "FFEEDDCCBBAA99887766554433221100");
+		WriteTestFile(Temp.Path + "/Content", "__ExternalActors__/Maps/Main/1/AB/X.uasset",
+			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/1/AB/X", Crate));
+		FLevelScene Level;
+		std::string Error;
+		ASSERT_TRUE(ReadLevelScene(Temp.Path + "/Content/Maps/Main.umap", FLevelReadOptions(), Level, Error)) << Error;
+		const FSceneObject* Read = FindById(Level.Scene, "/Game/Maps/Main.Main:PersistentLevel.Crate_UAID_1");
+		ASSERT_NE(Read, nullptr);
+		EXPECT_EQ(Read->Guid, "FFEEDDCCBBAA99887766554433221100");
+
+		// lodex level --format json writes both.
+		const FLodexRun Run = RunLodex({"level", "--format", "json", Temp.Path + "/Content/Maps/Main.umap"});
+		ASSERT_EQ(Run.Exit, 0) << Run.Err;
+		const nlohmann::json Json = nlohmann::json::parse(Run.Out);
+		const nlohmann::json& Actor = Json["objects"][1];
+		EXPECT_EQ(Actor["name"], "Crate_UAID_1");
+		EXPECT_EQ(Actor["guid"], "FFEEDDCCBBAA99887766554433221100");
+		EXPECT_EQ(Actor["location"], nlohmann::json::array({0.0, 0.0, 0.0}));
+	}
+
+	TEST(ActorIdentity, AGuidOrLocationOfAnotherTypeIsAnError)
+	{
+		{
+			FTestMap Map;
+			FTestActor Actor = MakeActor("A", "");
+			Actor.FirstProperties = [](FTestPackage::FData& Data)
+			{
+				Data.Raw("ActorGuid", "StrProperty", std::string(4, '\0'), 4);
+			};
+			Map.Actors = {Actor};
+			FLevelScene Level;
+			std::string Error;
+			EXPECT_FALSE(ReadLevelSceneBytes(WriteTestMap(Map), "level.umap", Map.PackagePath, Level, Error));
+			EXPECT_NE(Error.find(": property 'ActorGuid' is a StrProperty; Lodex reads it as a StructProperty of Guid"),
+				std::string::npos)
+				<< Error;
+			EXPECT_EQ(Error.rfind("level.umap: byte ", 0), 0u) << Error;
+		}
+		// A location of 12 bytes in the large-world format runs past its value.
+		FTestMap Map;
+		FTestActor Actor = MakeActor("A", "");
+		Actor.bLocation = true;
+		Actor.bFloatVectors = true;
+		Map.Actors = {Actor};
+		FLevelScene Level;
+		std::string Error;
+		EXPECT_FALSE(ReadLevelSceneBytes(WriteTestMap(Map), "level.umap", Map.PackagePath, Level, Error));
+		EXPECT_NE(Error.find("the value of property 'RelativeLocation'"), std::string::npos) << Error;
+	}
+
+	TEST(ActorIdentity, SnapshotsReadGuidAndLocationAndWriteTheGuid)
+	{
+		FSceneSnapshot Scene;
+		std::string Error;
+		ASSERT_TRUE(FSceneSnapshot::Parse(R"({"objects": [{"id": "a", "kind": "actor", "name": "A",
+			"guid": "0a1b2c3d4e5f60718293a4b5c6d7e8f9", "location": [1, 2.5, -3]}]})",
+			"s.json", Scene, Error))
+			<< Error;
+		const FSceneObject& Read = Scene.GetObjects()[0];
+		EXPECT_EQ(Read.Guid, "0A1B2C3D4E5F60718293A4B5C6D7E8F9");
+		ASSERT_TRUE(Read.bHasLocation);
+		EXPECT_EQ(Read.Location[1], 2.5);
+		const FSceneReflection Reflection(Scene);
+		const std::string Written = LodexSnapshot::Write(Scene, Reflection, {FSceneSnapshot::Handle(Read)});
+		EXPECT_NE(Written.find(R"("name": "A", "guid": "0A1B2C3D4E5F60718293A4B5C6D7E8F9")"), std::string::npos)
+			<< Written;
+
+		const struct
+		{
+			const char* Fields;
+			const char* Error;
+		} Bad[] = {
+			{R"("guid": "0A1B")", "s.json: objects[0] (id 'a'): field 'guid' must be 32 hex digits, found '0A1B'"},
+			{R"("guid": "0A1B2C3D4E5F60718293A4B5C6D7E8FG")",
+				"s.json: objects[0] (id 'a'): field 'guid' must be 32 hex digits, found "
+				"'0A1B2C3D4E5F60718293A4B5C6D7E8FG'"},
+			{R"("guid": "")", "s.json: objects[0] (id 'a'): field 'guid' must be 32 hex digits, found ''"},
+			{R"("location": [1, 2])", "s.json: objects[0] (id 'a'): field 'location' must be an array of 3 numbers"},
+			{R"("location": [1, 2, "3"])",
+				"s.json: objects[0] (id 'a'): field 'location' must be an array of 3 numbers"},
+		};
+		for (const auto& Row : Bad)
+		{
+			FSceneSnapshot Rejected;
+			EXPECT_FALSE(FSceneSnapshot::Parse(
+				std::string(R"({"objects": [{"id": "a", "kind": "actor", "name": "A", )") + Row.Fields + "}]}",
+				"s.json", Rejected, Error));
+			EXPECT_EQ(Error, Row.Error);
+		}
+	}
+}
