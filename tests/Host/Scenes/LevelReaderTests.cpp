@@ -447,6 +447,8 @@ namespace
 			EXPECT_EQ(Object(Level + "." + Row.Actor).Tags, Row.Tags) << Row.Actor;
 			EXPECT_EQ(Object(Level + "." + Row.Actor).ClassName, Row.Actor.substr(0, Row.Actor.rfind('_')));
 		}
+		// The class's list is held once, not copied into each actor that takes it.
+		EXPECT_TRUE(Object(Level + ".BP_Door_C_3").Tags.SharesWith(Object(Level + ".BP_Gate_C_0").Tags));
 		EXPECT_EQ(Scene.Notes,
 			std::vector<std::string>{"the Blueprint class /Game/BP/BP_Lost.BP_Lost_C is not under " + Temp.Path +
 				"/Content: the default tags of its actors are unknown"});

@@ -33,7 +33,7 @@ namespace
 		}
 		if (!Actor.Tags.empty())
 		{
-			Facts.push_back("tags " + LodexText::Join(Actor.Tags, ", "));
+			Facts.push_back("tags " + LodexText::Join(Actor.Tags.Get(), ", "));
 		}
 		if (Actor.AttachParent != nullptr)
 		{
@@ -110,7 +110,7 @@ namespace
 			}
 			if (Object.bHasTags)
 			{
-				Entry["tags"] = Object.Tags;
+				Entry["tags"] = Object.Tags.Get();
 			}
 			if (!Object.ClassName.empty())
 			{

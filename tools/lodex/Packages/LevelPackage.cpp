@@ -165,10 +165,12 @@ namespace
 		if (const FTaggedProperty* Tags = Properties.Find(Package, "Tags"))
 		{
 			Out.bHasTags = true;
-			if (!PropertyValues::ReadNameArray(Package, *Tags, Out.Tags, OutError))
+			std::vector<std::string> OwnTags;
+			if (!PropertyValues::ReadNameArray(Package, *Tags, OwnTags, OutError))
 			{
 				return false;
 			}
+			Out.Tags = std::move(OwnTags);
 			for (const std::string& Tag : Out.Tags)
 			{
 				if (!CheckOneLine(Tag, Tags->ValueOffset, "a tag of actor '" + Out.Name + "'", OutError))
@@ -597,10 +599,10 @@ bool ReadExternalActorPackage(const FUnrealPackage& Package, const std::string& 
 }
 
 bool ReadClassDefaults(const FUnrealPackage& Package, const std::string& ClassName, bool& bOutHasTags,
-	std::vector<std::string>& OutTags, std::string& OutSuperClassPath, FPackageError& OutError)
+	FSharedTags& OutTags, std::string& OutSuperClassPath, FPackageError& OutError)
 {
 	bOutHasTags = false;
-	OutTags.clear();
+	OutTags = FSharedTags();
 	OutSuperClassPath.clear();
 	const std::int32_t Class = Package.FindExport(0, ClassName);
 	if (Class != 0)
@@ -624,16 +626,18 @@ bool ReadClassDefaults(const FUnrealPackage& Package, const std::string& ClassNa
 		return true;
 	}
 	bOutHasTags = true;
-	if (!PropertyValues::ReadNameArray(Package, *Tags, OutTags, OutError))
+	std::vector<std::string> DefaultTags;
+	if (!PropertyValues::ReadNameArray(Package, *Tags, DefaultTags, OutError))
 	{
 		return false;
 	}
-	for (const std::string& Tag : OutTags)
+	for (const std::string& Tag : DefaultTags)
 	{
 		if (!CheckOneLine(Tag, Tags->ValueOffset, "a default tag of class '" + ClassName + "'", OutError))
 		{
 			return false;
 		}
 	}
+	OutTags = std::move(DefaultTags);
 	return true;
 }

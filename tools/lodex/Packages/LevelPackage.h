@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "SharedTags.h"
+
 #include "UnrealPackage.h"
 
 #include <cstdint>
@@ -30,7 +32,7 @@ struct FLevelActor
 	std::string Label;
 	/** Whether the level saves the actor's own `Tags` (otherwise they are its class's defaults). */
 	bool bHasTags = false;
-	std::vector<std::string> Tags;
+	FSharedTags Tags;
 	std::vector<FLevelComponent> Components;
 	/**
 	 * The object path of the component the actor's root component is attached to (`AttachParent`); empty when it is
@@ -77,4 +79,4 @@ bool ReadExternalActorPackage(const FUnrealPackage& Package, const std::string& 
  * `Tags` when it saves them (bOutHasTags), and the object path of the class's super class, to look further up.
  */
 bool ReadClassDefaults(const FUnrealPackage& Package, const std::string& ClassName, bool& bOutHasTags,
-	std::vector<std::string>& OutTags, std::string& OutSuperClassPath, FPackageError& OutError);
+	FSharedTags& OutTags, std::string& OutSuperClassPath, FPackageError& OutError);

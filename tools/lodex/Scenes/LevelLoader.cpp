@@ -34,7 +34,7 @@ namespace
 	struct FClassDefaults
 	{
 		bool bHasTags = false;
-		std::vector<std::string> Tags;
+		FSharedTags Tags;
 		std::string SuperPath;
 	};
 

@@ -188,6 +188,8 @@ bool FSceneSnapshot::ReadObjects(
 					JsonTypeName(*TagsIt));
 			}
 			Object.bHasTags = true;
+			std::vector<std::string> Tags;
+			Tags.reserve(TagsIt->size());
 			for (std::size_t TagIndex = 0; TagIndex < TagsIt->size(); ++TagIndex)
 			{
 				const FJson& Tag = (*TagsIt)[TagIndex];
@@ -202,8 +204,9 @@ bool FSceneSnapshot::ReadObjects(
 					return Fail(DescribeObject(Index, Object.Id) + ": field 'tags'[" + std::to_string(TagIndex) +
 						"] must be one line of text: it holds the control character " + ControlCharacter);
 				}
-				Object.Tags.push_back(Tag.get<std::string>());
+				Tags.push_back(Tag.get<std::string>());
 			}
+			Object.Tags = std::move(Tags);
 		}
 	}
 

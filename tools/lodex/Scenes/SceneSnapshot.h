@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "Packages/SharedTags.h"
+
 #include "SceneClasses.h"
 
 #include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
@@ -31,7 +33,7 @@ struct FSceneObject
 	const FSceneObject* WidgetParent = nullptr;
 	const FSceneObject* RootWidget = nullptr;
 	bool bHasTags = false;
-	std::vector<std::string> Tags;
+	FSharedTags Tags;
 	/** The object's class; null in files without reflection. */
 	const FSceneClass* Class = nullptr;
 	/** The editor label of an actor read from a level; empty when it has none. */
