@@ -11,6 +11,7 @@ packages=(
   zlib1g-dev
   mono-mcs
   clang libclang-rt-14-dev
+  git
 )
 
 missing=()
