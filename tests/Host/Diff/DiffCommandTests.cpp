@@ -80,6 +80,22 @@ namespace
 		EXPECT_EQ(std::system(("test -z \"$(git -C '" + Repo.Path + "' status --porcelain)\"").c_str()), 0);
 	}
 
+	TEST_F(DiffCommand, ARevisionChecksOutOnlyWhatTheLevelIsMadeOf)
+	{
+		// A Content folder whose other files cannot be checked out at all (a filter that must run, and fails): a
+		// revision's level reads all the same, since the reader never asks for them.
+		WriteTestFile(Repo.Path, ".gitattributes", "Huge.uasset filter=broken\n");
+		WriteTestFile(Repo.Path + "/Content", "Textures/Huge.uasset", std::string(4096, 'x'));
+		ASSERT_EQ(Git(Repo, "add -A"), 0);
+		ASSERT_EQ(Git(Repo, "commit -q -m textures"), 0);
+		ASSERT_EQ(Git(Repo, "config filter.broken.smudge false"), 0);
+		ASSERT_EQ(Git(Repo, "config filter.broken.required true"), 0);
+		const FLodexRun Run = RunLodex({"diff", "--exit-code", "HEAD~2:" + Map, "HEAD:" + Map});
+		EXPECT_EQ(Run.Exit, 1) << Run.Err;
+		EXPECT_NE(Run.Out.find("Lamp (Lamp_2) -> Lamp_3"), std::string::npos) << Run.Out << Run.Err;
+		EXPECT_NE(Run.Out.find("Gate_UAID_1: 'Gate' -> 'Front Gate'"), std::string::npos) << Run.Out;
+	}
+
 	TEST_F(DiffCommand, ASnapshotOutsideContentIsReadAtARevisionToo)
 	{
 		const std::string Snapshot = Repo.Path + "/scene.json";

@@ -1,19 +1,24 @@
 // Copyright Lodex contributors.
 // A scene read from a revision of a git repository: the files it is made of are checked out through a temporary
-// index into a temporary folder, read as any level is, and the folder's name is put back as `REV:` in messages.
+// index into a temporary folder as the reader asks for them, read as any level is, and the folder's name is put back
+// as `REV:` in messages.
 #include "RevisionScene.h"
+
+#include "Scenes/LevelScene.h"
 
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -116,6 +121,86 @@ namespace
 		}
 	}
 
+	/**
+	 * The files of a revision, brought out of git only as the level reader asks for them (the map, its external
+	 * actors' folder, each sub-level and Blueprint class it names), through a temporary index of the revision's tree:
+	 * a Content folder of many gigabytes is not checked out for the few packages a level is made of.
+	 */
+	class FRevisionFiles final : public ILevelFileSource
+	{
+	public:
+		FRevisionFiles(std::string InTop, std::string InIndex, std::string InTreeRoot)
+			: Top(std::move(InTop))
+			, Index(std::move(InIndex))
+			, TreeRoot(std::move(InTreeRoot))
+		{
+		}
+
+		//~ Begin ILevelFileSource Interface
+		void FetchFile(const std::string& Path) override
+		{
+			const std::string InTree = InTreePath(Path);
+			if (!InTree.empty() && Fetched.insert(InTree).second)
+			{
+				CheckOut({InTree});
+			}
+		}
+
+		void FetchFolder(const std::string& Path) override
+		{
+			const std::string InTree = InTreePath(Path);
+			std::string Listed;
+			if (InTree.empty() || !Fetched.insert(InTree + "/").second ||
+				RunGitIn(Top, {"ls-files", "-z", "--", InTree + "/"}, Index, Listed) != 0)
+			{
+				return;
+			}
+			std::vector<std::string> Files;
+			for (std::size_t At = 0; At < Listed.size();)
+			{
+				const std::size_t End = std::min(Listed.find('\0', At), Listed.size());
+				Files.push_back(Listed.substr(At, End - At));
+				At = End + 1;
+			}
+			CheckOut(Files);
+		}
+		//~ End ILevelFileSource Interface
+
+		/** Checks the files (paths in the tree) out below the tree's root, a few hundred to a call of git. */
+		bool CheckOut(const std::vector<std::string>& Files) const
+		{
+			constexpr std::size_t Batch = 256;
+			bool bAll = true;
+			for (std::size_t First = 0; First < Files.size(); First += Batch)
+			{
+				std::vector<std::string> Arguments = {"checkout-index", "-q", "--prefix=" + TreeRoot, "--"};
+				const std::size_t Last = std::min(Files.size(), First + Batch);
+				Arguments.insert(Arguments.end(), Files.begin() + static_cast<std::ptrdiff_t>(First),
+					Files.begin() + static_cast<std::ptrdiff_t>(Last));
+				std::string Ignored;
+				bAll = RunGitIn(Top, Arguments, Index, Ignored) == 0 && bAll;
+			}
+			return bAll;
+		}
+
+	private:
+		/** The path below the tree's root, as the index names it; empty for a path outside it. */
+		std::string InTreePath(const std::string& Path) const
+		{
+			const std::string Normal = fs::path(Path).lexically_normal().generic_string();
+			if (Normal.size() <= TreeRoot.size() || Normal.compare(0, TreeRoot.size(), TreeRoot) != 0)
+			{
+				return std::string();
+			}
+			return Normal.substr(TreeRoot.size());
+		}
+
+		const std::string Top;
+		const std::string Index;
+		const std::string TreeRoot;
+		std::set<std::string> Fetched;
+	};
+
 	/** A temporary folder, removed with everything in it when this goes. */
 	struct FScratchFolder
 	{
@@ -205,8 +290,8 @@ bool LoadSceneAtRevision(const FSceneFileOptions& Options, FSceneFile& Out, std:
 		OutError = Shown + ": no file " + InRepo + " at revision " + Split.Revision;
 		return false;
 	}
-	// What to check out: the Content folder that holds the file, with everything a level reads from it; or the
-	// file's own folder.
+	// What the reader may ask for: the Content folder that holds the file, of which only what a level reads from it is
+	// checked out; or the file's own folder.
 	std::string Root = fs::path(InRepo).parent_path().generic_string();
 	const std::string Marker = "Content/";
 	for (std::size_t At = InRepo.rfind(Marker); At != std::string::npos;
@@ -227,8 +312,9 @@ bool LoadSceneAtRevision(const FSceneFileOptions& Options, FSceneFile& Out, std:
 	const std::string Index = Scratch.Path + "/index";
 	const std::string Tree = Scratch.Path + "/tree/";
 	const std::string TreeRoot = Tree + (Root.empty() ? std::string() : Root + "/");
-	if (RunGitIn(Top, {"read-tree", Split.Revision + ":" + Root}, Index, Ignored) != 0 ||
-		RunGitIn(Top, {"checkout-index", "--all", "--prefix=" + TreeRoot}, Index, Ignored) != 0)
+	FRevisionFiles Files(Top, Index, TreeRoot);
+	const std::string MapInTree = Root.empty() ? InRepo : InRepo.substr(Root.size() + 1);
+	if (RunGitIn(Top, {"read-tree", Split.Revision + ":" + Root}, Index, Ignored) != 0 || !Files.CheckOut({MapInTree}))
 	{
 		OutError = Shown + ": git could not check out " + (Root.empty() ? std::string(".") : Root) + " at revision " +
 			Split.Revision;
@@ -236,6 +322,7 @@ bool LoadSceneAtRevision(const FSceneFileOptions& Options, FSceneFile& Out, std:
 	}
 	FSceneFileOptions AtRevision = Options;
 	AtRevision.Path = Tree + InRepo;
+	AtRevision.Files = &Files;
 	std::ifstream Head(AtRevision.Path, std::ios::binary);
 	std::string Start(40, '\0');
 	Start.resize(static_cast<std::size_t>(Head.read(&Start[0], 40).gcount()));

@@ -139,6 +139,10 @@ std::string FLevelLoader::FileOfPackage(const std::string& PackagePath) const
 	{
 		fs::path Candidate = Base;
 		Candidate += Extension;
+		if (Options.Files != nullptr)
+		{
+			Options.Files->FetchFile(Candidate.string());
+		}
 		std::error_code Code;
 		if (fs::is_regular_file(Candidate, Code))
 		{
@@ -242,6 +246,10 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 		return true;
 	}
 	const fs::path Folder = ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(6));
+	if (Options.Files != nullptr)
+	{
+		Options.Files->FetchFolder(Folder.string());
+	}
 	std::error_code Code;
 	if (!fs::is_directory(Folder, Code))
 	{

@@ -6,11 +6,27 @@
 #include <string>
 #include <vector>
 
+/**
+ * Where the files of a level come from when they are not on disk beforehand (a revision of a git repository, whose
+ * files are brought out only as the reader asks for them): told of each file and folder before the reader looks at it.
+ */
+class ILevelFileSource
+{
+public:
+	virtual ~ILevelFileSource() = default;
+	/** Brings out the file at Path, when the source has it. */
+	virtual void FetchFile(const std::string& Path) = 0;
+	/** Brings out every file below the folder at Path. */
+	virtual void FetchFolder(const std::string& Path) = 0;
+};
+
 /** What to read besides the map itself. */
 struct FLevelReadOptions
 {
 	/** Read the streaming sub-levels the level names that lie under the same Content folder. */
 	bool bSubLevels = true;
+	/** Where the files come from; null: they are on disk. */
+	ILevelFileSource* Files = nullptr;
 };
 
 /** A level read as a scene, and what the caller may want to tell the user about it. */

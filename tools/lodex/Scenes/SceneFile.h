@@ -7,12 +7,16 @@
 #include <string>
 #include <vector>
 
+class ILevelFileSource;
+
 /** What a command reads as its scene: a snapshot file (JSON) or a level saved by the engine. */
 struct FSceneFileOptions
 {
 	std::string Path;
 	/** For a level: leave out the streaming sub-levels it names. */
 	bool bNoSubLevels = false;
+	/** For a level: where its files come from, when not from disk (a revision of a git repository). */
+	ILevelFileSource* Files = nullptr;
 };
 
 /** A scene read from a file, and what the reading has to tell the user. */
