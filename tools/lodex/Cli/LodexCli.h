@@ -13,7 +13,7 @@ namespace CLI
 }
 
 /** The tool's version, as `lodex --version` and the reports that name the tool give it. */
-inline constexpr const char* LodexVersion = "0.1.0";
+inline constexpr const char* LodexVersion = LODEX_VERSION;
 
 /** Exit codes of the lodex tool. */
 enum ELodexExit : int
