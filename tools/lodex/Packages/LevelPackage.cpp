@@ -335,6 +335,26 @@ namespace
 		return Count == 0 ? "no object" : Text;
 	}
 
+	/**
+	 * What a world saved before UE4 449 holds after its persistent level: four editor viewports (a float vector and
+	 * rotator and a float zoom each), and before UE4 410 a reference to a save game summary.
+	 */
+	bool SkipOldWorldFields(const FUnrealPackage& Package, FPackageCursor& Cursor)
+	{
+		const std::int32_t UE4 = Package.GetSummary().FileVersionUE4;
+		constexpr std::int32_t EditorViewsAdded = 449;
+		constexpr std::int32_t SaveGameSummaryRemoved = 410;
+		return Cursor.Skip(UE4 < EditorViewsAdded ? 4 * 28 : 0) && Cursor.Skip(UE4 < SaveGameSummaryRemoved ? 4 : 0);
+	}
+
+	/** A level saved before its actors became a plain array keeps them in a transaction array: its owner first. */
+	bool SkipOldActorsOwner(const FUnrealPackage& Package, FPackageCursor& Cursor)
+	{
+		using namespace UnrealPackageVersions;
+		return Package.GetSummary().CustomVersion(ReleaseObjectVersionKey) >= LevelTransArrayConvertedToTArray ||
+			Cursor.Skip(4);
+	}
+
 	/** Reads an array of object references at Cursor: a count, then the indices, each checked. */
 	bool ReadObjectList(
 		const FUnrealPackage& Package, FPackageCursor& Cursor, const char* What, std::vector<std::int32_t>& Out)
@@ -428,7 +448,7 @@ namespace
 		const std::size_t LevelOffset = Cursor.Tell();
 		std::vector<std::int32_t> Extra;
 		std::vector<std::int32_t> Streaming;
-		if (!Cursor.ReadInt32(OutLevel) ||
+		if (!Cursor.ReadInt32(OutLevel) || !SkipOldWorldFields(Package, Cursor) ||
 			!ReadObjectList(Package, Cursor, "the world's ExtraReferencedObjects", Extra) ||
 			!ReadObjectList(Package, Cursor, "the world's StreamingLevels", Streaming))
 		{
@@ -521,7 +541,7 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 	}
 	FPackageCursor Cursor = NativeDataCursor(Package, Level, Offset);
 	std::vector<std::int32_t> Actors;
-	if (!ReadObjectList(Package, Cursor, "the level's Actors", Actors))
+	if (!SkipOldActorsOwner(Package, Cursor) || !ReadObjectList(Package, Cursor, "the level's Actors", Actors))
 	{
 		OutError = Cursor.GetError();
 		return false;

@@ -11,6 +11,8 @@ struct FLevelReadOptions
 {
 	/** Read the streaming sub-levels the level names that lie under the same Content folder. */
 	bool bSubLevels = true;
+	/** List every part that could not be read in its own note, rather than summing up three or more of a kind. */
+	bool bVerbose = false;
 };
 
 /** A level read as a scene, and what the caller may want to tell the user about it. */
