@@ -2,6 +2,7 @@
 // Packages saved by the engines before 5.0 that 5.0 loads (UE4 214 on, legacy versions -2 to -8), each field read
 // from the version that saves it; the summary read to its end; and a part of a level that cannot be read left out
 // with a note while the rest is read.
+#include "LodexRun.h"
 #include "Scenes/LevelScene.h"
 #include "TempDir.h"
 #include "TestPackageWriter.h"
@@ -255,5 +256,35 @@ namespace
 				"left out");
 		EXPECT_EQ(Scene.Notes[2].rfind(File(Folder + "E/EE/Empty.uasset") + ": ", 0), 0u) << Scene.Notes[2];
 		EXPECT_EQ(Scene.ExternalActorCount, 2u);
+	}
+
+	TEST_F(OlderProject, CommandsSumUpNotesOfAKindAndListThemWithVerbose)
+	{
+		FTestMap Map;
+		for (const char* Class : {"BP_A", "BP_B", "BP_C"})
+		{
+			FTestActor Actor;
+			Actor.Name = std::string(Class) + "_C_0";
+			Actor.Class = "/Game/BP/" + std::string(Class) + "." + Class + "_C";
+			Map.Actors.push_back(Actor);
+			Write("BP/" + std::string(Class) + ".uasset", "\xC1\x83\x2A\x9E");
+		}
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		const std::string Cut = ": byte 4: the file ends at byte 4, inside the package summary";
+		const FLodexRun Summed = RunLodex({"path", "--scene", File("Maps/Main.umap"), "BP_B_C_0"});
+		EXPECT_EQ(Summed.Exit, 0);
+		EXPECT_EQ(Summed.Out, "/*[@name = 'BP_B_C_0']\n");
+		EXPECT_EQ(Summed.Err,
+			"lodex: note: 3 Blueprint classes could not be read and are left out; the first: " +
+				File("BP/BP_A.uasset") + Cut + "; this Blueprint class is left out; --verbose lists them all\n");
+		const FLodexRun Listed = RunLodex({"path", "--scene", File("Maps/Main.umap"), "--verbose", "BP_B_C_0"});
+		EXPECT_EQ(Listed.Exit, 0);
+		std::string Lines;
+		for (const char* Class : {"BP_A", "BP_B", "BP_C"})
+		{
+			Lines += "lodex: note: " + File("BP/" + std::string(Class) + ".uasset") + Cut +
+				"; this Blueprint class is left out\n";
+		}
+		EXPECT_EQ(Listed.Err, Lines);
 	}
 }

@@ -454,7 +454,8 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 
 void FLevelLoader::NoteUnreadable(const std::string& Kind, const std::string& Error)
 {
-	NoteGrouped(Kind + "s could not be read and are left out",
+	const std::string Kinds = Kind + (Kind.back() == 's' ? "es" : "s");
+	NoteGrouped(Kinds + " could not be read and are left out",
 		LodexText::EscapeControlsAndIllFormed(Error) + "; this " + Kind + " is left out");
 }
 

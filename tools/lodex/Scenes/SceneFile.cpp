@@ -60,6 +60,7 @@ bool LoadSceneFile(const FSceneFileOptions& Options, FSceneFile& Out, std::strin
 	}
 	FLevelReadOptions LevelOptions;
 	LevelOptions.bSubLevels = !Options.bNoSubLevels;
+	LevelOptions.bVerbose = Options.bVerbose;
 	FLevelScene Level;
 	if (!ReadLevelScene(Options.Path, LevelOptions, Level, OutError))
 	{
