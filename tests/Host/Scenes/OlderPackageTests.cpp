@@ -149,6 +149,27 @@ namespace
 		}
 	}
 
+	TEST(OlderPackages, AnErrorInAnExportEntryWithoutTemplateIndexNamesItsByte)
+	{
+		for (const std::int32_t UE4 : {507, 508})
+		{
+			FTestMap Map = OlderMap();
+			Map.Actors[1].Name = "Bad.Cube";
+			FTestPackage Package("/Game/Maps/Main");
+			Apply(Package, {-7, UE4, 0, 40});
+			const std::string Bytes = WriteTestMap(Map, &Package);
+			FLevelScene Scene;
+			std::string Error;
+			EXPECT_FALSE(ReadLevelSceneBytes(Bytes, "level.umap", "/Game/Maps/Main", Scene, Error));
+			const std::size_t Entry = Package.Layout.ExportEntries[5]; // the second actor's
+
+			EXPECT_EQ(Error,
+				"level.umap: byte " + std::to_string(Entry + (UE4 >= 508 ? 16 : 12)) +
+					": the name of actor 'Bad.Cube' holds '.', which no object name holds")
+				<< UE4;
+		}
+	}
+
 	/** A project's Content folder in a temporary folder. */
 	class OlderProject : public ::testing::Test
 	{

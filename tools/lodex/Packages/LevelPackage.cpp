@@ -138,13 +138,13 @@ namespace
 		FLevelActor& Out, FPackageError& OutError)
 	{
 		const FPackageExport& Export = Package.GetExports()[static_cast<std::size_t>(ActorIndex - 1)];
-		Out.Offset = Export.Offset + 16;
+		Out.Offset = Export.NameOffset;
 		Out.Path = Package.ObjectPath(ActorIndex);
 		Out.Name = Package.ObjectName(ActorIndex);
 		Out.ClassName = Package.ClassNameOf(ActorIndex);
 		Out.ClassPath = ClassPathOf(Package, Export.ClassIndex);
-		if (!CheckOneLine(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
-			!CheckObjectName(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
+		if (!CheckOneLine(Out.Name, Export.NameOffset, "the name of actor '" + Out.Name + "'", OutError) ||
+			!CheckObjectName(Out.Name, Export.NameOffset, "the name of actor '" + Out.Name + "'", OutError) ||
 			!CheckOneLine(Out.ClassName, Export.Offset, "the class of actor '" + Out.Name + "'", OutError))
 		{
 			return false;
@@ -227,9 +227,9 @@ namespace
 				Component.ClassName = ClassName;
 				const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
 				FObjectProperties ComponentProperties;
-				if (!CheckOneLine(Component.Name, ChildExport.Offset + 16,
+				if (!CheckOneLine(Component.Name, ChildExport.NameOffset,
 						"the name of component '" + Component.Name + "'", OutError) ||
-					!CheckObjectName(Component.Name, ChildExport.Offset + 16,
+					!CheckObjectName(Component.Name, ChildExport.NameOffset,
 						"the name of component '" + Component.Name + "'", OutError) ||
 					!CheckOneLine(
 						ClassName, ChildExport.Offset, "the class of component '" + Component.Name + "'", OutError) ||
@@ -266,7 +266,7 @@ namespace
 					AttachParentOffset = Parent->ValueOffset;
 				}
 				Out.Components.push_back(std::move(Component));
-				ComponentOffsets.push_back(ChildExport.Offset + 16);
+				ComponentOffsets.push_back(ChildExport.NameOffset);
 			});
 		if (bFailed)
 		{
@@ -465,7 +465,7 @@ namespace
 		}
 		if (Package.ObjectName(OutLevel) != "PersistentLevel")
 		{
-			OutError.Offset = Package.GetExports()[static_cast<std::size_t>(OutLevel - 1)].Offset + 16;
+			OutError.Offset = Package.GetExports()[static_cast<std::size_t>(OutLevel - 1)].NameOffset;
 			OutError.Reason =
 				"the world's persistent level is named '" + Package.ObjectName(OutLevel) + "', not PersistentLevel";
 			return false;
@@ -522,7 +522,7 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 		return false;
 	}
 	Out.WorldPath = Package.ObjectPath(World);
-	if (!CheckOneLine(Package.ObjectName(World), Package.GetExports()[static_cast<std::size_t>(World - 1)].Offset + 16,
+	if (!CheckOneLine(Package.ObjectName(World), Package.GetExports()[static_cast<std::size_t>(World - 1)].NameOffset,
 			"the name of the world", OutError))
 	{
 		return false;

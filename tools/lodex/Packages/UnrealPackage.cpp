@@ -197,6 +197,7 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 	{
 		FPackageExport& Export = Exports[Index];
 		Export.Offset = Table.Tell();
+		Export.NameOffset = Export.Offset + 12 + TemplateField;
 		std::int32_t TemplateIndex = 0;
 		std::uint32_t ObjectFlags = 0;
 		std::int64_t SerialSize = 0;

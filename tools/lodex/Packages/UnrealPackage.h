@@ -91,6 +91,8 @@ struct FPackageExport
 	std::int32_t SuperIndex = 0;
 	std::int32_t OuterIndex = 0;
 	FPackageName ObjectName;
+	/** Where the entry holds the object's name (16 bytes in, 12 before UE4 508 saved a template index). */
+	std::size_t NameOffset = 0;
 	std::size_t SerialOffset = 0;
 	std::size_t SerialSize = 0;
 };
