@@ -55,8 +55,15 @@ namespace
 			{"StaticMeshComponent0", "StaticMeshComponent", "/Game/Maps/Main.Main:PersistentLevel.Base_3.Root"}};
 		External.Root = "StaticMeshComponent0";
 		External.Guid = "0123456789ABCDEF0123456789ABCDEF";
+		FTestPackage OlderPackage(Map.PackagePath); // saved by 4.21: legacy version -7, UE4 517
+		OlderPackage.LegacyFileVersion = -7;
+		OlderPackage.FileVersionUE4 = 517;
+		OlderPackage.FileVersionUE5 = 0;
+		OlderPackage.ReleaseObjectVersion = 30;
+		FTestMap Older = Early;
 		return {
 			{"level.umap", WriteTestMap(Map)},
+			{"level-ue4-517.umap", WriteTestMap(Older, &OlderPackage)},
 			{"level-ue5-1000.umap", WriteTestMap(Early, &EarlyPackage)},
 			{"redirector.umap", WriteTestRedirector("/Game/Maps/Old", "/Game/Maps/Main")},
 			{"external-actor.uasset",

@@ -482,10 +482,10 @@ namespace
 		const std::string Content = Temp.Path + "/Content";
 		EXPECT_EQ(Scene.Notes,
 			(std::vector<std::string>{
-				"the Blueprint class " + Outside + "/BP.BP_C is not under " + Content +
-					": the default tags of its actors are unknown",
 				"the sub-level " + Outside + "/Sub is not under " + Content + "; left out",
 				"the sub-level /Game/Maps\\Sub is not under " + Content + "; left out",
+				"the Blueprint class " + Outside + "/BP.BP_C is not under " + Content +
+					": the default tags of its actors are unknown",
 			}));
 
 		Write("Maps/Away.umap", WriteTestRedirector("/Game/Maps/Away", Outside + "/Sub"));

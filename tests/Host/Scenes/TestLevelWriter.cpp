@@ -164,9 +164,11 @@ std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 		Actors.push_back(0);
 	}
 	Package.GetData(World).Native(
-		[Level, Streaming](FTestPackage&, FTestBytes& Out)
+		[Level, Streaming](FTestPackage& Written, FTestBytes& Out)
 		{
 			Out.Int32(Level);
+			Out.Zeros(Written.FileVersionUE4 < 449 ? 4 * 28 : 0); // editor viewports
+			Out.Zeros(Written.FileVersionUE4 < 410 ? 4 : 0); // a save game summary
 			Out.Int32(0); // extra referenced objects
 			Out.Int32(static_cast<std::int32_t>(Streaming.size()));
 			for (const std::int32_t Sub : Streaming)
@@ -177,8 +179,12 @@ std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 	Package.GetData(Level)
 		.Bool("bLocked", false)
 		.Native(
-			[Actors](FTestPackage&, FTestBytes& Out)
+			[Actors, Level](FTestPackage& Written, FTestBytes& Out)
 			{
+				if (Written.ReleaseObjectVersion < 3)
+				{
+					Out.Int32(Level); // the actors' transaction array's owner
+				}
 				Out.Int32(static_cast<std::int32_t>(Actors.size()));
 				for (const std::int32_t Actor : Actors)
 				{
@@ -189,10 +195,14 @@ std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 	return Package.Build();
 }
 
-std::string WriteTestExternalActor(
-	const std::string& MapPackage, const std::string& ActorPackage, const FTestActor& Actor)
+std::string WriteTestExternalActor(const std::string& MapPackage, const std::string& ActorPackage,
+	const FTestActor& Actor, const FTestPackageSetup& Setup)
 {
 	FTestPackage Package(ActorPackage);
+	if (Setup)
+	{
+		Setup(Package);
+	}
 	const std::string Short = ShortName(MapPackage);
 	const std::int32_t Level = Package.ImportPath(MapPackage + "." + Short + ":PersistentLevel", "Level");
 	const std::int32_t Index = WriteActor(Package, Level, Actor);
@@ -223,9 +233,13 @@ std::string WriteTestRedirector(const std::string& PackagePath, const std::strin
 }
 
 std::string WriteTestBlueprint(const std::string& PackagePath, const std::string& ClassName,
-	const std::string& SuperPath, bool bTags, const std::vector<std::string>& Tags)
+	const std::string& SuperPath, bool bTags, const std::vector<std::string>& Tags, const FTestPackageSetup& Setup)
 {
 	FTestPackage Package(PackagePath);
+	if (Setup)
+	{
+		Setup(Package);
+	}
 	const std::int32_t Super = SuperPath.rfind("/Game/", 0) == 0
 		? Package.ImportPath(SuperPath, "BlueprintGeneratedClass")
 		: Package.ImportPath(SuperPath, "Class");

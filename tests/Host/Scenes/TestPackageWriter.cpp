@@ -69,7 +69,7 @@ namespace
 			{
 				Extra(Package, Out);
 			}
-			Out.UInt8(0); // no property GUID
+			Package.NoPropertyGuid(Out);
 			Out.Append(ValueBytes.Text);
 		};
 	}
@@ -78,7 +78,10 @@ namespace
 	{
 		return [=](FTestPackage& Package, FTestBytes& Out)
 		{
-			Package.Name(Out, Type);
+			if (Package.FileVersionUE4 >= 282) // arrays name their elements' type from UE4 282 on
+			{
+				Package.Name(Out, Type);
+			}
 		};
 	}
 }
@@ -187,6 +190,11 @@ FTestPackage::FData& FTestPackage::FData::SoftObject(const std::string& Name, co
 	Properties.push_back(MakeProperty(Name, "SoftObjectProperty", nullptr,
 		[=](FTestPackage& Package, FTestBytes& Out)
 		{
+			if (Package.FileVersionUE4 < 514) // before soft object paths, the path is one string
+			{
+				Out.String(Path);
+				return;
+			}
 			Package.Name(Out, Path);
 			Out.String("");
 		}));
@@ -203,7 +211,7 @@ FTestPackage::FData& FTestPackage::FData::Bool(const std::string& Name, bool bVa
 			Out.Int32(0);
 			Out.Int32(0);
 			Out.UInt8(bValue ? 1 : 0);
-			Out.UInt8(0);
+			Package.NoPropertyGuid(Out);
 		});
 	return *this;
 }
@@ -218,8 +226,8 @@ FTestPackage::FData& FTestPackage::FData::Guid(const std::string& Name, const st
 			Out.Int32(16);
 			Out.Int32(0);
 			Package.Name(Out, "Guid");
-			Out.Zeros(16);
-			Out.UInt8(0);
+			Package.StructGuid(Out);
+			Package.NoPropertyGuid(Out);
 			for (std::size_t Part = 0; Part < 4; ++Part)
 			{
 				Out.UInt32(static_cast<std::uint32_t>(std::stoul(Digits.substr(Part * 8, 8), nullptr, 16)));
@@ -238,8 +246,8 @@ FTestPackage::FData& FTestPackage::FData::Vector(const std::string& Name, double
 			Out.Int32(bDoubles ? 24 : 12);
 			Out.Int32(0);
 			Package.Name(Out, "Vector");
-			Out.Zeros(16);
-			Out.UInt8(0);
+			Package.StructGuid(Out);
+			Package.NoPropertyGuid(Out);
 			for (const double Value : {X, Y, Z})
 			{
 				if (bDoubles)
@@ -271,9 +279,12 @@ FTestPackage::FData& FTestPackage::FData::Struct(
 			Out.Int32(static_cast<std::int32_t>(Size));
 			Out.Int32(0);
 			Package.Name(Out, StructName);
-			Out.Zeros(16); // struct GUID
-			Out.UInt8(1); // a property GUID follows
-			Out.Zeros(16);
+			Package.StructGuid(Out);
+			if (Package.FileVersionUE4 >= 503)
+			{
+				Out.UInt8(1); // a property GUID follows
+				Out.Zeros(16);
+			}
 			for (std::size_t Index = 0; Index < Size; ++Index)
 			{
 				Out.UInt8(0xAB); // looks like nothing the reader knows
@@ -382,16 +393,33 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	const bool bEditorOnlyFiltered = (PackageFlags & 0x80000000u) != 0;
 	Out.UInt32(0x9E2A83C1);
 	Out.Int32(LegacyFileVersion);
-	Out.Int32(864);
+	if (LegacyFileVersion != -4)
+	{
+		Out.Int32(864);
+	}
 	Out.Int32(FileVersionUE4);
 	if (LegacyFileVersion <= -8)
 	{
 		Out.Int32(FileVersionUE5);
 	}
 	Out.Int32(0); // licensee version
-	Out.Int32(1); // one custom version
-	Out.Zeros(16);
-	Out.Int32(7);
+	if (ReleaseObjectVersion < 0)
+	{
+		Out.Int32(0); // no custom versions
+	}
+	else
+	{
+		Out.Int32(1); // one custom version: FReleaseObjectVersion
+		for (const std::uint32_t Part : {0x9C54D522u, 0xA8264FBEu, 0x94210746u, 0x61B482D0u})
+		{
+			Out.UInt32(Part);
+		}
+		Out.Int32(ReleaseObjectVersion);
+		if (LegacyFileVersion >= -5)
+		{
+			Out.String("ReleaseObjectVersion"); // a friendly name, up to legacy version -5
+		}
+	}
 	Out.Int32(static_cast<std::int32_t>(TotalHeader));
 	Out.String("None");
 	Out.UInt32(PackageFlags);
@@ -402,8 +430,11 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	{
 		Out.String(""); // localization id
 	}
-	Out.Int32(0);
-	Out.Int32(0);
+	if (FileVersionUE4 >= 459)
+	{
+		Out.Int32(0); // gatherable text data
+		Out.Int32(0);
+	}
 	Layout.ExportCountField = Out.Size();
 	Out.Int32(static_cast<std::int32_t>(Exports.size()));
 	Out.Int32(static_cast<std::int32_t>(At.ExportOffset));
@@ -411,8 +442,8 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	Out.Int32(static_cast<std::int32_t>(Imports.size()));
 	Out.Int32(static_cast<std::int32_t>(At.ImportOffset));
 	Out.Int32(0); // depends offset
-	Out.Zeros(8); // soft package references
-	Out.Int32(0); // searchable names
+	Out.Zeros(FileVersionUE4 >= 384 ? 8 : 0); // soft package references
+	Out.Zeros(FileVersionUE4 >= 510 ? 4 : 0); // searchable names
 	Out.Int32(0); // thumbnails
 	Out.Zeros(16); // GUID
 	if (!bEditorOnlyFiltered && FileVersionUE4 >= 518)
@@ -422,7 +453,13 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	Out.Int32(1);
 	Out.Int32(static_cast<std::int32_t>(Exports.size()));
 	Out.Int32(static_cast<std::int32_t>(Names.size()));
-	for (int Twice = 0; Twice < 2; ++Twice) // saved by, compatible with
+	if (FileVersionUE4 < 336)
+	{
+		Out.Int32(20979098); // the engine's changelist alone
+	}
+	// The engine version that saved it (from UE4 336 on), and the one it is compatible with (from 444 on).
+	const int EngineVersions = FileVersionUE4 >= 444 ? 2 : FileVersionUE4 >= 336 ? 1 : 0;
+	for (int Written = 0; Written < EngineVersions; ++Written)
 	{
 		Out.UInt16(EngineMajor);
 		Out.UInt16(EngineMinor);
@@ -430,18 +467,29 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 		Out.UInt32(20979098);
 		Out.String(EngineBranch);
 	}
-	Out.UInt32(0); // compression flags
-	Out.Int32(0); // compressed chunks
+	Layout.CompressionFlagsField = Out.Size();
+	Out.UInt32(CompressionFlags);
+	Out.Int32(CompressedChunks);
+	Out.Zeros(static_cast<std::size_t>(CompressedChunks) * 16);
 	Out.UInt32(0); // package source
 	Out.Int32(0); // additional packages to cook
+	if (LegacyFileVersion > -7)
+	{
+		Out.Int32(0); // texture allocations
+	}
 	Out.Int32(0); // asset registry data
 	Out.Int64(0); // bulk data start
-	Out.Int32(0); // world tile info
-	Out.Int32(0); // chunk ids
-	Out.Int32(0); // preload dependencies: count and offset
-	Out.Int32(0);
-	Out.Int32(static_cast<std::int32_t>(Names.size()));
-	Out.Int64(-1); // payload table of contents
+	Out.Zeros(FileVersionUE4 >= 224 ? 4 : 0); // world tile info
+	Out.Zeros(FileVersionUE4 >= 278 ? 4 : 0); // chunk ids (a count from 326 on, one ID before)
+	Out.Zeros(FileVersionUE4 >= 507 ? 8 : 0); // preload dependencies: count and offset
+	if (FileVersionUE5 >= 1001)
+	{
+		Out.Int32(static_cast<std::int32_t>(Names.size()));
+	}
+	if (FileVersionUE5 >= 1002)
+	{
+		Out.Int64(-1); // payload table of contents
+	}
 }
 
 std::string FTestPackage::Build()
@@ -473,7 +521,7 @@ std::string FTestPackage::Build()
 		for (const std::string& Entry : Names)
 		{
 			Tables.String(Entry);
-			Tables.UInt32(0); // the two hashes
+			Tables.Zeros(FileVersionUE4 >= 504 ? 4 : 0); // the two hashes
 		}
 		At.ImportOffset = Base + Tables.Size();
 		for (const FImport& Entry : Imports)
@@ -482,7 +530,10 @@ std::string FTestPackage::Build()
 			Name(Tables, Entry.ClassName);
 			Tables.Int32(Entry.Outer);
 			Name(Tables, Entry.Name);
-			Name(Tables, "None"); // package name
+			if (FileVersionUE4 >= 520)
+			{
+				Name(Tables, "None"); // package name
+			}
 			if (FileVersionUE5 >= 1003)
 			{
 				Tables.UInt32(0);
@@ -501,7 +552,11 @@ std::string FTestPackage::Build()
 	WriteSummary(Summary, At, 0);
 	WriteTables(At, Summary.Size());
 	At.ExportOffset = Summary.Size() + Tables.Size();
-	const std::size_t ExportEntrySize = 104 + (FileVersionUE5 >= 1003 ? 4 : 0);
+	const std::size_t FlagsSize = 12 + 16 + 4 + (FileVersionUE4 >= 365 ? 4 : 0) + (FileVersionUE4 >= 485 ? 4 : 0) +
+		(FileVersionUE5 >= 1003 ? 4 : 0);
+	const bool bDependencies = FileVersionUE4 >= 507;
+	const std::size_t ExportEntrySize =
+		24 + (FileVersionUE4 >= 508 ? 4 : 0) + (FileVersionUE4 >= 511 ? 16 : 8) + FlagsSize + (bDependencies ? 20 : 0);
 	const std::size_t DataStart = At.ExportOffset + Exports.size() * ExportEntrySize;
 	FTestBytes ExportTable;
 	At.ExportEntries.clear();
@@ -514,15 +569,29 @@ std::string FTestPackage::Build()
 		At.ExportData.push_back(Next);
 		ExportTable.Int32(Entry.Class);
 		ExportTable.Int32(Entry.Super);
-		ExportTable.Int32(0); // template
+		if (FileVersionUE4 >= 508)
+		{
+			ExportTable.Int32(0); // template
+		}
 		ExportTable.Int32(Entry.Outer);
 		Name(ExportTable, Entry.Name);
 		ExportTable.UInt32(0); // object flags
-		ExportTable.Int64(static_cast<std::int64_t>(Data[Index].Size()));
-		ExportTable.Int64(static_cast<std::int64_t>(Next));
-		ExportTable.Zeros(12 + 16 + 4 + 8 + (FileVersionUE5 >= 1003 ? 4 : 0));
-		ExportTable.Int32(-1); // first export dependency
-		ExportTable.Zeros(16);
+		if (FileVersionUE4 >= 511)
+		{
+			ExportTable.Int64(static_cast<std::int64_t>(Data[Index].Size()));
+			ExportTable.Int64(static_cast<std::int64_t>(Next));
+		}
+		else
+		{
+			ExportTable.Int32(static_cast<std::int32_t>(Data[Index].Size()));
+			ExportTable.Int32(static_cast<std::int32_t>(Next));
+		}
+		ExportTable.Zeros(FlagsSize);
+		if (bDependencies)
+		{
+			ExportTable.Int32(-1); // first export dependency
+			ExportTable.Zeros(16);
+		}
 		Next += Data[Index].Size();
 	}
 	FTestBytes File;
@@ -530,6 +599,7 @@ std::string FTestPackage::Build()
 	At.NameCountField = Layout.NameCountField;
 	At.ExportCountField = Layout.ExportCountField;
 	At.ImportCountField = Layout.ImportCountField;
+	At.CompressionFlagsField = Layout.CompressionFlagsField;
 	File.Append(Tables.Text);
 	File.Append(ExportTable.Text);
 	for (const FTestBytes& Bytes : Data)

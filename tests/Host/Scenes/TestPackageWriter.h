@@ -74,6 +74,12 @@ public:
 	std::int32_t FileVersionUE4 = 522;
 	std::int32_t FileVersionUE5 = 1004;
 	std::uint32_t PackageFlags = 0;
+	/** The FReleaseObjectVersion listed among the custom versions; -1: none listed (a level's actors are then an
+	 * owner and an array, as before version 3). */
+	std::int32_t ReleaseObjectVersion = 40;
+	std::uint32_t CompressionFlags = 0;
+	/** Compressed chunks, all zero, listed in the summary. */
+	std::int32_t CompressedChunks = 0;
 	std::uint16_t EngineMajor = 5, EngineMinor = 0, EnginePatch = 3;
 	std::string EngineBranch = "++UE5+Release-5.0";
 
@@ -92,6 +98,11 @@ public:
 	std::int32_t Export(std::int32_t Class, std::int32_t Outer, const std::string& Name, std::int32_t Super = 0);
 	FData& GetData(std::int32_t Export) { return Exports[static_cast<std::size_t>(Export - 1)].Data; }
 
+	/** A struct tag's GUID, saved from UE4 441 on. */
+	void StructGuid(FTestBytes& Out) const { Out.Zeros(FileVersionUE4 >= 441 ? 16 : 0); }
+	/** A tag's "no property GUID" flag, saved from UE4 503 on. */
+	void NoPropertyGuid(FTestBytes& Out) const { Out.Zeros(FileVersionUE4 >= 503 ? 1 : 0); }
+
 	/** Writes a name (index and number) for Text, adding it to the name map. */
 	void Name(FTestBytes& Out, const std::string& Text);
 
@@ -103,6 +114,7 @@ public:
 		std::size_t NameCountField = 0;
 		std::size_t ExportCountField = 0;
 		std::size_t ImportCountField = 0;
+		std::size_t CompressionFlagsField = 0;
 		std::size_t NameOffset = 0;
 		std::size_t ImportOffset = 0;
 		std::size_t ExportOffset = 0;
@@ -192,9 +204,12 @@ struct FTestMap
 /** The map's package, laid out; Package (when given) receives the writer, to corrupt a known part. */
 std::string WriteTestMap(const FTestMap& Map, FTestPackage* Package = nullptr);
 
+/** Sets up a package's writer before it writes (its versions, flags). */
+using FTestPackageSetup = std::function<void(FTestPackage&)>;
+
 /** An external actor package of MapPackage's level (World Partition). */
-std::string WriteTestExternalActor(
-	const std::string& MapPackage, const std::string& ActorPackage, const FTestActor& Actor);
+std::string WriteTestExternalActor(const std::string& MapPackage, const std::string& ActorPackage,
+	const FTestActor& Actor, const FTestPackageSetup& Setup = nullptr);
 
 /** A map that is only a redirector to the world of TargetPackage. */
 std::string WriteTestRedirector(const std::string& PackagePath, const std::string& TargetPackage);
@@ -204,7 +219,8 @@ std::string WriteTestRedirector(const std::string& PackagePath, const std::strin
  * which saves Tags when bTags.
  */
 std::string WriteTestBlueprint(const std::string& PackagePath, const std::string& ClassName,
-	const std::string& SuperPath, bool bTags, const std::vector<std::string>& Tags);
+	const std::string& SuperPath, bool bTags, const std::vector<std::string>& Tags,
+	const FTestPackageSetup& Setup = nullptr);
 
 /** Writes Bytes to Root/RelativePath, making its folders. */
 void WriteTestFile(const std::string& Root, const std::string& RelativePath, const std::string& Bytes);

@@ -22,6 +22,7 @@ namespace
 				   "Scene file: a snapshot (JSON) with classes, or a level (.umap, which holds no classes)")
 				->required();
 			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
+			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
 			return Sub;
 		}
 

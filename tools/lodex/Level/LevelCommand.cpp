@@ -150,6 +150,7 @@ namespace
 				"below it (--format json: the level as a scene snapshot)");
 			Sub->add_option("level", SceneFile.Path, "A level saved by Unreal Engine 5.0 (.umap)")->required();
 			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
+			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
 			Sub->add_option("--format", Format, "text (a tree) or json (a scene snapshot)")
 				->check(CLI::IsMember({"text", "json"}))
 				->default_val(Format);

@@ -252,6 +252,7 @@ namespace
 			Sub->add_option("--project", Project,
 				"Game project folder: each test is checked against the levels its api.LoadLevel calls name");
 			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
+			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
 			Sub->add_option("tests", Tests, "C# files, or folders searched for .cs files");
 			Sub->add_flag("--strict", bStrict, "Warnings fail the run as errors do");
 			Sub->add_option("--max-depth", Options.MaxAbsoluteDepth,
@@ -419,6 +420,7 @@ namespace
 			FLodexLintProjectOptions ProjectOptions;
 			ProjectOptions.Project = Project;
 			ProjectOptions.bNoSubLevels = SceneFile.bNoSubLevels;
+			ProjectOptions.bVerbose = SceneFile.bVerbose;
 			ProjectOptions.Jobs = Jobs > 0 ? Jobs : std::max(1u, std::thread::hardware_concurrency());
 			ProjectOptions.Lint = Options;
 			std::vector<std::string> Notes;

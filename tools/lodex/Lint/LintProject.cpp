@@ -234,6 +234,7 @@ bool LintProjectFiles(const std::vector<FLodexLintTestFile>& Files, const FLodex
 			FSceneFileOptions SceneOptions;
 			SceneOptions.Path = Level.File;
 			SceneOptions.bNoSubLevels = Options.bNoSubLevels;
+			SceneOptions.bVerbose = Options.bVerbose;
 			if (!LoadSceneFile(SceneOptions, Level.Read, Level.Error))
 			{
 				return;

@@ -39,6 +39,8 @@ struct FLodexLintProjectOptions
 	std::string Project;
 	/** For each level: leave out its streaming sub-levels. */
 	bool bNoSubLevels = false;
+	/** Each unreadable part of a level in a note of its own. */
+	bool bVerbose = false;
 	/** How many levels (and files) are read and checked at once; at least 1. */
 	unsigned Jobs = 1;
 	FLodexLintOptions Lint;

@@ -138,13 +138,13 @@ namespace
 		FLevelActor& Out, FPackageError& OutError)
 	{
 		const FPackageExport& Export = Package.GetExports()[static_cast<std::size_t>(ActorIndex - 1)];
-		Out.Offset = Export.Offset + 16;
+		Out.Offset = Export.NameOffset;
 		Out.Path = Package.ObjectPath(ActorIndex);
 		Out.Name = Package.ObjectName(ActorIndex);
 		Out.ClassName = Package.ClassNameOf(ActorIndex);
 		Out.ClassPath = ClassPathOf(Package, Export.ClassIndex);
-		if (!CheckOneLine(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
-			!CheckObjectName(Out.Name, Export.Offset + 16, "the name of actor '" + Out.Name + "'", OutError) ||
+		if (!CheckOneLine(Out.Name, Export.NameOffset, "the name of actor '" + Out.Name + "'", OutError) ||
+			!CheckObjectName(Out.Name, Export.NameOffset, "the name of actor '" + Out.Name + "'", OutError) ||
 			!CheckOneLine(Out.ClassName, Export.Offset, "the class of actor '" + Out.Name + "'", OutError))
 		{
 			return false;
@@ -229,9 +229,9 @@ namespace
 				Component.ClassName = ClassName;
 				const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
 				FObjectProperties ComponentProperties;
-				if (!CheckOneLine(Component.Name, ChildExport.Offset + 16,
+				if (!CheckOneLine(Component.Name, ChildExport.NameOffset,
 						"the name of component '" + Component.Name + "'", OutError) ||
-					!CheckObjectName(Component.Name, ChildExport.Offset + 16,
+					!CheckObjectName(Component.Name, ChildExport.NameOffset,
 						"the name of component '" + Component.Name + "'", OutError) ||
 					!CheckOneLine(
 						ClassName, ChildExport.Offset, "the class of component '" + Component.Name + "'", OutError) ||
@@ -268,7 +268,7 @@ namespace
 					AttachParentOffset = Parent->ValueOffset;
 				}
 				Out.Components.push_back(std::move(Component));
-				ComponentOffsets.push_back(ChildExport.Offset + 16);
+				ComponentOffsets.push_back(ChildExport.NameOffset);
 			});
 		if (bFailed)
 		{
@@ -335,6 +335,26 @@ namespace
 			}
 		}
 		return Count == 0 ? "no object" : Text;
+	}
+
+	/**
+	 * What a world saved before UE4 449 holds after its persistent level: four editor viewports (a float vector and
+	 * rotator and a float zoom each), and before UE4 410 a reference to a save game summary.
+	 */
+	bool SkipOldWorldFields(const FUnrealPackage& Package, FPackageCursor& Cursor)
+	{
+		const std::int32_t UE4 = Package.GetSummary().FileVersionUE4;
+		constexpr std::int32_t EditorViewsAdded = 449;
+		constexpr std::int32_t SaveGameSummaryRemoved = 410;
+		return Cursor.Skip(UE4 < EditorViewsAdded ? 4 * 28 : 0) && Cursor.Skip(UE4 < SaveGameSummaryRemoved ? 4 : 0);
+	}
+
+	/** A level saved before its actors became a plain array keeps them in a transaction array: its owner first. */
+	bool SkipOldActorsOwner(const FUnrealPackage& Package, FPackageCursor& Cursor)
+	{
+		using namespace UnrealPackageVersions;
+		return Package.GetSummary().CustomVersion(ReleaseObjectVersionKey) >= LevelTransArrayConvertedToTArray ||
+			Cursor.Skip(4);
 	}
 
 	/** Reads an array of object references at Cursor: a count, then the indices, each checked. */
@@ -430,7 +450,7 @@ namespace
 		const std::size_t LevelOffset = Cursor.Tell();
 		std::vector<std::int32_t> Extra;
 		std::vector<std::int32_t> Streaming;
-		if (!Cursor.ReadInt32(OutLevel) ||
+		if (!Cursor.ReadInt32(OutLevel) || !SkipOldWorldFields(Package, Cursor) ||
 			!ReadObjectList(Package, Cursor, "the world's ExtraReferencedObjects", Extra) ||
 			!ReadObjectList(Package, Cursor, "the world's StreamingLevels", Streaming))
 		{
@@ -447,7 +467,7 @@ namespace
 		}
 		if (Package.ObjectName(OutLevel) != "PersistentLevel")
 		{
-			OutError.Offset = Package.GetExports()[static_cast<std::size_t>(OutLevel - 1)].Offset + 16;
+			OutError.Offset = Package.GetExports()[static_cast<std::size_t>(OutLevel - 1)].NameOffset;
 			OutError.Reason =
 				"the world's persistent level is named '" + Package.ObjectName(OutLevel) + "', not PersistentLevel";
 			return false;
@@ -504,7 +524,7 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 		return false;
 	}
 	Out.WorldPath = Package.ObjectPath(World);
-	if (!CheckOneLine(Package.ObjectName(World), Package.GetExports()[static_cast<std::size_t>(World - 1)].Offset + 16,
+	if (!CheckOneLine(Package.ObjectName(World), Package.GetExports()[static_cast<std::size_t>(World - 1)].NameOffset,
 			"the name of the world", OutError))
 	{
 		return false;
@@ -523,7 +543,7 @@ bool ReadLevelPackage(const FUnrealPackage& Package, FLevelPackageContents& Out,
 	}
 	FPackageCursor Cursor = NativeDataCursor(Package, Level, Offset);
 	std::vector<std::int32_t> Actors;
-	if (!ReadObjectList(Package, Cursor, "the level's Actors", Actors))
+	if (!SkipOldActorsOwner(Package, Cursor) || !ReadObjectList(Package, Cursor, "the level's Actors", Actors))
 	{
 		OutError = Cursor.GetError();
 		return false;

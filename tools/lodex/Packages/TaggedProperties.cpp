@@ -52,6 +52,14 @@ namespace
 		return false;
 	}
 
+	/** Whether an array's elements are of Type; a package saved before arrays named it is taken at its word. */
+	bool InnerIs(const FUnrealPackage& Package, const FTaggedProperty& Property, const char* Type)
+	{
+		return Package.NameIs(Property.InnerType, Type) ||
+			(Package.GetSummary().FileVersionUE4 < UnrealPackageVersions::UE4Version::ArrayPropertyInnerTags &&
+				Package.NameIs(Property.InnerType, "None"));
+	}
+
 	/** A cursor over the property's value alone. */
 	FPackageCursor ValueCursor(const FUnrealPackage& Package, const FTaggedProperty& Property)
 	{
@@ -106,6 +114,60 @@ namespace
 	}
 }
 
+namespace
+{
+	/**
+	 * The fields a tag holds for its type, each from the version that saves it, then the property GUID. A type name
+	 * with an instance number has none of the type's fields, as the engine reads it.
+	 */
+	void ReadTagTypeFields(const FUnrealPackage& Package, FPackageCursor& Cursor, FTaggedProperty& Property)
+	{
+		namespace Version = UnrealPackageVersions::UE4Version;
+		const std::int32_t UE4 = Package.GetSummary().FileVersionUE4;
+		const FPackageName& Type = Property.Type;
+		FPackageName Ignored;
+		if (Type.Number != 0)
+		{
+		}
+		else if (Package.NameIs(Type, "StructProperty"))
+		{
+			ReadTagName(Package, Cursor, Property.StructName, "a struct property's struct");
+			Cursor.Skip(UE4 >= Version::StructGuidInPropertyTag ? 16 : 0); // the struct's GUID
+		}
+		else if (Package.NameIs(Type, "BoolProperty"))
+		{
+			std::uint8_t Value = 0;
+			Cursor.ReadUInt8(Value);
+			Property.bBoolValue = Value != 0;
+		}
+		else if (Package.NameIs(Type, "ByteProperty") || Package.NameIs(Type, "EnumProperty"))
+		{
+			ReadTagName(Package, Cursor, Ignored, "a property's enum");
+		}
+		else if (Package.NameIs(Type, "ArrayProperty"))
+		{
+			if (UE4 >= Version::ArrayPropertyInnerTags)
+			{
+				ReadTagName(Package, Cursor, Property.InnerType, "a property's element type");
+			}
+		}
+		else if (UE4 >= Version::SetMapPropertyTags && Package.NameIs(Type, "SetProperty"))
+		{
+			ReadTagName(Package, Cursor, Property.InnerType, "a property's element type");
+		}
+		else if (UE4 >= Version::SetMapPropertyTags && Package.NameIs(Type, "MapProperty"))
+		{
+			ReadTagName(Package, Cursor, Property.InnerType, "a map property's key type");
+			ReadTagName(Package, Cursor, Ignored, "a map property's value type");
+		}
+		std::uint8_t HasPropertyGuid = 0;
+		if (UE4 >= Version::PropertyGuidInPropertyTag && Cursor.ReadUInt8(HasPropertyGuid) && HasPropertyGuid != 0)
+		{
+			Cursor.Skip(16);
+		}
+	}
+}
+
 const FTaggedProperty* FObjectProperties::Find(const FUnrealPackage& Package, const char* Name) const
 {
 	for (const FTaggedProperty& Property : Properties)
@@ -139,7 +201,6 @@ bool ReadObjectProperties(
 			break;
 		}
 		std::int32_t Size = 0;
-		FPackageName Ignored;
 		if (!ReadTagName(Package, Cursor, Property.Type, "a property's type"))
 		{
 			return Finish(Cursor, OutError);
@@ -149,36 +210,7 @@ bool ReadObjectProperties(
 		Cursor.ReadInt32(Property.ArrayIndex);
 		Property.InnerType = NoneName;
 		Property.StructName = NoneName;
-		const FPackageName& Type = Property.Type;
-		if (Package.NameIs(Type, "StructProperty"))
-		{
-			ReadTagName(Package, Cursor, Property.StructName, "a struct property's struct");
-			Cursor.Skip(16); // the struct's GUID
-		}
-		else if (Package.NameIs(Type, "BoolProperty"))
-		{
-			std::uint8_t Value = 0;
-			Cursor.ReadUInt8(Value);
-			Property.bBoolValue = Value != 0;
-		}
-		else if (Package.NameIs(Type, "ByteProperty") || Package.NameIs(Type, "EnumProperty"))
-		{
-			ReadTagName(Package, Cursor, Ignored, "a property's enum");
-		}
-		else if (Package.NameIs(Type, "ArrayProperty") || Package.NameIs(Type, "SetProperty"))
-		{
-			ReadTagName(Package, Cursor, Property.InnerType, "a property's element type");
-		}
-		else if (Package.NameIs(Type, "MapProperty"))
-		{
-			ReadTagName(Package, Cursor, Property.InnerType, "a map property's key type");
-			ReadTagName(Package, Cursor, Ignored, "a map property's value type");
-		}
-		std::uint8_t HasPropertyGuid = 0;
-		if (Cursor.ReadUInt8(HasPropertyGuid) && HasPropertyGuid != 0)
-		{
-			Cursor.Skip(16);
-		}
+		ReadTagTypeFields(Package, Cursor, Property);
 		if (Cursor.HasFailed())
 		{
 			return Finish(Cursor, OutError);
@@ -232,7 +264,7 @@ namespace PropertyValues
 	bool ReadObjectArray(const FUnrealPackage& Package, const FTaggedProperty& Property, std::vector<std::int32_t>& Out,
 		FPackageError& OutError)
 	{
-		if (!Package.NameIs(Property.Type, "ArrayProperty") || !Package.NameIs(Property.InnerType, "ObjectProperty"))
+		if (!Package.NameIs(Property.Type, "ArrayProperty") || !InnerIs(Package, Property, "ObjectProperty"))
 		{
 			return WrongType(Package, Property, "an ArrayProperty of ObjectProperty", OutError);
 		}
@@ -252,7 +284,7 @@ namespace PropertyValues
 	bool ReadNameArray(const FUnrealPackage& Package, const FTaggedProperty& Property, std::vector<std::string>& Out,
 		FPackageError& OutError)
 	{
-		if (!Package.NameIs(Property.Type, "ArrayProperty") || !Package.NameIs(Property.InnerType, "NameProperty"))
+		if (!Package.NameIs(Property.Type, "ArrayProperty") || !InnerIs(Package, Property, "NameProperty"))
 		{
 			return WrongType(Package, Property, "an ArrayProperty of NameProperty", OutError);
 		}
@@ -289,6 +321,11 @@ namespace PropertyValues
 			return WrongType(Package, Property, "a SoftObjectProperty", OutError);
 		}
 		FPackageCursor Cursor = ValueCursor(Package, Property);
+		if (Package.GetSummary().FileVersionUE4 < UnrealPackageVersions::UE4Version::SoftObjectPath)
+		{
+			Cursor.ReadString(Out); // the whole path as one string, before soft object paths held a name
+			return Finish(Cursor, OutError);
+		}
 		std::string SubPath;
 		if (ReadTagName(Package, Cursor, Out, "a soft object path") && Cursor.ReadString(SubPath) && !SubPath.empty())
 		{

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 namespace
@@ -10,25 +11,6 @@ namespace
 	/** The smallest sizes of the table entries, to tell a count that cannot fit in the file. */
 	constexpr std::size_t SmallestNameEntry = 8; // an empty text's count, then two 16-bit hashes
 	constexpr std::size_t NameSizeLimit = 1024; // the engine's longest name, NUL included
-
-	std::string HexBytes(const std::string& Bytes, std::size_t Count)
-	{
-		std::string Text;
-		for (std::size_t Index = 0; Index < Count && Index < Bytes.size(); ++Index)
-		{
-			char Hex[4];
-			std::snprintf(Hex, sizeof(Hex), "%02X", static_cast<unsigned char>(Bytes[Index]));
-			Text += (Index > 0 ? " " : "") + std::string(Hex);
-		}
-		return Text;
-	}
-
-	std::string HexFlags(std::uint32_t Flags)
-	{
-		char Hex[16];
-		std::snprintf(Hex, sizeof(Hex), "0x%08X", Flags);
-		return Hex;
-	}
 
 	std::string ObjectWord(std::int32_t Index)
 	{
@@ -39,7 +21,8 @@ namespace
 
 const char* UnrealPackageVersions::Describe()
 {
-	return "package file versions UE4 522 and UE5 1000 to 1004 (legacy version -8), as Unreal Engine 5.0 saves them";
+	return "package file versions UE4 214 to 522 and UE5 1000 to 1004 (legacy versions -2 to -8), as Unreal Engine 5.0 "
+		   "loads them";
 }
 
 bool FUnrealPackage::Read(std::string InBytes, std::string InPackagePath, FUnrealPackage& Out, FPackageError& OutError)
@@ -55,165 +38,6 @@ bool FUnrealPackage::Read(std::string InBytes, std::string InPackagePath, FUnrea
 		return false;
 	}
 	Out = std::move(Package);
-	return true;
-}
-
-bool FUnrealPackage::ReadSummary(FPackageCursor& Cursor)
-{
-	using namespace UnrealPackageVersions;
-	std::uint32_t FileTag = 0;
-	if (Bytes.size() < 4 || !Cursor.ReadUInt32(FileTag) || FileTag != Tag)
-	{
-		if (Bytes.size() >= 4 && FileTag == 0xC1832A9E)
-		{
-			return Cursor.Fail(
-				0, "a byte-swapped (big-endian) package; Lodex reads the editor's little-endian packages");
-		}
-		return Cursor.Fail(0,
-			"not an Unreal package: it starts with " +
-				(Bytes.empty() ? std::string("nothing (the file is empty)") : HexBytes(Bytes, 4)) +
-				", not the package tag C1 83 2A 9E");
-	}
-	Cursor.ReadInt32(Summary.LegacyFileVersion);
-	const std::int32_t Legacy = Summary.LegacyFileVersion;
-	if (Cursor.HasFailed())
-	{
-		return false;
-	}
-	if (Legacy >= 0 || Legacy < LegacyFileVersion || Legacy > -6)
-	{
-		const std::string Era = Legacy >= 0 ? "saved by Unreal Engine 3 or older"
-			: Legacy < LegacyFileVersion    ? "saved by an engine newer than 5.0"
-											: "saved by an early Unreal Engine 4";
-		return Cursor.Fail(4, Era + " (legacy file version " + std::to_string(Legacy) + "); Lodex reads " + Describe());
-	}
-	std::int32_t LegacyUE3Version = 0;
-	std::int32_t Licensee = 0;
-	Cursor.ReadInt32(LegacyUE3Version);
-	const std::size_t VersionOffset = Cursor.Tell();
-	Cursor.ReadInt32(Summary.FileVersionUE4);
-	if (Legacy <= -8)
-	{
-		Cursor.ReadInt32(Summary.FileVersionUE5);
-	}
-	Cursor.ReadInt32(Licensee);
-	std::int32_t CustomVersionCount = 0;
-	const std::size_t CustomVersionsOffset = Cursor.Tell();
-	Cursor.ReadInt32(CustomVersionCount);
-	if (Cursor.HasFailed())
-	{
-		return false;
-	}
-	if (CustomVersionCount < 0 || static_cast<std::size_t>(CustomVersionCount) > Cursor.Remaining() / 20)
-	{
-		return Cursor.Fail(CustomVersionsOffset,
-			"the count of custom versions " + std::to_string(CustomVersionCount) + " does not fit in the file (" +
-				std::to_string(Bytes.size()) + " bytes)");
-	}
-	Cursor.Skip(static_cast<std::size_t>(CustomVersionCount) * 20); // a GUID and a version each
-	if (Summary.FileVersionUE4 == 0 && Summary.FileVersionUE5 == 0 && Licensee == 0)
-	{
-		return Cursor.Fail(VersionOffset,
-			"an unversioned package (cooked for a game); Lodex reads uncooked "
-			"packages saved by the editor, with their versions: " +
-				std::string(Describe()));
-	}
-	const std::int32_t UE4 = Summary.FileVersionUE4;
-	const std::int32_t UE5 = Summary.FileVersionUE5;
-	// The summary's layout is known for the versions up to those 5.0 saves; past them the engine version is unknown.
-	const bool bKnownLayout = UE4 >= 336 && UE4 <= FileVersionUE4 && UE5 <= NewestFileVersionUE5;
-	const bool bReadable = Legacy == LegacyFileVersion && UE4 == FileVersionUE4 && UE5 >= OldestFileVersionUE5 &&
-		UE5 <= NewestFileVersionUE5;
-	std::string FolderName;
-	std::string LocalizationId;
-	std::int32_t TotalHeaderSize = 0;
-	Cursor.ReadInt32(TotalHeaderSize);
-	Cursor.ReadString(FolderName);
-	const std::size_t FlagsOffset = Cursor.Tell();
-	Cursor.ReadUInt32(Summary.PackageFlags);
-	const bool bFilterEditorOnly = (Summary.PackageFlags & PackageFlagFilterEditorOnly) != 0;
-	NameCountField = Cursor.Tell();
-	Cursor.ReadInt32(Summary.NameCount);
-	Cursor.ReadInt32(Summary.NameOffset);
-	if (bKnownLayout)
-	{
-		if (!bFilterEditorOnly && UE4 >= 516)
-		{
-			Cursor.ReadString(LocalizationId);
-		}
-		std::int32_t Ignored = 0;
-		if (UE4 >= 459)
-		{
-			Cursor.ReadInt32(Ignored); // gatherable text data: count and offset
-			Cursor.ReadInt32(Ignored);
-		}
-		ExportCountField = Cursor.Tell();
-		Summary.ExportCountOffset = ExportCountField;
-		Cursor.ReadInt32(Summary.ExportCount);
-		Cursor.ReadInt32(Summary.ExportOffset);
-		ImportCountField = Cursor.Tell();
-		Cursor.ReadInt32(Summary.ImportCount);
-		Cursor.ReadInt32(Summary.ImportOffset);
-		Cursor.ReadInt32(Ignored); // depends offset
-		Cursor.Skip((UE4 >= 384 ? 8 : 0) + (UE4 >= 510 ? 4 : 0) + 4 +
-			16); // soft references, searchable names, thumbnails, GUID
-		if (!bFilterEditorOnly && UE4 >= 518)
-		{
-			Cursor.Skip(UE4 < 520 ? 32 : 16); // persistent GUID (and the owner's, in two versions)
-		}
-		std::int32_t Generations = 0;
-		const std::size_t GenerationsOffset = Cursor.Tell();
-		Cursor.ReadInt32(Generations);
-		if (!Cursor.HasFailed() && (Generations < 0 || static_cast<std::size_t>(Generations) > Cursor.Remaining() / 8))
-		{
-			return Cursor.Fail(GenerationsOffset,
-				"the count of generations " + std::to_string(Generations) + " does not fit in the file (" +
-					std::to_string(Bytes.size()) + " bytes)");
-		}
-		Cursor.Skip(static_cast<std::size_t>(Generations) * 8);
-		std::uint16_t Major = 0, Minor = 0, Patch = 0;
-		std::uint32_t Changelist = 0;
-		std::string Branch;
-		Cursor.ReadUInt16(Major);
-		Cursor.ReadUInt16(Minor);
-		Cursor.ReadUInt16(Patch);
-		Cursor.ReadUInt32(Changelist);
-		Cursor.ReadString(Branch);
-		if (Cursor.HasFailed())
-		{
-			return false;
-		}
-		Summary.SavedByEngineVersion = std::to_string(Major) + "." + std::to_string(Minor) + "." +
-			std::to_string(Patch) + "-" + std::to_string(Changelist & 0x7FFFFFFFu) +
-			(Branch.empty() ? "" : "+" + Branch);
-	}
-	if (Cursor.HasFailed())
-	{
-		return false;
-	}
-	if (!bReadable)
-	{
-		std::string Versions = "package file version UE4 " + std::to_string(UE4);
-		if (Legacy <= -8)
-		{
-			Versions += " and UE5 " + std::to_string(UE5);
-		}
-		Versions += ", legacy version " + std::to_string(Legacy);
-		const bool bSavedByKnown =
-			!Summary.SavedByEngineVersion.empty() && Summary.SavedByEngineVersion.rfind("0.0.0-", 0) != 0;
-		const std::string Saved = bSavedByKnown
-			? "saved by Unreal Engine " + Summary.SavedByEngineVersion + " (" + Versions + ")"
-			: "saved with " + Versions;
-		return Cursor.Fail(VersionOffset, Saved + "; Lodex reads " + Describe());
-	}
-	if ((Summary.PackageFlags & (PackageFlagCooked | PackageFlagFilterEditorOnly | PackageFlagUnversionedProperties)) !=
-		0)
-	{
-		return Cursor.Fail(FlagsOffset,
-			"a cooked package (package flags " + HexFlags(Summary.PackageFlags) +
-				"); Lodex reads the editor's uncooked packages, as they sit in a project's Content folder");
-	}
-	SummaryEnd = Cursor.Tell();
 	return true;
 }
 
@@ -281,6 +105,7 @@ bool FUnrealPackage::ReadNames(FPackageCursor& Cursor)
 	FPackageCursor Table(
 		Bytes, Summary.NameCount > 0 ? static_cast<std::size_t>(Summary.NameOffset) : 0, Bytes.size(), "the name map");
 	Names.reserve(static_cast<std::size_t>(Summary.NameCount));
+	const bool bHashes = Summary.FileVersionUE4 >= UnrealPackageVersions::UE4Version::NameHashes;
 	for (std::int32_t Index = 0; Index < Summary.NameCount; ++Index)
 	{
 		const std::size_t Start = Table.Tell();
@@ -297,7 +122,7 @@ bool FUnrealPackage::ReadNames(FPackageCursor& Cursor)
 					" (a name holds 1 to 1024 characters with its NUL)");
 		}
 		std::string Name;
-		if (!Table.ReadString(Name) || !Table.Skip(4))
+		if (!Table.ReadString(Name) || !Table.Skip(bHashes ? 4 : 0))
 		{
 			return KeepFailure(Cursor, Table);
 		}
@@ -317,8 +142,11 @@ bool FUnrealPackage::ReadNames(FPackageCursor& Cursor)
 
 bool FUnrealPackage::ReadImports(FPackageCursor& Cursor)
 {
-	const bool bOptional = Summary.FileVersionUE5 >= UnrealPackageVersions::OptionalResources;
-	const std::size_t EntrySize = 36 + (bOptional ? 4 : 0);
+	using namespace UnrealPackageVersions;
+	const bool bOptional = Summary.FileVersionUE5 >= OptionalResources;
+	// The package name from UE4 520 on, in packages with editor data (a cooked one is refused before).
+	const bool bPackageName = Summary.FileVersionUE4 >= UE4Version::NonOuterPackageImport;
+	const std::size_t EntrySize = 28 + (bPackageName ? 8 : 0) + (bOptional ? 4 : 0);
 	if (!CheckTable(Cursor, "import map", Summary.ImportCount, Summary.ImportOffset, ImportCountField, EntrySize))
 	{
 		return false;
@@ -334,7 +162,8 @@ bool FUnrealPackage::ReadImports(FPackageCursor& Cursor)
 		if (!ReadName(Table, Import.ClassPackage, "an import's class package") ||
 			!ReadName(Table, Import.ClassName, "an import's class") || !Table.ReadInt32(Import.OuterIndex) ||
 			!ReadName(Table, Import.ObjectName, "an import's name") ||
-			!ReadName(Table, PackageName, "an import's package") || (bOptional && !Table.ReadBool32(bImportOptional)))
+			(bPackageName && !ReadName(Table, PackageName, "an import's package")) ||
+			(bOptional && !Table.ReadBool32(bImportOptional)))
 		{
 			return KeepFailure(Cursor, Table);
 		}
@@ -345,8 +174,18 @@ bool FUnrealPackage::ReadImports(FPackageCursor& Cursor)
 
 bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 {
-	const bool bOptional = Summary.FileVersionUE5 >= UnrealPackageVersions::OptionalResources;
-	const std::size_t EntrySize = 104 + (bOptional ? 4 : 0);
+	using namespace UnrealPackageVersions;
+	const std::int32_t UE4 = Summary.FileVersionUE4;
+	const bool bOptional = Summary.FileVersionUE5 >= OptionalResources;
+	const bool bTemplate = UE4 >= UE4Version::TemplateIndex;
+	TemplateField = bTemplate ? 4 : 0;
+	const bool bWideSerial = UE4 >= UE4Version::WideExportSerialSizes;
+	// After the serial size and offset: three flags, the package GUID and flags, then a flag from each of these
+	// versions on, and the five dependency counts.
+	const std::size_t FlagsSize = 12 + 16 + 4 + (UE4 >= UE4Version::LoadForEditorGame ? 4 : 0) +
+		(UE4 >= UE4Version::CookedAssetsInEditor ? 4 : 0) + (bOptional ? 4 : 0) +
+		(UE4 >= UE4Version::PreloadDependencies ? 20 : 0);
+	const std::size_t EntrySize = 24 + (bTemplate ? 4 : 0) + (bWideSerial ? 16 : 8) + FlagsSize;
 	if (!CheckTable(Cursor, "export map", Summary.ExportCount, Summary.ExportOffset, ExportCountField, EntrySize))
 	{
 		return false;
@@ -358,21 +197,33 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 	{
 		FPackageExport& Export = Exports[Index];
 		Export.Offset = Table.Tell();
+		Export.NameOffset = Export.Offset + 12 + TemplateField;
 		std::int32_t TemplateIndex = 0;
 		std::uint32_t ObjectFlags = 0;
 		std::int64_t SerialSize = 0;
 		std::int64_t SerialOffset = 0;
 		if (!Table.ReadInt32(Export.ClassIndex) || !Table.ReadInt32(Export.SuperIndex) ||
-			!Table.ReadInt32(TemplateIndex) || !Table.ReadInt32(Export.OuterIndex) ||
+			(bTemplate && !Table.ReadInt32(TemplateIndex)) || !Table.ReadInt32(Export.OuterIndex) ||
 			!ReadName(Table, Export.ObjectName, "an export's name") || !Table.ReadUInt32(ObjectFlags))
 		{
 			return KeepFailure(Cursor, Table);
 		}
 		const std::size_t SerialField = Table.Tell();
-		// The serial size and offset; three flags, the package GUID and flags, two more flags (and one more from
-		// the optional resources on); the five dependency counts.
-		if (!Table.ReadInt64(SerialSize) || !Table.ReadInt64(SerialOffset) ||
-			!Table.Skip(12 + 16 + 4 + 8 + (bOptional ? 4 : 0) + 20))
+		if (bWideSerial)
+		{
+			Table.ReadInt64(SerialSize);
+			Table.ReadInt64(SerialOffset);
+		}
+		else
+		{
+			std::int32_t NarrowSize = 0;
+			std::int32_t NarrowOffset = 0;
+			Table.ReadInt32(NarrowSize);
+			Table.ReadInt32(NarrowOffset);
+			SerialSize = NarrowSize;
+			SerialOffset = NarrowOffset;
+		}
+		if (!Table.Skip(FlagsSize))
 		{
 			return KeepFailure(Cursor, Table);
 		}
@@ -406,7 +257,7 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 		const std::string What = "export " + std::to_string(Index) + "'s ";
 		if (!CheckObjectIndex(Cursor, Export.Offset, Export.ClassIndex, What + "class") ||
 			!CheckObjectIndex(Cursor, Export.Offset + 4, Export.SuperIndex, What + "super") ||
-			!CheckObjectIndex(Cursor, Export.Offset + 12, Export.OuterIndex, What + "outer"))
+			!CheckObjectIndex(Cursor, Export.Offset + 8 + TemplateField, Export.OuterIndex, What + "outer"))
 		{
 			return false;
 		}
@@ -476,7 +327,7 @@ bool FUnrealPackage::CheckExportDataApart(FPackageCursor& Cursor, std::size_t Ex
 		const FRange& Other = Ranges[Index].Export >= 0 ? Ranges[Furthest] : Ranges[Index];
 		const FRange& Export = Ranges[Index].Export >= 0 ? Ranges[Index] : Ranges[Furthest];
 		const FPackageExport& Entry = Exports[static_cast<std::size_t>(Export.Export)];
-		return Cursor.Fail(Entry.Offset + 28,
+		return Cursor.Fail(Entry.Offset + 24 + TemplateField,
 			"export " + std::to_string(Export.Export) + " '" + NameText(Entry.ObjectName) + "': its data (" +
 				std::to_string(Entry.SerialSize) + " bytes at byte " + std::to_string(Entry.SerialOffset) +
 				") overlaps " + Describe(Other) + " (bytes " + std::to_string(Other.Begin) + " to " +
@@ -527,8 +378,9 @@ bool FUnrealPackage::CheckOuterChains(FPackageCursor& Cursor)
 		{
 			if (State[Slot(Index)] == 1)
 			{
-				const std::size_t Offset = Index < 0 ? Imports[Slot(Index)].Offset + 16
-													 : Exports[static_cast<std::size_t>(Index - 1)].Offset + 12;
+				const std::size_t Offset = Index < 0
+					? Imports[Slot(Index)].Offset + 16
+					: Exports[static_cast<std::size_t>(Index - 1)].Offset + 8 + TemplateField;
 				return Cursor.Fail(Offset,
 					"the outer chain of " + ObjectWord(Index) + " '" + ObjectName(Index) + "' loops back to it");
 			}

@@ -8,12 +8,14 @@
 #include <string>
 #include <vector>
 
-/** The versions of the package format Lodex reads: those Unreal Engine 5.0 saves. */
+/** The versions of the package format Lodex reads: those Unreal Engine 5.0 loads. */
 namespace UnrealPackageVersions
 {
 	constexpr std::uint32_t Tag = 0x9E2A83C1;
 	constexpr std::int32_t LegacyFileVersion = -8;
 	constexpr std::int32_t FileVersionUE4 = 522;
+	/** VER_UE4_OLDEST_LOADABLE_PACKAGE: the oldest package Unreal Engine 5.0 loads. */
+	constexpr std::int32_t OldestFileVersionUE4 = 214;
 	constexpr std::int32_t OldestFileVersionUE5 = 1000;
 	constexpr std::int32_t NamesReferencedFromExportData = 1001;
 	constexpr std::int32_t PayloadToc = 1002;
@@ -22,11 +24,45 @@ namespace UnrealPackageVersions
 	/** From this version on, vectors are saved with double components (large world coordinates). */
 	constexpr std::int32_t LargeWorldCoordinates = 1004;
 
+	/** The UE4 versions from which the fields the package tables and property tags hold are saved. */
+	namespace UE4Version
+	{
+		constexpr std::int32_t WorldLevelInfo = 224;
+		constexpr std::int32_t ChunkId = 278;
+		constexpr std::int32_t ArrayPropertyInnerTags = 282;
+		constexpr std::int32_t ChunkIdArray = 326;
+		constexpr std::int32_t EngineVersionObject = 336;
+		constexpr std::int32_t LoadForEditorGame = 365;
+		constexpr std::int32_t SoftPackageReferences = 384;
+		constexpr std::int32_t StructGuidInPropertyTag = 441;
+		constexpr std::int32_t CompatibleEngineVersion = 444;
+		constexpr std::int32_t GatherableText = 459;
+		constexpr std::int32_t CookedAssetsInEditor = 485;
+		constexpr std::int32_t PropertyGuidInPropertyTag = 503;
+		constexpr std::int32_t NameHashes = 504;
+		constexpr std::int32_t PreloadDependencies = 507;
+		constexpr std::int32_t TemplateIndex = 508;
+		constexpr std::int32_t SetMapPropertyTags = 509;
+		constexpr std::int32_t SearchableNames = 510;
+		constexpr std::int32_t WideExportSerialSizes = 511;
+		constexpr std::int32_t SoftObjectPath = 514;
+		constexpr std::int32_t LocalizationId = 516;
+		constexpr std::int32_t PackageOwner = 518;
+		constexpr std::int32_t NonOuterPackageImport = 520;
+	}
+
+	/** The compression flags the engine knows (format, options and purpose masks); others refuse the package. */
+	constexpr std::uint32_t KnownCompressionFlags = 0xFFF;
+
+	/** FReleaseObjectVersion, and its version from which a level saves its actors as a plain array. */
+	constexpr std::uint32_t ReleaseObjectVersionKey[4] = {0x9C54D522, 0xA8264FBE, 0x94210746, 0x61B482D0};
+	constexpr std::int32_t LevelTransArrayConvertedToTArray = 3;
+
 	constexpr std::uint32_t PackageFlagCooked = 0x00000200;
 	constexpr std::uint32_t PackageFlagUnversionedProperties = 0x00002000;
 	constexpr std::uint32_t PackageFlagFilterEditorOnly = 0x80000000;
 
-	/** "package file versions UE4 522 and UE5 1000 to 1004 (legacy version -8), as Unreal Engine 5.0 saves them" */
+	/** Which versions Lodex reads: those Unreal Engine 5.0 loads, from UE4 214 (legacy version -7 or older) on. */
 	const char* Describe();
 }
 
@@ -55,6 +91,8 @@ struct FPackageExport
 	std::int32_t SuperIndex = 0;
 	std::int32_t OuterIndex = 0;
 	FPackageName ObjectName;
+	/** Where the entry holds the object's name (16 bytes in, 12 before UE4 508 saved a template index). */
+	std::size_t NameOffset = 0;
 	std::size_t SerialOffset = 0;
 	std::size_t SerialSize = 0;
 };
@@ -74,6 +112,15 @@ struct FPackageSummary
 	std::int32_t ImportOffset = 0;
 	/** Where the summary keeps the export count, for messages about the exports as a whole. */
 	std::size_t ExportCountOffset = 0;
+	/** The custom versions the package was saved with: each a GUID (four 32-bit parts) and a version. */
+	struct FCustomVersion
+	{
+		std::uint32_t Key[4] = {0, 0, 0, 0};
+		std::int32_t Version = 0;
+	};
+	std::vector<FCustomVersion> CustomVersions;
+	/** The version saved for the custom version Key, or -1 when the package lists none (as the engine reads it). */
+	std::int32_t CustomVersion(const std::uint32_t (&Key)[4]) const;
 	/** "5.0.3-20979098+++UE5+Release-5.0", empty when the summary does not say. */
 	std::string SavedByEngineVersion;
 };
@@ -134,6 +181,9 @@ public:
 
 private:
 	bool ReadSummary(FPackageCursor& Cursor);
+	bool SkipCustomVersions(FPackageCursor& Cursor, std::int32_t Legacy);
+	/** The summary past the depends offset, to its end, each field from the version that saves it. */
+	bool ReadSummaryTail(FPackageCursor& Cursor, std::int32_t Legacy);
 	bool ReadNames(FPackageCursor& Cursor);
 	bool ReadName(FPackageCursor& Cursor, FPackageName& Out, const char* What);
 	bool ReadImports(FPackageCursor& Cursor);
@@ -147,6 +197,8 @@ private:
 	std::size_t NameCountField = 0;
 	std::size_t ExportCountField = 0;
 	std::size_t ImportCountField = 0;
+	/** The size of an export entry's template index: 4, or 0 before UE4 508. */
+	std::size_t TemplateField = 4;
 	/** Where the parts of the summary and the tables Lodex reads end. */
 	std::size_t SummaryEnd = 0;
 	std::size_t NameMapEnd = 0;

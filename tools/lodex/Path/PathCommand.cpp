@@ -51,6 +51,7 @@ namespace
 			CLI::App* Sub = Parent.add_subcommand("path", "Print the Lodestring of each object, one a line");
 			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)")->required();
 			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
+			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
 			Sub->add_option("--mode", Mode,
 				   "Absolute, Relative or Tag (exact case), or best: the shortest, most stable Lodestring "
 				   "that finds the object alone; any other text gives no node steps")
@@ -117,6 +118,7 @@ namespace
 				"copy", "Run a \"MenuTool\" command on a selection: log each Lodestring, copy it to the clipboard");
 			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)")->required();
 			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
+			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
 			std::vector<std::string> Modes;
 			for (const FLodexCommandInfo& Command : GetMenuToolCommandSet().Commands)
 			{

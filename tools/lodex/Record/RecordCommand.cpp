@@ -37,6 +37,7 @@ namespace
 			Sub->add_option("--scene", SceneFile.Path,
 				"Scene file (a snapshot or a level) in which the log's buttons find their objects");
 			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
+			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
 			Sub->add_option("--out", OutPath, "Save the script to this file instead of printing it");
 			return Sub;
 		}

@@ -22,6 +22,8 @@ namespace
 
 	constexpr std::size_t RedirectLimit = 8;
 	constexpr std::size_t ClassDepthLimit = 32;
+	/** From this many notes of one kind on, they are summed up in one line. */
+	constexpr std::size_t GroupedFrom = 3;
 
 	/** A package read from a file, kept for the lookups that need it again (Blueprint classes). */
 	struct FReadPackage
@@ -57,9 +59,17 @@ namespace
 			const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage, std::string& OutError);
 		bool LoadLevel(std::string File, std::string PackagePath, std::vector<FLoadedLevel>& Levels,
 			std::vector<std::string>& OutStreaming, std::string& OutError);
-		bool LoadExternalActors(FLoadedLevel& Level, std::string& OutError);
+		/** Each external actor package of the level; one that cannot be read is a note. */
+		void LoadExternalActors(FLoadedLevel& Level);
 		bool FillClassDefaultTags(FLevelActor& Actor, std::string& OutError);
 		const FReadPackage* FindClassPackage(const std::string& PackagePath, std::string& OutError, bool& bOutFailed);
+		/** A part of the level (Kind: an external actor package, a sub-level, a Blueprint class) that could not be
+		 * read: Error names its file and why. */
+		void NoteUnreadable(const std::string& Kind, const std::string& Error);
+		/** A note of a kind that is summed up when there are many: Summary says what N of them are ("N " first). */
+		void NoteGrouped(const std::string& Summary, const std::string& Line);
+		/** The grouped notes: each on its own line, or one line per kind when many and not verbose. */
+		void FlushGroupedNotes();
 
 		const FLevelReadOptions& Options;
 		FLevelScene& Out;
@@ -69,6 +79,10 @@ namespace
 		std::set<std::string> MissingClasses;
 		/** Each Blueprint class's defaults, read once however many actors have the class. */
 		std::map<std::string, FClassDefaults> ClassDefaults;
+		/** Blueprint class packages that could not be read, and why. */
+		std::map<std::string, std::string> UnreadableClasses;
+		/** By kind (their summary), in the order seen: the notes summed up when many (each once). */
+		std::vector<std::pair<std::string, std::vector<std::string>>> Grouped;
 	};
 
 	std::string ShownPath(const fs::path& Path)
@@ -223,15 +237,13 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 	{
 		Level.Actors.push_back(FLoadedActor{std::move(Actor), 0});
 	}
-	if (!LoadExternalActors(Level, OutError))
-	{
-		return false;
-	}
+	LoadExternalActors(Level);
 	for (FLoadedActor& Loaded : Level.Actors)
 	{
-		if (!FillClassDefaultTags(Loaded.Actor, OutError))
+		std::string ClassError;
+		if (!FillClassDefaultTags(Loaded.Actor, ClassError))
 		{
-			return false;
+			NoteUnreadable("Blueprint class", ClassError);
 		}
 	}
 	OutStreaming = std::move(Contents.StreamingLevelPackages);
@@ -239,11 +251,11 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 	return true;
 }
 
-bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError)
+void FLevelLoader::LoadExternalActors(FLoadedLevel& Level)
 {
 	if (ContentRoot.empty() || !IsGamePackage(Level.PackagePath))
 	{
-		return true;
+		return;
 	}
 	const fs::path Folder = ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(6));
 	if (Options.Files != nullptr)
@@ -253,7 +265,7 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 	std::error_code Code;
 	if (!fs::is_directory(Folder, Code))
 	{
-		return true;
+		return;
 	}
 	std::vector<fs::path> Files;
 	for (fs::recursive_directory_iterator It(Folder, Code), End; !Code && It != End; It.increment(Code))
@@ -274,14 +286,16 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 		FPackageError Error;
 		std::vector<FLevelActor> Actors;
 		std::string OtherLevel;
-		if (!ReadPackage(Shown, PackagePath, Package, OutError))
+		std::string ActorError;
+		if (!ReadPackage(Shown, PackagePath, Package, ActorError))
 		{
-			return false;
+			NoteUnreadable("external actor package", ActorError);
+			continue;
 		}
 		if (!ReadExternalActorPackage(Package, LevelPath, Actors, OtherLevel, Error))
 		{
-			OutError = Error.Describe(Shown);
-			return false;
+			NoteUnreadable("external actor package", Error.Describe(Shown));
+			continue;
 		}
 		if (Actors.empty() && !OtherLevel.empty())
 		{
@@ -295,13 +309,19 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 			Level.Actors.push_back(FLoadedActor{std::move(Actor), Level.Sources.size() - 1});
 		}
 	}
-	return true;
 }
 
 const FReadPackage* FLevelLoader::FindClassPackage(
 	const std::string& PackagePath, std::string& OutError, bool& bOutFailed)
 {
 	bOutFailed = false;
+	const auto Unreadable = UnreadableClasses.find(PackagePath);
+	if (Unreadable != UnreadableClasses.end())
+	{
+		OutError = Unreadable->second;
+		bOutFailed = true;
+		return nullptr;
+	}
 	const auto Found = ClassPackages.find(PackagePath);
 	if (Found != ClassPackages.end())
 	{
@@ -317,6 +337,7 @@ const FReadPackage* FLevelLoader::FindClassPackage(
 	Read->File = File;
 	if (!ReadPackage(File, PackagePath, Read->Package, OutError))
 	{
+		UnreadableClasses.emplace(PackagePath, OutError);
 		bOutFailed = true;
 		return nullptr;
 	}
@@ -351,10 +372,12 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 		{
 			if (MissingClasses.insert(PackagePath).second)
 			{
-				Out.Notes.push_back(
+				const std::string Where =
+					ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot);
+				NoteGrouped(
+					"Blueprint classes are not under " + Where + ": the default tags of their actors are unknown",
 					LodexText::EscapeControlsAndIllFormed("the Blueprint class " + ClassPath + " is not under " +
-						(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) +
-						": the default tags of its actors are unknown"));
+						Where + ": the default tags of its actors are unknown"));
 			}
 			break;
 		}
@@ -423,14 +446,55 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 			continue;
 		}
 		std::vector<std::string> More;
-		if (!LoadLevel(File, SubLevel, Levels, More, OutError))
+		std::string SubLevelError;
+		if (!LoadLevel(File, SubLevel, Levels, More, SubLevelError))
 		{
-			return false;
+			ReadLevels.insert(SubLevel);
+			NoteUnreadable("sub-level", SubLevelError);
+			continue;
 		}
 		++Out.SubLevelCount;
 		Pending.insert(Pending.end(), More.begin(), More.end());
 	}
+	FlushGroupedNotes();
 	return BuildLevelScene(std::move(Levels), Out, OutError);
+}
+
+void FLevelLoader::NoteUnreadable(const std::string& Kind, const std::string& Error)
+{
+	const std::string Kinds = Kind + (Kind.back() == 's' ? "es" : "s");
+	NoteGrouped(Kinds + " could not be read and are left out",
+		LodexText::EscapeControlsAndIllFormed(Error) + "; this " + Kind + " is left out");
+}
+
+void FLevelLoader::NoteGrouped(const std::string& Summary, const std::string& Line)
+{
+	auto Group = std::find_if(Grouped.begin(), Grouped.end(),
+		[&Summary](const std::pair<std::string, std::vector<std::string>>& Entry) { return Entry.first == Summary; });
+	if (Group == Grouped.end())
+	{
+		Grouped.emplace_back(Summary, std::vector<std::string>());
+		Group = Grouped.end() - 1;
+	}
+	if (std::find(Group->second.begin(), Group->second.end(), Line) == Group->second.end())
+	{
+		Group->second.push_back(Line);
+	}
+}
+
+void FLevelLoader::FlushGroupedNotes()
+{
+	for (const auto& [Summary, Lines] : Grouped)
+	{
+		if (Options.bVerbose || Lines.size() < GroupedFrom)
+		{
+			Out.Notes.insert(Out.Notes.end(), Lines.begin(), Lines.end());
+			continue;
+		}
+		Out.Notes.push_back(std::to_string(Lines.size()) + " " + Summary + "; the first: " + Lines.front() +
+			"; --verbose lists them all");
+	}
+	Grouped.clear();
 }
 
 bool ReadLevelScene(const std::string& Path, const FLevelReadOptions& Options, FLevelScene& Out, std::string& OutError)

@@ -27,6 +27,8 @@ struct FLevelReadOptions
 	bool bSubLevels = true;
 	/** Where the files come from; null: they are on disk. */
 	ILevelFileSource* Files = nullptr;
+	/** List every part that could not be read in its own note, rather than summing up three or more of a kind. */
+	bool bVerbose = false;
 };
 
 /** A level read as a scene, and what the caller may want to tell the user about it. */

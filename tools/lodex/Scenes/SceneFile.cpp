@@ -61,6 +61,7 @@ bool LoadSceneFile(const FSceneFileOptions& Options, FSceneFile& Out, std::strin
 	FLevelReadOptions LevelOptions;
 	LevelOptions.bSubLevels = !Options.bNoSubLevels;
 	LevelOptions.Files = Options.Files;
+	LevelOptions.bVerbose = Options.bVerbose;
 	FLevelScene Level;
 	if (!ReadLevelScene(Options.Path, LevelOptions, Level, OutError))
 	{

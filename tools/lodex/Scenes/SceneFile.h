@@ -17,6 +17,8 @@ struct FSceneFileOptions
 	bool bNoSubLevels = false;
 	/** For a level: where its files come from, when not from disk (a revision of a git repository). */
 	ILevelFileSource* Files = nullptr;
+	/** For a level: a note for each part that could not be read, rather than one line for three or more of a kind. */
+	bool bVerbose = false;
 };
 
 /** A scene read from a file, and what the reading has to tell the user. */
@@ -32,6 +34,11 @@ struct FSceneFile
 /** The help text of `--no-sublevels`, the same for every command that reads a scene. */
 inline constexpr const char* LodexNoSubLevelsHelp =
 	"For a level: read only the level itself, not the streaming sub-levels it names";
+
+/** The help text of `--verbose`, the same for every command that reads a scene. */
+inline constexpr const char* LodexVerboseNotesHelp =
+	"For a level: list each part that could not be read (external actor, sub-level, Blueprint class) in a note "
+	"of its own, rather than summing up three or more of a kind in one line";
 
 /**
  * Reads a scene file, told apart by its content, not its name: a file that starts like an Unreal package is read

@@ -1,0 +1,311 @@
+// Copyright Lodex contributors.
+// Packages saved by the engines before 5.0 that 5.0 loads (UE4 214 on, legacy versions -2 to -8), each field read
+// from the version that saves it; the summary read to its end; and a part of a level that cannot be read left out
+// with a note while the rest is read.
+#include "LodexRun.h"
+#include "Scenes/LevelScene.h"
+#include "TempDir.h"
+#include "TestPackageWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace
+{
+	const std::string Level = "/Game/Maps/Main.Main:PersistentLevel";
+
+	/** Two actors, one attached to the other, with a label, tags, a soft sub-level reference and float vectors. */
+	FTestMap OlderMap()
+	{
+		FTestMap Map;
+		FTestActor Base;
+		Base.Name = "Base";
+		Base.Components = {{"Root", "SceneComponent"}};
+		Base.Root = "Root";
+		Base.Label = "Base Label";
+		Base.bTags = true;
+		Base.Tags = {"anchor", "old"};
+		FTestActor Cube;
+		Cube.Name = "Cube_2";
+		Cube.Components = {{"Mesh", "StaticMeshComponent", "Base.Root"}};
+		Cube.Root = "Mesh";
+		Map.Actors = {Base, Cube};
+		Map.SubLevels = {"/Game/Maps/Sub"};
+		return Map;
+	}
+
+	/** Each object as "kind id class label [tags] parent", in the scene's order. */
+	std::vector<std::string> Listing(const FLevelScene& Scene)
+	{
+		std::vector<std::string> Lines;
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			std::string Tags;
+			for (const std::string& Tag : Object.Tags)
+			{
+				Tags += (Tags.empty() ? "" : ",") + Tag;
+			}
+			Lines.push_back(Object.Kind + " " + Object.Id + " " + Object.ClassName + " '" + Object.Label + "' [" +
+				Tags + "] " + (Object.AttachParent != nullptr ? Object.AttachParent->Id : "-"));
+		}
+		return Lines;
+	}
+
+	struct FVersions
+	{
+		std::int32_t Legacy, UE4, UE5, ReleaseObjectVersion;
+	};
+
+	void Apply(FTestPackage& Package, const FVersions& Versions)
+	{
+		Package.LegacyFileVersion = Versions.Legacy;
+		Package.FileVersionUE4 = Versions.UE4;
+		Package.FileVersionUE5 = Versions.UE5;
+		Package.ReleaseObjectVersion = Versions.ReleaseObjectVersion;
+	}
+
+	TEST(OlderPackages, EveryVersionTheEngineLoadsGivesTheSameLevel)
+	{
+		FLevelScene Expected;
+		std::string Error;
+		ASSERT_TRUE(ReadLevelSceneBytes(WriteTestMap(OlderMap()), "level.umap", "/Game/Maps/Main", Expected, Error))
+			<< Error;
+		ASSERT_EQ(Listing(Expected).size(), 5u);
+		// Each row crosses a version where a field of the summary, the tables or the tags comes or goes.
+		const FVersions Rows[] = {
+			{-8, 522, 1000, 40}, // 5.0 before large world coordinates
+			{-7, 522, 0, 40}, // 5.0 Early Access, 4.26, 4.27
+			{-7, 517, 0, 30}, // 4.21: no package name in imports, one more owner GUID
+			{-7, 513, 0, 20}, // soft object paths as one string, no localization ID
+			{-7, 510, 0, 10}, // 32-bit export sizes, no template index
+			{-6, 506, 0, 3}, // no dependency counts, texture allocations in the summary
+			{-6, 502, 0, 2}, // no property GUIDs, no name hashes; the level's actors in a transaction array
+			{-5, 440, 0, -1}, // no struct GUIDs, no gatherable text; custom versions with friendly names
+			{-4, 335, 0, -1}, // no UE3 version; an engine changelist, no engine version; four editor viewports
+			{-3, 281, 0, -1}, // arrays without element types, a single chunk ID
+			{-3, 214, 0, -1}, // the oldest the engine loads
+		};
+		std::vector<FVersions> Versions(std::begin(Rows), std::end(Rows));
+		for (std::int32_t UE4 = 214; UE4 <= 522; ++UE4) // every UE4 version, so that each gate is crossed exactly
+		{
+			Versions.push_back({-7, UE4, 0, 40});
+		}
+		for (const FVersions& Row : Versions)
+		{
+			FTestPackage Package("/Game/Maps/Main");
+			Apply(Package, Row);
+			FLevelScene Scene;
+			EXPECT_TRUE(
+				ReadLevelSceneBytes(WriteTestMap(OlderMap(), &Package), "level.umap", "/Game/Maps/Main", Scene, Error))
+				<< Row.UE4 << ": " << Error;
+			EXPECT_EQ(Listing(Scene), Listing(Expected)) << "UE4 " << Row.UE4 << ", legacy " << Row.Legacy;
+		}
+	}
+
+	TEST(OlderPackages, TheSummaryIsReadToItsEndAndCompressionRefusedAsTheEngineRefusesIt)
+	{
+		const struct
+		{
+			std::uint32_t Flags;
+			std::int32_t Chunks;
+			std::string Error; // empty: it reads
+		} Rows[] = {
+			{0x00000001, 0, ""}, // zlib: a flag the engine knows, with nothing compressed
+			{0x00000FFF, 0, ""},
+			{0x00001000, 0, "byte FLAGS: compression flags 0x00001000 the engine does not know (it knows 0x00000FFF)"},
+			{0x80000000, 0, "byte FLAGS: compression flags 0x80000000 the engine does not know (it knows 0x00000FFF)"},
+			{0x00000000, 1,
+				"byte CHUNKS: 1 compressed chunks: a package compressed as a whole (cooked by an old engine), which "
+				"the editor does not load"},
+			{0x00000001, 2,
+				"byte CHUNKS: 2 compressed chunks: a package compressed as a whole (cooked by an old engine), which "
+				"the editor does not load"},
+		};
+		for (const auto& Row : Rows)
+		{
+			FTestPackage Package("/Game/Maps/Main");
+			Package.CompressionFlags = Row.Flags;
+			Package.CompressedChunks = Row.Chunks;
+			const std::string Bytes = WriteTestMap(OlderMap(), &Package);
+			FLevelScene Scene;
+			std::string Error;
+			const bool bRead = ReadLevelSceneBytes(Bytes, "level.umap", "/Game/Maps/Main", Scene, Error);
+			EXPECT_EQ(bRead, Row.Error.empty()) << Row.Flags << " " << Row.Chunks;
+			std::string Expected = Row.Error;
+			const std::size_t Flags = Package.Layout.CompressionFlagsField;
+			if (Expected.find("FLAGS") != std::string::npos)
+			{
+				Expected.replace(Expected.find("FLAGS"), 5, std::to_string(Flags));
+			}
+			if (Expected.find("CHUNKS") != std::string::npos)
+			{
+				Expected.replace(Expected.find("CHUNKS"), 6, std::to_string(Flags + 4));
+			}
+			EXPECT_EQ(Error, Row.Error.empty() ? "" : "level.umap: " + Expected);
+		}
+	}
+
+	TEST(OlderPackages, AnErrorInAnExportEntryWithoutTemplateIndexNamesItsByte)
+	{
+		for (const std::int32_t UE4 : {507, 508})
+		{
+			FTestMap Map = OlderMap();
+			Map.Actors[1].Name = "Bad.Cube";
+			FTestPackage Package("/Game/Maps/Main");
+			Apply(Package, {-7, UE4, 0, 40});
+			const std::string Bytes = WriteTestMap(Map, &Package);
+			FLevelScene Scene;
+			std::string Error;
+			EXPECT_FALSE(ReadLevelSceneBytes(Bytes, "level.umap", "/Game/Maps/Main", Scene, Error));
+			const std::size_t Entry = Package.Layout.ExportEntries[5]; // the second actor's
+
+			EXPECT_EQ(Error,
+				"level.umap: byte " + std::to_string(Entry + (UE4 >= 508 ? 16 : 12)) +
+					": the name of actor 'Bad.Cube' holds '.', which no object name holds")
+				<< UE4;
+		}
+	}
+
+	/** A project's Content folder in a temporary folder. */
+	class OlderProject : public ::testing::Test
+	{
+	protected:
+		void Write(const std::string& RelativePath, const std::string& Bytes)
+		{
+			WriteTestFile(Temp.Path + "/Content", RelativePath, Bytes);
+		}
+
+		std::string File(const std::string& RelativePath) const { return Temp.Path + "/Content/" + RelativePath; }
+
+		const FLevelScene& Read(bool bVerbose = false)
+		{
+			FLevelReadOptions Options;
+			Options.bVerbose = bVerbose;
+			std::string Error;
+			Scene = FLevelScene();
+			EXPECT_TRUE(ReadLevelScene(File("Maps/Main.umap"), Options, Scene, Error)) << Error;
+			return Scene;
+		}
+
+		const FSceneObject* Find(const std::string& Id) const
+		{
+			for (const FSceneObject& Object : Scene.Scene.GetObjects())
+			{
+				if (Object.Id == Id)
+				{
+					return &Object;
+				}
+			}
+			return nullptr;
+		}
+
+		FTempDir Temp;
+		FLevelScene Scene;
+	};
+
+	TEST_F(OlderProject, ABlueprintClassSavedByUE4_517GivesItsDefaultTags)
+	{
+		FTestMap Map;
+		FTestActor Door;
+		Door.Name = "BP_Door_C_0";
+		Door.Class = "/Game/BP/BP_Door.BP_Door_C";
+		Map.Actors = {Door};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Write("BP/BP_Door.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door", "locked"},
+				[](FTestPackage& Package) {
+					Apply(Package, {-7, 517, 0, 30});
+				}));
+		Read();
+		ASSERT_NE(Find(Level + ".BP_Door_C_0"), nullptr);
+		EXPECT_EQ(Find(Level + ".BP_Door_C_0")->Tags, (std::vector<std::string>{"door", "locked"}));
+		EXPECT_EQ(Scene.Notes, std::vector<std::string>{});
+	}
+
+	TEST_F(OlderProject, AnUnreadableExternalActorIsANoteAndTheOthersAreRead)
+	{
+		FTestMap Map;
+		FTestActor Settings;
+		Settings.Name = "WorldSettings";
+		Map.Actors = {Settings};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		const std::string Folder = "__ExternalActors__/Maps/Main/";
+		const std::string Packages = "/Game/__ExternalActors__/Maps/Main/";
+		FTestActor First;
+		First.Name = "First_UAID_01";
+		FTestActor Second;
+		Second.Name = "Second_UAID_02";
+		Write(Folder + "A/AA/First.uasset",
+			WriteTestExternalActor("/Game/Maps/Main", Packages + "A/AA/First", First,
+				[](FTestPackage& Package) {
+					Apply(Package, {-7, 522, 0, 40});
+				}));
+		Write(
+			Folder + "C/CC/Second.uasset", WriteTestExternalActor("/Game/Maps/Main", Packages + "C/CC/Second", Second));
+		Write(Folder + "B/BB/Bad.uasset", std::string("\xC1\x83\x2A\x9E\xF7\xFF\xFF\xFF", 8));
+		Read();
+		EXPECT_NE(Find(Level + ".First_UAID_01"), nullptr);
+		EXPECT_NE(Find(Level + ".Second_UAID_02"), nullptr);
+		EXPECT_EQ(Scene.ExternalActorCount, 2u);
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{File(Folder + "B/BB/Bad.uasset") +
+				": byte 4: saved by an engine newer than 5.0 (legacy file version -9); Lodex reads package file "
+				"versions UE4 214 to 522 and UE5 1000 to 1004 (legacy versions -2 to -8), as Unreal Engine 5.0 loads "
+				"them; this external actor package is left out"});
+
+		// Three or more of a kind are summed up in one line; verbose lists each.
+		Write(Folder + "D/DD/Cut.uasset", "\xC1\x83\x2A\x9E");
+		Write(Folder + "E/EE/Empty.uasset", "");
+		Read();
+		const std::string First3 = File(Folder + "B/BB/Bad.uasset") + ": byte 4: saved by an engine newer than 5.0";
+		ASSERT_EQ(Scene.Notes.size(), 1u);
+		EXPECT_EQ(Scene.Notes[0].rfind(
+					  "3 external actor packages could not be read and are left out; the first: " + First3, 0),
+			0u)
+			<< Scene.Notes[0];
+		EXPECT_EQ(Scene.Notes[0].substr(Scene.Notes[0].size() - 26), "; --verbose lists them all");
+		Read(true);
+		ASSERT_EQ(Scene.Notes.size(), 3u);
+		EXPECT_EQ(Scene.Notes[0].rfind(First3, 0), 0u);
+		EXPECT_EQ(Scene.Notes[1],
+			File(Folder + "D/DD/Cut.uasset") +
+				": byte 4: the file ends at byte 4, inside the package summary; this external actor package is "
+				"left out");
+		EXPECT_EQ(Scene.Notes[2].rfind(File(Folder + "E/EE/Empty.uasset") + ": ", 0), 0u) << Scene.Notes[2];
+		EXPECT_EQ(Scene.ExternalActorCount, 2u);
+	}
+
+	TEST_F(OlderProject, CommandsSumUpNotesOfAKindAndListThemWithVerbose)
+	{
+		FTestMap Map;
+		for (const char* Class : {"BP_A", "BP_B", "BP_C"})
+		{
+			FTestActor Actor;
+			Actor.Name = std::string(Class) + "_C_0";
+			Actor.Class = "/Game/BP/" + std::string(Class) + "." + Class + "_C";
+			Map.Actors.push_back(Actor);
+			Write("BP/" + std::string(Class) + ".uasset", "\xC1\x83\x2A\x9E");
+		}
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		const std::string Cut = ": byte 4: the file ends at byte 4, inside the package summary";
+		const FLodexRun Summed = RunLodex({"path", "--scene", File("Maps/Main.umap"), "BP_B_C_0"});
+		EXPECT_EQ(Summed.Exit, 0);
+		EXPECT_EQ(Summed.Out, "/*[@name = 'BP_B_C_0']\n");
+		EXPECT_EQ(Summed.Err,
+			"lodex: note: 3 Blueprint classes could not be read and are left out; the first: " +
+				File("BP/BP_A.uasset") + Cut + "; this Blueprint class is left out; --verbose lists them all\n");
+		const FLodexRun Listed = RunLodex({"path", "--scene", File("Maps/Main.umap"), "--verbose", "BP_B_C_0"});
+		EXPECT_EQ(Listed.Exit, 0);
+		std::string Lines;
+		for (const char* Class : {"BP_A", "BP_B", "BP_C"})
+		{
+			Lines += "lodex: note: " + File("BP/" + std::string(Class) + ".uasset") + Cut +
+				"; this Blueprint class is left out\n";
+		}
+		EXPECT_EQ(Listed.Err, Lines);
+	}
+}
