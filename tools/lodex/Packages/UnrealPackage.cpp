@@ -359,20 +359,23 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 		FPackageExport& Export = Exports[Index];
 		Export.Offset = Table.Tell();
 		std::int32_t TemplateIndex = 0;
-		std::uint32_t ObjectFlags = 0;
 		std::int64_t SerialSize = 0;
 		std::int64_t SerialOffset = 0;
 		if (!Table.ReadInt32(Export.ClassIndex) || !Table.ReadInt32(Export.SuperIndex) ||
 			!Table.ReadInt32(TemplateIndex) || !Table.ReadInt32(Export.OuterIndex) ||
-			!ReadName(Table, Export.ObjectName, "an export's name") || !Table.ReadUInt32(ObjectFlags))
+			!ReadName(Table, Export.ObjectName, "an export's name") || !Table.ReadUInt32(Export.ObjectFlags))
 		{
 			return KeepFailure(Cursor, Table);
 		}
 		const std::size_t SerialField = Table.Tell();
-		// The serial size and offset; three flags, the package GUID and flags, two more flags (and one more from
-		// the optional resources on); the five dependency counts.
-		if (!Table.ReadInt64(SerialSize) || !Table.ReadInt64(SerialOffset) ||
-			!Table.Skip(12 + 16 + 4 + 8 + (bOptional ? 4 : 0) + 20))
+		// The serial size and offset; bForcedExport, bNotForClient, bNotForServer (each a 32-bit bool); the package
+		// GUID and flags, two more flags (and one more from the optional resources on); the five dependency counts.
+		std::uint32_t ForcedExport = 0;
+		std::uint32_t NotForClient = 0;
+		std::uint32_t NotForServer = 0;
+		if (!Table.ReadInt64(SerialSize) || !Table.ReadInt64(SerialOffset) || !Table.ReadUInt32(ForcedExport) ||
+			!Table.ReadUInt32(NotForClient) || !Table.ReadUInt32(NotForServer) ||
+			!Table.Skip(16 + 4 + 8 + (bOptional ? 4 : 0) + 20))
 		{
 			return KeepFailure(Cursor, Table);
 		}
@@ -387,6 +390,8 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 		}
 		Export.SerialOffset = static_cast<std::size_t>(SerialOffset);
 		Export.SerialSize = static_cast<std::size_t>(SerialSize);
+		Export.bNotForClient = NotForClient != 0;
+		Export.bNotForServer = NotForServer != 0;
 	}
 	if (!CheckExportDataApart(Cursor, Table.Tell()))
 	{

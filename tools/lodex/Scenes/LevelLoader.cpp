@@ -60,6 +60,7 @@ namespace
 		bool LoadExternalActors(FLoadedLevel& Level, std::string& OutError);
 		bool FillClassDefaultTags(FLevelActor& Actor, std::string& OutError);
 		const FReadPackage* FindClassPackage(const std::string& PackagePath, std::string& OutError, bool& bOutFailed);
+		void MarkLevelsStreamedOnDemand(std::vector<FLoadedLevel>& Levels) const;
 
 		const FLevelReadOptions& Options;
 		FLevelScene& Out;
@@ -67,6 +68,9 @@ namespace
 		std::set<std::string> ReadLevels;
 		std::map<std::string, std::unique_ptr<FReadPackage>> ClassPackages;
 		std::set<std::string> MissingClasses;
+		/** The sub-levels a level names as streamed in at play time, and those one names as loaded at start. */
+		std::set<std::string> OnDemandLevels;
+		std::set<std::string> StartLevels;
 		/** Each Blueprint class's defaults, read once however many actors have the class. */
 		std::map<std::string, FClassDefaults> ClassDefaults;
 	};
@@ -230,6 +234,12 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 			return false;
 		}
 	}
+	for (const std::string& Sub : Contents.StreamingLevelPackages)
+	{
+		const bool bOnDemand = std::find(Contents.OnDemandLevelPackages.begin(), Contents.OnDemandLevelPackages.end(),
+								   Sub) != Contents.OnDemandLevelPackages.end();
+		(bOnDemand ? OnDemandLevels : StartLevels).insert(Sub);
+	}
 	OutStreaming = std::move(Contents.StreamingLevelPackages);
 	Levels.push_back(std::move(Level));
 	return true;
@@ -373,6 +383,16 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 	return true;
 }
 
+void FLevelLoader::MarkLevelsStreamedOnDemand(std::vector<FLoadedLevel>& Levels) const
+{
+	// A sub-level any level names as loaded at start is loaded at start; the map itself always is.
+	for (std::size_t Index = 1; Index < Levels.size(); ++Index)
+	{
+		Levels[Index].bStreamedOnDemand =
+			OnDemandLevels.count(Levels[Index].PackagePath) != 0 && StartLevels.count(Levels[Index].PackagePath) == 0;
+	}
+}
+
 bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 {
 	std::string PackagePath;
@@ -422,6 +442,7 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 		++Out.SubLevelCount;
 		Pending.insert(Pending.end(), More.begin(), More.end());
 	}
+	MarkLevelsStreamedOnDemand(Levels);
 	return BuildLevelScene(std::move(Levels), Out, OutError);
 }
 
