@@ -356,6 +356,78 @@ namespace
 				"/Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
 	}
 
+	TEST_F(LevelReader, ComponentsAreKnownByWhatThePackageSavesAndEditorOnlyObjectsAreMarked)
+	{
+		FTestComponent Capture("NewSceneCaptureComponent2D", "SceneCaptureComponent2D");
+		Capture.bDefaultSubObject = true;
+		FTestComponent Sprite("Sprite", "BillboardComponent");
+		Sprite.bEditorOnly = true;
+		FTestActor Camera = Actor("SceneCapture2D_1",
+			{{"Root", "SceneComponent"}, Capture, {"Gizmo", "CaptureGizmo"}, {"Settings", "CaptureSettings"}, Sprite},
+			"Root");
+		Camera.Class = "SceneCapture2D";
+		Camera.AttachChildren = {"Gizmo"};
+		FTestActor Brush = Actor("Brush_0", {{"BrushComponent0", "BrushComponent"}});
+		Brush.Class = "Brush";
+		Brush.bEditorOnly = true;
+		FTestMap Map;
+		Map.Actors = {Camera, Brush};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		const std::string Capturer = Level + ".SceneCapture2D_1";
+		// Settings is neither listed, nor a default subobject, nor of a component class: an object, not a component.
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{
+				"other " + Level,
+				"actor " + Capturer,
+				"component " + Capturer + ".Root",
+				"component " + Capturer + ".NewSceneCaptureComponent2D",
+				"component " + Capturer + ".Gizmo",
+				"component " + Capturer + ".Sprite",
+				"actor " + Level + ".Brush_0",
+				"component " + Level + ".Brush_0.BrushComponent0",
+			}));
+		EXPECT_EQ(Object(Capturer + ".NewSceneCaptureComponent2D").ClassName, "SceneCaptureComponent2D");
+		std::vector<std::string> EditorOnly;
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			if (Object.bEditorOnly)
+			{
+				EditorOnly.push_back(Object.Name);
+			}
+		}
+		// A component of an editor-only actor is editor-only with it.
+		EXPECT_EQ(EditorOnly, (std::vector<std::string>{"Sprite", "Brush_0", "BrushComponent0"}));
+	}
+
+	TEST_F(LevelReader, ASubLevelNoStreamingLevelLoadsAtStartIsMarkedStreamedOnDemand)
+	{
+		FTestMap Map;
+		Map.SubLevels = {"/Game/Maps/Streamed", "/Game/Maps/Both"};
+		Map.LoadedSubLevels = {"/Game/Maps/Loaded", "/Game/Maps/Both"};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		for (const char* Name : {"Streamed", "Loaded", "Both"})
+		{
+			FTestMap Sub;
+			Sub.PackagePath = std::string("/Game/Maps/") + Name;
+			Sub.Actors = {Actor("Rock")};
+			Write(std::string("Maps/") + Name + ".umap", WriteTestMap(Sub));
+		}
+		Read();
+		std::vector<std::string> Levels;
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			if (Object.ClassName == "Level")
+			{
+				Levels.push_back(Object.Package + (Object.bStreamedOnDemand ? " on demand" : " at start"));
+			}
+		}
+		// A sub-level one streaming level loads at start is loaded at start, whatever another says.
+		EXPECT_EQ(Levels,
+			(std::vector<std::string>{"/Game/Maps/Main at start", "/Game/Maps/Streamed on demand",
+				"/Game/Maps/Both at start", "/Game/Maps/Loaded at start"}));
+	}
+
 	TEST_F(LevelReader, AStreamingLevelTheWorldListsTwiceIsReadOnce)
 	{
 		FTestMap Map;

@@ -517,10 +517,13 @@ std::string FTestPackage::Build()
 		ExportTable.Int32(0); // template
 		ExportTable.Int32(Entry.Outer);
 		Name(ExportTable, Entry.Name);
-		ExportTable.UInt32(0); // object flags
+		ExportTable.UInt32(Entry.ObjectFlags);
 		ExportTable.Int64(static_cast<std::int64_t>(Data[Index].Size()));
 		ExportTable.Int64(static_cast<std::int64_t>(Next));
-		ExportTable.Zeros(12 + 16 + 4 + 8 + (FileVersionUE5 >= 1003 ? 4 : 0));
+		ExportTable.UInt32(0); // forced export
+		ExportTable.UInt32(Entry.bEditorOnly ? 1 : 0); // not for client
+		ExportTable.UInt32(Entry.bEditorOnly ? 1 : 0); // not for server
+		ExportTable.Zeros(16 + 4 + 8 + (FileVersionUE5 >= 1003 ? 4 : 0));
 		ExportTable.Int32(-1); // first export dependency
 		ExportTable.Zeros(16);
 		Next += Data[Index].Size();
