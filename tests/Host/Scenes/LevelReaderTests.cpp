@@ -400,6 +400,26 @@ namespace
 		EXPECT_EQ(EditorOnly, (std::vector<std::string>{"Sprite", "Brush_0", "BrushComponent0"}));
 	}
 
+	TEST_F(LevelReader, AnObjectOfABlueprintClassIsAComponentWhenTheClassPackagesShowAComponentSuper)
+	{
+		Write("BP/BP_Spinner.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Spinner", "BP_Spinner_C", "/Script/Engine.SceneComponent", false, {}));
+		Write("BP/BP_Fancy.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Fancy", "BP_Fancy_C", "/Game/BP/BP_Spinner.BP_Spinner_C", false, {}));
+		Write("BP/BP_Data.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Data", "BP_Data_C", "/Script/CoreUObject.Object", false, {}));
+		FTestMap Map;
+		Map.Actors = {Actor("Fan",
+			{{"Spinner", "/Game/BP/BP_Spinner.BP_Spinner_C"}, {"Fancy", "/Game/BP/BP_Fancy.BP_Fancy_C"},
+				{"Data", "/Game/BP/BP_Data.BP_Data_C"}, {"Lost", "/Game/BP/BP_Missing.BP_Missing_C"}})};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		// A class whose package is missing shows no component super: its object is left out, as BP_Data's is.
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{"other " + Level, "actor " + Level + ".Fan",
+				"component " + Level + ".Fan.Spinner", "component " + Level + ".Fan.Fancy"}));
+	}
+
 	TEST_F(LevelReader, ASubLevelNoStreamingLevelLoadsAtStartIsMarkedStreamedOnDemand)
 	{
 		FTestMap Map;

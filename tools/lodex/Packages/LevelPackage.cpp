@@ -168,6 +168,21 @@ namespace
 		return false;
 	}
 
+	/**
+	 * The object path of the object's class when it is a Blueprint class another package holds (an import at the top
+	 * of a package outside `/Script/`), whose supers only that package shows; empty otherwise.
+	 */
+	std::string BlueprintClassOfAnotherPackage(const FUnrealPackage& Package, std::int32_t Object)
+	{
+		const std::int32_t Class = Package.GetExports()[static_cast<std::size_t>(Object - 1)].ClassIndex;
+		if (Class >= 0)
+		{
+			return std::string();
+		}
+		const std::string Path = ClassPathOf(Package, Class);
+		return Path.rfind("/Script/", 0) == 0 ? std::string() : Path;
+	}
+
 	/** Adds to Out the components the actor's root lists as attached to it (`AttachChildren`) that the actor holds. */
 	bool ReadAttachChildren(const FUnrealPackage& Package, std::int32_t Actor, std::int32_t Root,
 		std::vector<std::int32_t>& Out, FPackageError& OutError)
@@ -286,7 +301,10 @@ namespace
 			{
 				const std::string ClassName = Package.ClassNameOf(Child);
 				const bool bListed = std::binary_search(Listed.begin(), Listed.end(), Child);
-				if (bFailed || (!bListed && !IsComponentObject(Package, Child)))
+				const std::string ClassToCheck = bListed || IsComponentObject(Package, Child)
+					? std::string()
+					: BlueprintClassOfAnotherPackage(Package, Child);
+				if (bFailed || (!bListed && !IsComponentObject(Package, Child) && ClassToCheck.empty()))
 				{
 					return;
 				}
@@ -296,6 +314,7 @@ namespace
 				Component.ClassName = ClassName;
 				const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
 				Component.bEditorOnly = Out.bEditorOnly || IsEditorOnlyExport(ChildExport);
+				Component.ClassToCheck = ClassToCheck;
 				FObjectProperties ComponentProperties;
 				if (!CheckOneLine(Component.Name, ChildExport.Offset + 16,
 						"the name of component '" + Component.Name + "'", OutError) ||

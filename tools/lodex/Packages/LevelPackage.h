@@ -16,6 +16,12 @@ struct FLevelComponent
 	std::string ClassName;
 	/** Flagged not-for-client and not-for-server (or its actor is): only the editor loads it. */
 	bool bEditorOnly = false;
+	/**
+	 * For an object only its class can make a component, a Blueprint class of another package
+	 * (`/Game/BP/BP_Spinner.BP_Spinner_C`): that class's path, for the reader of the level to follow its supers.
+	 * Empty when the package alone shows it is a component; an object left with a path is no component.
+	 */
+	std::string ClassToCheck;
 };
 
 /** An actor read from a package: what the level saves of it. */

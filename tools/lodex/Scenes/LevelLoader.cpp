@@ -61,6 +61,8 @@ namespace
 		bool FillClassDefaultTags(FLevelActor& Actor, std::string& OutError);
 		const FReadPackage* FindClassPackage(const std::string& PackagePath, std::string& OutError, bool& bOutFailed);
 		void MarkLevelsStreamedOnDemand(std::vector<FLoadedLevel>& Levels) const;
+		bool KeepComponentsOfComponentClasses(FLoadedLevel& Level, std::string& OutError);
+		bool IsComponentClass(const std::string& ClassPath, bool& bOutComponent, std::string& OutError);
 
 		const FLevelReadOptions& Options;
 		FLevelScene& Out;
@@ -71,6 +73,8 @@ namespace
 		/** The sub-levels a level names as streamed in at play time, and those one names as loaded at start. */
 		std::set<std::string> OnDemandLevels;
 		std::set<std::string> StartLevels;
+		/** Whether each Blueprint class an object of an actor has derives from a component class. */
+		std::map<std::string, bool> ComponentClasses;
 		/** Each Blueprint class's defaults, read once however many actors have the class. */
 		std::map<std::string, FClassDefaults> ClassDefaults;
 	};
@@ -227,6 +231,10 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 	{
 		return false;
 	}
+	if (!KeepComponentsOfComponentClasses(Level, OutError))
+	{
+		return false;
+	}
 	for (FLoadedActor& Loaded : Level.Actors)
 	{
 		if (!FillClassDefaultTags(Loaded.Actor, OutError))
@@ -379,6 +387,85 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 			Actor.Tags = Found->second.Tags;
 		}
 		ClassPath = Found->second.SuperPath;
+	}
+	return true;
+}
+
+bool FLevelLoader::IsComponentClass(const std::string& ClassPath, bool& bOutComponent, std::string& OutError)
+{
+	const auto Known = ComponentClasses.find(ClassPath);
+	if (Known != ComponentClasses.end())
+	{
+		bOutComponent = Known->second;
+		return true;
+	}
+	// Up the supers, as far as the class packages under Content show them, to a class named as components are.
+	bOutComponent = false;
+	std::string Path = ClassPath;
+	std::set<std::string> Seen;
+	for (std::size_t Depth = 0; Depth < ClassDepthLimit && Seen.insert(Path).second; ++Depth)
+	{
+		const std::size_t Dot = Path.find('.');
+		const std::string Name = Dot == std::string::npos ? Path : Path.substr(Dot + 1);
+		const auto EndsIn = [&Name](const std::string& Tail)
+		{
+			return Name.size() >= Tail.size() && Name.compare(Name.size() - Tail.size(), Tail.size(), Tail) == 0;
+		};
+		if (Name == "ActorComponent" || EndsIn("Component") || EndsIn("Component_C"))
+		{
+			bOutComponent = true;
+			break;
+		}
+		if (Dot == std::string::npos || !IsGamePackage(Path))
+		{
+			break;
+		}
+		bool bFailed = false;
+		const FReadPackage* Class = FindClassPackage(Path.substr(0, Dot), OutError, bFailed);
+		if (bFailed)
+		{
+			return false;
+		}
+		FPackageError Error;
+		bool bHasTags = false;
+		std::vector<std::string> Tags;
+		std::string Super;
+		if (Class == nullptr || !ReadClassDefaults(Class->Package, Name, bHasTags, Tags, Super, Error))
+		{
+			if (Class != nullptr)
+			{
+				OutError = Error.Describe(Class->File);
+				return false;
+			}
+			break;
+		}
+		Path = Super;
+	}
+	ComponentClasses.emplace(ClassPath, bOutComponent);
+	return true;
+}
+
+bool FLevelLoader::KeepComponentsOfComponentClasses(FLoadedLevel& Level, std::string& OutError)
+{
+	for (FLoadedActor& Loaded : Level.Actors)
+	{
+		std::vector<FLevelComponent>& Components = Loaded.Actor.Components;
+		for (FLevelComponent& Component : Components)
+		{
+			bool bComponent = false;
+			if (!Component.ClassToCheck.empty() && !IsComponentClass(Component.ClassToCheck, bComponent, OutError))
+			{
+				return false;
+			}
+			if (bComponent)
+			{
+				Component.ClassToCheck.clear();
+			}
+		}
+		// What is left to check is no component: its class derives from none, as far as its packages show.
+		Components.erase(std::remove_if(Components.begin(), Components.end(),
+							 [](const FLevelComponent& Component) { return !Component.ClassToCheck.empty(); }),
+			Components.end());
 	}
 	return true;
 }

@@ -107,6 +107,10 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 			}
 			for (FLevelComponent& Component : Actor.Components)
 			{
+				if (!Component.ClassToCheck.empty())
+				{
+					continue; // a class no package here shows to be a component's
+				}
 				FSceneObject Child;
 				Child.Id = std::move(Component.Path);
 				Child.Kind = "component";
