@@ -125,7 +125,7 @@ namespace
 	}
 
 	/** The names the locator's node steps and name comparisons test, with where they stand. */
-	std::vector<std::pair<std::string, FLodexSpan>> TestedNames(const std::vector<const FLodexStepOp*>& Steps)
+	std::vector<std::pair<std::string, FLodexSpan>> LintTestedNames(const std::vector<const FLodexStepOp*>& Steps)
 	{
 		std::vector<std::pair<std::string, FLodexSpan>> Names;
 		for (const FLodexStepOp* Step : Steps)
@@ -160,7 +160,7 @@ namespace
 		const std::vector<const FLodexStepOp*>& Steps, FLodexLintFinding& Out)
 	{
 		const ILodexObjectGraph& Graph = Index.GetGraph();
-		for (const auto& Tested : TestedNames(Steps))
+		for (const auto& Tested : LintTestedNames(Steps))
 		{
 			if (Tested.first.empty() || Index.FindNameId(Tested.first) != FLodexSceneIndex::None)
 			{
@@ -196,14 +196,14 @@ namespace
 	}
 
 	/** The level a match lies in, for the notes of an ambiguous locator: " (in /Game/Maps/Sub)", or nothing. */
-	std::string DescribeMatchLevel(const FLodexSceneIndex& Index, std::uint32_t Object)
+	std::string DescribeLintMatchLevel(const FLodexSceneIndex& Index, std::uint32_t Object)
 	{
 		const std::string Level = Index.GetGraph().GetLevelName(Index.GetObject(Object));
 		return Level.empty() ? std::string() : " (in " + ShowLodestringOnOneLine(Level) + ")";
 	}
 
 	/** Whether the matches lie in more than one level (a map and its sub-levels). */
-	bool MatchesSpanLevels(const FLodexSceneIndex& Index, const FLodexEvaluation& Evaluation)
+	bool LintMatchesSpanLevels(const FLodexSceneIndex& Index, const FLodexEvaluation& Evaluation)
 	{
 		const ILodexObjectGraph& Graph = Index.GetGraph();
 		const std::string First = Graph.GetLevelName(Index.GetObject(Evaluation.Matches.front().Object));
@@ -213,7 +213,7 @@ namespace
 
 	/** Whether every match satisfies Test (false when there is none). */
 	template<typename TTest>
-	bool AllMatches(const FLodexSceneIndex& Index, const FLodexEvaluation& Evaluation, TTest&& Test)
+	bool LintAllMatchesAre(const FLodexSceneIndex& Index, const FLodexEvaluation& Evaluation, TTest&& Test)
 	{
 		return !Evaluation.Matches.empty() &&
 			std::all_of(Evaluation.Matches.begin(), Evaluation.Matches.end(),
@@ -225,7 +225,7 @@ namespace
 		const FLodexEvaluation& Evaluation, FLodexSpan Span, std::vector<FLodexLintFinding>& Out)
 	{
 		const ILodexObjectGraph& Graph = Index.GetGraph();
-		if (AllMatches(Index, Evaluation, [&Graph](FLodexObject Object) { return Graph.IsEditorOnly(Object); }))
+		if (LintAllMatchesAre(Index, Evaluation, [&Graph](FLodexObject Object) { return Graph.IsEditorOnly(Object); }))
 		{
 			Out.push_back(MakeLintFinding(LodexLintRules::EditorOnly,
 				Shown +
@@ -233,7 +233,7 @@ namespace
 					"not have them",
 				Span));
 		}
-		if (AllMatches(
+		if (LintAllMatchesAre(
 				Index, Evaluation, [&Graph](FLodexObject Object) { return Graph.IsInLevelStreamedOnDemand(Object); }))
 		{
 			std::vector<std::string> Levels;
@@ -362,14 +362,14 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	{
 		FLodexLintFinding Finding = MakeLintFinding(
 			LodexLintRules::Ambiguous, Shown + " " + DescribeLodexMatchCount(Count), WholeSpan(Lodestring));
-		const bool bNameLevels = MatchesSpanLevels(Index, Evaluation);
+		const bool bNameLevels = LintMatchesSpanLevels(Index, Evaluation);
 		for (std::size_t Item = 0; Item < Count && Item < MaxListedMatches; ++Item)
 		{
 			const FLodexBestLocator Best = BestOfMatch(Finder, Program, Evaluation.Matches[Item]);
 			Finding.Notes.push_back("match " + std::to_string(Item + 1) + " of " + std::to_string(Count) + ": " +
 				ShowLodestringOnOneLine(Best.Lodestring) +
 				(Best.MatchCount == 1 ? std::string() : " (" + DescribeLodexMatchCount(Best.MatchCount) + ")") +
-				(bNameLevels ? DescribeMatchLevel(Index, Evaluation.Matches[Item].Object) : std::string()));
+				(bNameLevels ? DescribeLintMatchLevel(Index, Evaluation.Matches[Item].Object) : std::string()));
 		}
 		Result.Findings.push_back(std::move(Finding));
 	}
