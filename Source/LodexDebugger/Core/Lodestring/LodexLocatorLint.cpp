@@ -398,13 +398,13 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 		const FLodexBestLocator Best = BestOfMatch(Finder, Program, Evaluation.Matches.front());
 		for (FLodexLintFinding& Warning : Warnings)
 		{
-			// A replacement that rests on generated names too is no cure for these rules' findings.
 			const std::string Rule = Warning.Rule;
 			// Another locator of the same object finds what the game has no more than this one.
 			if (Rule == LodexLintRules::EditorOnly || Rule == LodexLintRules::StreamedLevel)
 			{
 				continue;
 			}
+			// A replacement that rests on generated names too is no cure for these rules' findings.
 			if ((Rule == LodexLintRules::GeneratedSuffix || Rule == LodexLintRules::PlacedGeneratedSuffix) &&
 				!Best.bStable)
 			{
