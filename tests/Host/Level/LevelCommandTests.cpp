@@ -148,6 +148,62 @@ namespace
 		EXPECT_EQ(RunLodex({"lint", "--strict", "--scene", MapFile, WriteTests({"//Projectile_12"})}).Exit, 1);
 	}
 
+	TEST_F(LevelCommand, LintSaysWhatTheGameDoesNotHaveAndWhereAmbiguousMatchesLie)
+	{
+		FTestMap Map;
+		FTestActor Statue;
+		Statue.Name = "StaticMeshActor_9";
+		Statue.Label = "SM_Gargoyle_Statue";
+		FTestActor Brush;
+		Brush.Name = "Brush_0";
+		Brush.Class = "Brush";
+		Brush.bEditorOnly = true;
+		FTestActor Twin;
+		Twin.Name = "Twin";
+		Map.Actors = {Statue, Brush, Twin};
+		Map.SubLevels = {"/Game/Maps/Cave"};
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+		FTestMap Cave;
+		Cave.PackagePath = "/Game/Maps/Cave";
+		FTestActor Bat;
+		Bat.Name = "Bat";
+		Cave.Actors = {Twin, Bat};
+		WriteTestFile(Temp.Path + "/Content", "Maps/Cave.umap", WriteTestMap(Cave));
+		const std::string Map2 = Temp.Path + "/Content/Maps/Main.umap";
+		const std::string Tests = WriteTests({"//SM_Gargoyle_Statue", "//Brush_0", "//Bat", "//Twin"});
+		const FLodexRun Run = RunLodex({"lint", "--scene", Map2, Tests});
+		EXPECT_EQ(Run.Exit, 1) << Run.Err;
+		EXPECT_EQ(Run.Out,
+			Tests +
+				":2:14: warning: 'SM_Gargoyle_Statue' is the editor label of StaticMeshActor_9; the game knows it by "
+				"its name; suggested: /StaticMeshActor_9 [editor-label]\n" +
+				Tests +
+				":3:12: warning: //Brush_0 finds only editor-only objects (saved not-for-client and not-for-server): "
+				"the game does not have them [editor-only]\n" +
+				Tests +
+				":3:14: note: the name 'Brush_0' ends in an instance number saved with the level: it is the "
+				"same on every run, but an edit of the level may renumber it; a tag on the object, or on an "
+				"ancestor, would not [placed-generated-suffix]\n" +
+				Tests +
+				":4:12: note: //Bat finds objects only in /Game/Maps/Cave, which the game loads only when it streams "
+				"it in: it depends on that level being streamed in [streamed-level]\n" +
+				Tests + ":5:12: error: //Twin matches 2 objects: not unique [ambiguous]\n" + Tests +
+				":5:12: note: match 1 of 2: /*[@name = 'Twin'] (matches 2 objects: not unique) (in /Game/Maps/Main)\n" +
+				Tests +
+				":5:12: note: match 2 of 2: /*[@name = 'Twin'] (matches 2 objects: not unique) (in /Game/Maps/Cave)\n" +
+				"Checked 4 Lodestrings in 1 file: 1 error, 2 warnings, 2 notes\n");
+
+		// The level as a snapshot keeps both marks, and lint reads them back.
+		const FLodexRun Json = RunLodex({"level", Map2, "--format", "json"});
+		ASSERT_EQ(Json.Exit, 0) << Json.Err;
+		EXPECT_NE(Json.Out.find("\"editorOnly\": true"), std::string::npos);
+		EXPECT_NE(Json.Out.find("\"streamedOnDemand\": true"), std::string::npos);
+		const std::string Snapshot = Temp.Write("level.json", Json.Out);
+		const FLodexRun FromJson = RunLodex({"lint", "--scene", Snapshot, WriteTests({"//Brush_0", "//Bat"})});
+		EXPECT_NE(FromJson.Out.find("[editor-only]"), std::string::npos) << FromJson.Out;
+		EXPECT_NE(FromJson.Out.find("[streamed-level]"), std::string::npos) << FromJson.Out;
+	}
+
 	TEST_F(LevelCommand, LintOnASnapshotKeepsGeneratedNamesOfSpawnedObjectsAsWarnings)
 	{
 		const std::string Scene = Temp.Write("scene.json",

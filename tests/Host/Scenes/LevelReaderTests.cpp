@@ -356,6 +356,98 @@ namespace
 				"/Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
 	}
 
+	TEST_F(LevelReader, ComponentsAreKnownByWhatThePackageSavesAndEditorOnlyObjectsAreMarked)
+	{
+		FTestComponent Capture("NewSceneCaptureComponent2D", "SceneCaptureComponent2D");
+		Capture.bDefaultSubObject = true;
+		FTestComponent Sprite("Sprite", "BillboardComponent");
+		Sprite.bEditorOnly = true;
+		FTestActor Camera = Actor("SceneCapture2D_1",
+			{{"Root", "SceneComponent"}, Capture, {"Gizmo", "CaptureGizmo"}, {"Settings", "CaptureSettings"}, Sprite},
+			"Root");
+		Camera.Class = "SceneCapture2D";
+		Camera.AttachChildren = {"Gizmo"};
+		FTestActor Brush = Actor("Brush_0", {{"BrushComponent0", "BrushComponent"}});
+		Brush.Class = "Brush";
+		Brush.bEditorOnly = true;
+		FTestMap Map;
+		Map.Actors = {Camera, Brush};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		const std::string Capturer = Level + ".SceneCapture2D_1";
+		// Settings is neither listed, nor a default subobject, nor of a component class: an object, not a component.
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{
+				"other " + Level,
+				"actor " + Capturer,
+				"component " + Capturer + ".Root",
+				"component " + Capturer + ".NewSceneCaptureComponent2D",
+				"component " + Capturer + ".Gizmo",
+				"component " + Capturer + ".Sprite",
+				"actor " + Level + ".Brush_0",
+				"component " + Level + ".Brush_0.BrushComponent0",
+			}));
+		EXPECT_EQ(Object(Capturer + ".NewSceneCaptureComponent2D").ClassName, "SceneCaptureComponent2D");
+		std::vector<std::string> EditorOnly;
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			if (Object.bEditorOnly)
+			{
+				EditorOnly.push_back(Object.Name);
+			}
+		}
+		// A component of an editor-only actor is editor-only with it.
+		EXPECT_EQ(EditorOnly, (std::vector<std::string>{"Sprite", "Brush_0", "BrushComponent0"}));
+	}
+
+	TEST_F(LevelReader, AnObjectOfABlueprintClassIsAComponentWhenTheClassPackagesShowAComponentSuper)
+	{
+		Write("BP/BP_Spinner.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Spinner", "BP_Spinner_C", "/Script/Engine.SceneComponent", false, {}));
+		Write("BP/BP_Fancy.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Fancy", "BP_Fancy_C", "/Game/BP/BP_Spinner.BP_Spinner_C", false, {}));
+		Write("BP/BP_Data.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Data", "BP_Data_C", "/Script/CoreUObject.Object", false, {}));
+		FTestMap Map;
+		Map.Actors = {Actor("Fan",
+			{{"Spinner", "/Game/BP/BP_Spinner.BP_Spinner_C"}, {"Fancy", "/Game/BP/BP_Fancy.BP_Fancy_C"},
+				{"Data", "/Game/BP/BP_Data.BP_Data_C"}, {"Lost", "/Game/BP/BP_Missing.BP_Missing_C"}})};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		Read();
+		// A class whose package is missing shows no component super: its object is left out, as BP_Data's is.
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{"other " + Level, "actor " + Level + ".Fan",
+				"component " + Level + ".Fan.Spinner", "component " + Level + ".Fan.Fancy"}));
+	}
+
+	TEST_F(LevelReader, ASubLevelNoStreamingLevelLoadsAtStartIsMarkedStreamedOnDemand)
+	{
+		FTestMap Map;
+		Map.SubLevels = {"/Game/Maps/Streamed", "/Game/Maps/Both"};
+		Map.LoadedSubLevels = {"/Game/Maps/Loaded", "/Game/Maps/Both"};
+		Write("Maps/Main.umap", WriteTestMap(Map));
+		for (const char* Name : {"Streamed", "Loaded", "Both"})
+		{
+			FTestMap Sub;
+			Sub.PackagePath = std::string("/Game/Maps/") + Name;
+			Sub.Actors = {Actor("Rock")};
+			Write(std::string("Maps/") + Name + ".umap", WriteTestMap(Sub));
+		}
+		Read();
+		std::vector<std::string> Levels;
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			if (Object.ClassName == "Level")
+			{
+				Levels.push_back(Object.Package + (Object.bStreamedOnDemand ? " on demand" : " at start"));
+			}
+		}
+		// A sub-level one streaming level loads at start is loaded at start, whatever another says.
+		EXPECT_EQ(Levels,
+			(std::vector<std::string>{"/Game/Maps/Main at start", "/Game/Maps/Streamed on demand",
+				"/Game/Maps/Both at start", "/Game/Maps/Loaded at start"}));
+	}
+
 	TEST_F(LevelReader, AStreamingLevelTheWorldListsTwiceIsReadOnce)
 	{
 		FTestMap Map;

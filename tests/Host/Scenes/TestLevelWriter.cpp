@@ -30,10 +30,22 @@ namespace
 	{
 		const std::int32_t Class = Actor.ClassIndex != 0 ? Actor.ClassIndex : ClassOf(Package, Actor.Class);
 		const std::int32_t Index = Package.Export(Class, Outer, Actor.Name);
+		if (Actor.bEditorOnly)
+		{
+			Package.SetEditorOnly(Index);
+		}
 		std::vector<std::int32_t> Components;
 		for (const FTestComponent& Component : Actor.Components)
 		{
 			Components.push_back(Package.Export(ClassOf(Package, Component.Class), Index, Component.Name));
+			if (Component.bDefaultSubObject)
+			{
+				Package.SetObjectFlags(Components.back(), 0x00040000);
+			}
+			if (Component.bEditorOnly)
+			{
+				Package.SetEditorOnly(Components.back());
+			}
 		}
 		FTestPackage::FData& Data = Package.GetData(Index);
 		if (Actor.FirstProperties)
@@ -86,6 +98,22 @@ namespace
 					"RelativeLocation", Actor.Location[0], Actor.Location[1], Actor.Location[2], !Actor.bFloatVectors);
 			}
 			ComponentData.Struct("RelativeScale3D", "Vector", 24);
+			std::vector<std::int32_t> Children;
+			for (const std::string& Name :
+				Component.Name == Actor.Root ? Actor.AttachChildren : std::vector<std::string>())
+			{
+				for (std::size_t Other = 0; Other < Actor.Components.size(); ++Other)
+				{
+					if (Actor.Components[Other].Name == Name)
+					{
+						Children.push_back(Components[Other]);
+					}
+				}
+			}
+			if (!Children.empty())
+			{
+				ComponentData.ObjectArray("AttachChildren", Children);
+			}
 			if (Component.AttachParent.empty())
 			{
 				continue;
@@ -114,6 +142,14 @@ std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 		const std::int32_t Sub = Package.Export(Package.ImportPath("/Script/Engine.LevelStreamingDynamic", "Class"),
 			World, "LevelStreamingDynamic_" + std::to_string(Index));
 		Package.GetData(Sub).SoftObject("WorldAsset", Map.SubLevels[Index] + "." + ShortName(Map.SubLevels[Index]));
+		Streaming.push_back(Sub);
+	}
+	for (std::size_t Index = 0; Index < Map.LoadedSubLevels.size(); ++Index)
+	{
+		const std::string& Path = Map.LoadedSubLevels[Index];
+		const std::int32_t Sub = Package.Export(Package.ImportPath("/Script/Engine.LevelStreamingDynamic", "Class"),
+			World, "LevelStreamingDynamic_" + std::to_string(Map.SubLevels.size() + Index));
+		Package.GetData(Sub).SoftObject("WorldAsset", Path + "." + ShortName(Path)).Bool("bInitiallyLoaded", true);
 		Streaming.push_back(Sub);
 	}
 	std::vector<std::int32_t> Exported;

@@ -575,7 +575,7 @@ std::string FTestPackage::Build()
 		}
 		ExportTable.Int32(Entry.Outer);
 		Name(ExportTable, Entry.Name);
-		ExportTable.UInt32(0); // object flags
+		ExportTable.UInt32(Entry.ObjectFlags);
 		if (FileVersionUE4 >= 511)
 		{
 			ExportTable.Int64(static_cast<std::int64_t>(Data[Index].Size()));
@@ -586,7 +586,10 @@ std::string FTestPackage::Build()
 			ExportTable.Int32(static_cast<std::int32_t>(Data[Index].Size()));
 			ExportTable.Int32(static_cast<std::int32_t>(Next));
 		}
-		ExportTable.Zeros(FlagsSize);
+		ExportTable.UInt32(0); // forced export
+		ExportTable.UInt32(Entry.bEditorOnly ? 1 : 0); // not for client
+		ExportTable.UInt32(Entry.bEditorOnly ? 1 : 0); // not for server
+		ExportTable.Zeros(FlagsSize - 12);
 		if (bDependencies)
 		{
 			ExportTable.Int32(-1); // first export dependency

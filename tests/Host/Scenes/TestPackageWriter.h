@@ -97,6 +97,13 @@ public:
 	/** An export; returns its index (positive). Data may be filled in later with GetData. */
 	std::int32_t Export(std::int32_t Class, std::int32_t Outer, const std::string& Name, std::int32_t Super = 0);
 	FData& GetData(std::int32_t Export) { return Exports[static_cast<std::size_t>(Export - 1)].Data; }
+	/** The export's saved object flags (`RF_DefaultSubObject` is 0x00040000). */
+	void SetObjectFlags(std::int32_t Export, std::uint32_t Flags)
+	{
+		Exports[static_cast<std::size_t>(Export - 1)].ObjectFlags = Flags;
+	}
+	/** Saves the export not-for-client and not-for-server, as the editor saves an editor-only object. */
+	void SetEditorOnly(std::int32_t Export) { Exports[static_cast<std::size_t>(Export - 1)].bEditorOnly = true; }
 
 	/** A struct tag's GUID, saved from UE4 441 on. */
 	void StructGuid(FTestBytes& Out) const { Out.Zeros(FileVersionUE4 >= 441 ? 16 : 0); }
@@ -135,6 +142,8 @@ private:
 		std::int32_t Class = 0, Super = 0, Outer = 0;
 		std::string Name;
 		FData Data;
+		std::uint32_t ObjectFlags = 0;
+		bool bEditorOnly = false;
 	};
 	std::int32_t NameIndex(const std::string& Base);
 	void WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t TotalHeader);
@@ -157,6 +166,10 @@ struct FTestComponent
 	std::string Name;
 	std::string Class;
 	std::string AttachParent;
+	/** Saved as a default subobject of the actor (RF_DefaultSubObject). */
+	bool bDefaultSubObject = false;
+	/** Saved not-for-client and not-for-server. */
+	bool bEditorOnly = false;
 };
 
 /** An actor of a test map. Class is a native class name, or a Blueprint class's object path (`/Game/BP/B.B_C`). */
@@ -185,6 +198,10 @@ struct FTestActor
 	double Location[3] = {0, 0, 0};
 	/** Whether vectors are saved as floats (a package saved before large world coordinates). */
 	bool bFloatVectors = false;
+	/** Saved not-for-client and not-for-server. */
+	bool bEditorOnly = false;
+	/** Component names the root component lists in AttachChildren. */
+	std::vector<std::string> AttachChildren;
 };
 
 /** A map package: a world, its persistent level and the level's Actors array, and streaming sub-levels. */
@@ -192,8 +209,11 @@ struct FTestMap
 {
 	std::string PackagePath = "/Game/Maps/Main";
 	std::vector<FTestActor> Actors;
-	/** Packages of streaming sub-levels (`/Game/Maps/Sub`). */
+	/** Packages of streaming sub-levels (`/Game/Maps/Sub`), each named by a LevelStreamingDynamic that saves no
+	 * bInitiallyLoaded (the game streams it in). */
 	std::vector<std::string> SubLevels;
+	/** Packages named after those by a LevelStreamingDynamic that saves bInitiallyLoaded true. */
+	std::vector<std::string> LoadedSubLevels;
 	/** Actors kept in packages of their own that the Actors array names (as imports), and a null entry. */
 	std::vector<std::string> ImportedActors;
 	bool bNullActor = false;

@@ -132,6 +132,14 @@ namespace
 			{
 				Entry["location"] = {Object.Location[0], Object.Location[1], Object.Location[2]};
 			}
+			if (Object.bEditorOnly)
+			{
+				Entry["editorOnly"] = true;
+			}
+			if (Object.bStreamedOnDemand)
+			{
+				Entry["streamedOnDemand"] = true;
+			}
 			Objects.push_back(std::move(Entry));
 		}
 		nlohmann::ordered_json Root;

@@ -189,7 +189,7 @@ void LintApiString(const FLodexLintTarget& Target, const std::string& FileName, 
 						   {
 							   const std::string Rule = Finding.Rule;
 							   return Rule == LodexLintRules::NoMatch || Rule == LodexLintRules::Ambiguous ||
-								   Rule == LodexLintRules::NotInLevel;
+								   Rule == LodexLintRules::NotInLevel || Rule == LodexLintRules::EditorLabel;
 						   }),
 			Findings.end());
 		Findings.insert(Findings.begin(), std::move(Changed));

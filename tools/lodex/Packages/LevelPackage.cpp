@@ -133,6 +133,85 @@ namespace
 		return Class != 0 && ChainDepth(Package, Class, 2) == 2 ? Package.ObjectPath(Class) : std::string();
 	}
 
+	/** What neither a game client nor a server loads (FObjectExport's bNotForClient and bNotForServer). */
+	bool IsEditorOnlyExport(const FPackageExport& Export)
+	{
+		return Export.bNotForClient && Export.bNotForServer;
+	}
+
+	/** How many classes up from an object's class its super classes are followed within the package. */
+	constexpr std::size_t SuperDepthLimit = 16;
+
+	/**
+	 * Whether an object the actor holds, and no list of the actor names, is a component: a default subobject (made
+	 * by the actor's constructor: `NewSceneCaptureComponent2D` of a SceneCapture2D), or of a class that is
+	 * `ActorComponent` or is named as components are (`...Component`, `...Component_C`), or derives from one as the
+	 * package shows (a Blueprint class it holds, up its supers to the first class it imports).
+	 */
+	bool IsComponentObject(const FUnrealPackage& Package, std::int32_t Object)
+	{
+		const FPackageExport& Export = Package.GetExports()[static_cast<std::size_t>(Object - 1)];
+		if ((Export.ObjectFlags & UnrealPackageVersions::ObjectFlagDefaultSubObject) != 0)
+		{
+			return true;
+		}
+		std::int32_t Class = Export.ClassIndex;
+		for (std::size_t Depth = 0; Class != 0 && Depth < SuperDepthLimit; ++Depth)
+		{
+			const std::string Name = Package.ObjectName(Class);
+			if (Name == "ActorComponent" || EndsWith(Name, "Component") || EndsWith(Name, "Component_C"))
+			{
+				return true;
+			}
+			Class = IsExport(Class) ? Package.GetExports()[static_cast<std::size_t>(Class - 1)].SuperIndex : 0;
+		}
+		return false;
+	}
+
+	/**
+	 * The object path of the object's class when it is a Blueprint class another package holds (an import at the top
+	 * of a package outside `/Script/`), whose supers only that package shows; empty otherwise.
+	 */
+	std::string BlueprintClassOfAnotherPackage(const FUnrealPackage& Package, std::int32_t Object)
+	{
+		const std::int32_t Class = Package.GetExports()[static_cast<std::size_t>(Object - 1)].ClassIndex;
+		if (Class >= 0)
+		{
+			return std::string();
+		}
+		const std::string Path = ClassPathOf(Package, Class);
+		return Path.rfind("/Script/", 0) == 0 ? std::string() : Path;
+	}
+
+	/** Adds to Out the components the actor's root lists as attached to it (`AttachChildren`) that the actor holds. */
+	bool ReadAttachChildren(const FUnrealPackage& Package, std::int32_t Actor, std::int32_t Root,
+		std::vector<std::int32_t>& Out, FPackageError& OutError)
+	{
+		if (!IsExport(Root) || Package.OuterOf(Root) != Actor)
+		{
+			return true;
+		}
+		FObjectProperties Properties;
+		if (!ReadObjectProperties(Package, Root, Properties, OutError))
+		{
+			return false;
+		}
+		const FTaggedProperty* Children = Properties.Find(Package, "AttachChildren");
+		std::vector<std::int32_t> List;
+		if (Children != nullptr && !PropertyValues::ReadObjectArray(Package, *Children, List, OutError))
+		{
+			return false;
+		}
+		for (const std::int32_t Child : List)
+		{
+			if (IsExport(Child) && Package.OuterOf(Child) == Actor)
+			{
+				Out.push_back(Child);
+			}
+		}
+		return true;
+	}
+
 	/** Reads one actor's saved data, and its components'. */
 	bool ReadActor(const FUnrealPackage& Package, const FExportChildren& Children, std::int32_t ActorIndex,
 		FLevelActor& Out, FPackageError& OutError)
@@ -143,6 +222,7 @@ namespace
 		Out.Name = Package.ObjectName(ActorIndex);
 		Out.ClassName = Package.ClassNameOf(ActorIndex);
 		Out.ClassPath = ClassPathOf(Package, Export.ClassIndex);
+		Out.bEditorOnly = IsEditorOnlyExport(Export);
 		if (!CheckOneLine(Out.Name, Export.NameOffset, "the name of actor '" + Out.Name + "'", OutError) ||
 			!CheckObjectName(Out.Name, Export.NameOffset, "the name of actor '" + Out.Name + "'", OutError) ||
 			!CheckOneLine(Out.ClassName, Export.Offset, "the class of actor '" + Out.Name + "'", OutError))
@@ -206,6 +286,10 @@ namespace
 			Listed.insert(Listed.end(), List.begin(), List.end());
 		}
 		Listed.push_back(RootComponent);
+		if (!ReadAttachChildren(Package, ActorIndex, RootComponent, Listed, OutError))
+		{
+			return false;
+		}
 		std::sort(Listed.begin(), Listed.end()); // looked up once per object the actor holds
 
 		// The components: the objects the actor holds that are components, by their class or by the actor's lists.
@@ -219,7 +303,10 @@ namespace
 			{
 				const std::string ClassName = Package.ClassNameOf(Child);
 				const bool bListed = std::binary_search(Listed.begin(), Listed.end(), Child);
-				if (bFailed || (!bListed && !EndsWith(ClassName, "Component") && !EndsWith(ClassName, "Component_C")))
+				const std::string ClassToCheck = bListed || IsComponentObject(Package, Child)
+					? std::string()
+					: BlueprintClassOfAnotherPackage(Package, Child);
+				if (bFailed || (!bListed && !IsComponentObject(Package, Child) && ClassToCheck.empty()))
 				{
 					return;
 				}
@@ -228,6 +315,8 @@ namespace
 				Component.Path = Out.Path + "." + Component.Name;
 				Component.ClassName = ClassName;
 				const FPackageExport& ChildExport = Package.GetExports()[static_cast<std::size_t>(Child - 1)];
+				Component.bEditorOnly = Out.bEditorOnly || IsEditorOnlyExport(ChildExport);
+				Component.ClassToCheck = ClassToCheck;
 				FObjectProperties ComponentProperties;
 				if (!CheckOneLine(Component.Name, ChildExport.NameOffset,
 						"the name of component '" + Component.Name + "'", OutError) ||
@@ -435,6 +524,21 @@ namespace
 	}
 
 	/**
+	 * Whether a streaming level leaves its sub-level unloaded at start: a `LevelStreamingDynamic` loads it at start
+	 * only when it saves `bInitiallyLoaded` true (ULevelStreamingDynamic::PostLoad; the flag defaults to false).
+	 * Other streaming classes (`LevelStreamingAlwaysLoaded`, a project's own) are taken as loading it.
+	 */
+	bool IsLoadedOnDemand(const FUnrealPackage& Package, std::int32_t Level, const FObjectProperties& Properties)
+	{
+		if (Package.ClassNameOf(Level) != "LevelStreamingDynamic")
+		{
+			return false;
+		}
+		const FTaggedProperty* Loaded = Properties.Find(Package, "bInitiallyLoaded");
+		return Loaded == nullptr || !Package.NameIs(Loaded->Type, "BoolProperty") || !Loaded->bBoolValue;
+	}
+
+	/**
 	 * The world's own data: its persistent level, the extra referenced objects, then the streaming levels; each
 	 * streaming level's `WorldAsset` names a sub-level's package.
 	 */
@@ -473,6 +577,8 @@ namespace
 			return false;
 		}
 		std::vector<bool> bRead(Package.GetExports().size() + 1, false);
+		std::vector<std::string> OnDemand;
+		std::vector<std::string> AtStart;
 		for (const std::int32_t Level : Streaming)
 		{
 			FObjectProperties Properties;
@@ -500,6 +606,18 @@ namespace
 			if (Path != "None" && !Path.empty())
 			{
 				Out.StreamingLevelPackages.push_back(Dot == std::string::npos ? Path : Path.substr(0, Dot));
+				(IsLoadedOnDemand(Package, Level, Properties) ? OnDemand : AtStart)
+					.push_back(Out.StreamingLevelPackages.back());
+			}
+		}
+		// A sub-level another streaming level loads at start is loaded at start.
+		for (const std::string& Path : OnDemand)
+		{
+			if (std::find(AtStart.begin(), AtStart.end(), Path) == AtStart.end() &&
+				std::find(Out.OnDemandLevelPackages.begin(), Out.OnDemandLevelPackages.end(), Path) ==
+					Out.OnDemandLevelPackages.end())
+			{
+				Out.OnDemandLevelPackages.push_back(Path);
 			}
 		}
 		return true;

@@ -16,6 +16,14 @@ struct FLevelComponent
 	std::string Path;
 	std::string Name;
 	std::string ClassName;
+	/** Flagged not-for-client and not-for-server (or its actor is): only the editor loads it. */
+	bool bEditorOnly = false;
+	/**
+	 * For an object only its class can make a component, a Blueprint class of another package
+	 * (`/Game/BP/BP_Spinner.BP_Spinner_C`): that class's path, for the reader of the level to follow its supers.
+	 * Empty when the package alone shows it is a component; an object left with a path is no component.
+	 */
+	std::string ClassToCheck;
 };
 
 /** An actor read from a package: what the level saves of it. */
@@ -44,6 +52,8 @@ struct FLevelActor
 	/** The root component's saved `RelativeLocation`; (0, 0, 0) when it saves none, unknown without a root. */
 	bool bHasLocation = false;
 	double Location[3] = {0, 0, 0};
+	/** Flagged not-for-client and not-for-server: only the editor loads it (a BSP brush, an editor helper). */
+	bool bEditorOnly = false;
 };
 
 /** What a map package holds: a level, or a redirector to one. */
@@ -55,6 +65,11 @@ struct FLevelPackageContents
 	std::vector<FLevelActor> Actors;
 	/** The packages the world's streaming levels name (`/Game/Maps/Sub`), in order. */
 	std::vector<std::string> StreamingLevelPackages;
+	/**
+	 * Those of StreamingLevelPackages that no streaming level loads at start: each is named only by a
+	 * `LevelStreamingDynamic` that does not save `bInitiallyLoaded` true, and is loaded when the game streams it in.
+	 */
+	std::vector<std::string> OnDemandLevelPackages;
 	/** For a redirector: the object path it leads to (`/Game/Maps/Main.Main`). */
 	std::string RedirectTarget;
 };

@@ -199,12 +199,11 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 		Export.Offset = Table.Tell();
 		Export.NameOffset = Export.Offset + 12 + TemplateField;
 		std::int32_t TemplateIndex = 0;
-		std::uint32_t ObjectFlags = 0;
 		std::int64_t SerialSize = 0;
 		std::int64_t SerialOffset = 0;
 		if (!Table.ReadInt32(Export.ClassIndex) || !Table.ReadInt32(Export.SuperIndex) ||
 			(bTemplate && !Table.ReadInt32(TemplateIndex)) || !Table.ReadInt32(Export.OuterIndex) ||
-			!ReadName(Table, Export.ObjectName, "an export's name") || !Table.ReadUInt32(ObjectFlags))
+			!ReadName(Table, Export.ObjectName, "an export's name") || !Table.ReadUInt32(Export.ObjectFlags))
 		{
 			return KeepFailure(Cursor, Table);
 		}
@@ -223,7 +222,12 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 			SerialSize = NarrowSize;
 			SerialOffset = NarrowOffset;
 		}
-		if (!Table.Skip(FlagsSize))
+		// bForcedExport, bNotForClient, bNotForServer (each a 32-bit bool), then the rest of the flags.
+		std::uint32_t ForcedExport = 0;
+		std::uint32_t NotForClient = 0;
+		std::uint32_t NotForServer = 0;
+		if (!Table.ReadUInt32(ForcedExport) || !Table.ReadUInt32(NotForClient) || !Table.ReadUInt32(NotForServer) ||
+			!Table.Skip(FlagsSize - 12))
 		{
 			return KeepFailure(Cursor, Table);
 		}
@@ -238,6 +242,8 @@ bool FUnrealPackage::ReadExports(FPackageCursor& Cursor)
 		}
 		Export.SerialOffset = static_cast<std::size_t>(SerialOffset);
 		Export.SerialSize = static_cast<std::size_t>(SerialSize);
+		Export.bNotForClient = NotForClient != 0;
+		Export.bNotForServer = NotForServer != 0;
 	}
 	if (!CheckExportDataApart(Cursor, Table.Tell()))
 	{

@@ -62,6 +62,9 @@ namespace UnrealPackageVersions
 	constexpr std::uint32_t PackageFlagUnversionedProperties = 0x00002000;
 	constexpr std::uint32_t PackageFlagFilterEditorOnly = 0x80000000;
 
+	/** An object flag: the object is a default subobject, made by its outer's constructor (a component). */
+	constexpr std::uint32_t ObjectFlagDefaultSubObject = 0x00040000;
+
 	/** Which versions Lodex reads: those Unreal Engine 5.0 loads, from UE4 214 (legacy version -7 or older) on. */
 	const char* Describe();
 }
@@ -95,6 +98,11 @@ struct FPackageExport
 	std::size_t NameOffset = 0;
 	std::size_t SerialOffset = 0;
 	std::size_t SerialSize = 0;
+	/** The object's saved flags (`RF_Load` of them: `RF_DefaultSubObject`, `RF_ClassDefaultObject`, ...). */
+	std::uint32_t ObjectFlags = 0;
+	/** Whether neither a game client nor a server loads the object: only the editor has it. */
+	bool bNotForClient = false;
+	bool bNotForServer = false;
 };
 
 /** What the summary at the start of a package says, as far as Lodex uses it. */

@@ -70,6 +70,10 @@ namespace
 		void NoteGrouped(const std::string& Summary, const std::string& Line);
 		/** The grouped notes: each on its own line, or one line per kind when many and not verbose. */
 		void FlushGroupedNotes();
+		void MarkLevelsStreamedOnDemand(std::vector<FLoadedLevel>& Levels) const;
+		/** Drops the objects whose class derives from no component class; an unreadable class is a note. */
+		void KeepComponentsOfComponentClasses(FLoadedLevel& Level);
+		bool IsComponentClass(const std::string& ClassPath, bool& bOutComponent, std::string& OutError);
 
 		const FLevelReadOptions& Options;
 		FLevelScene& Out;
@@ -77,6 +81,11 @@ namespace
 		std::set<std::string> ReadLevels;
 		std::map<std::string, std::unique_ptr<FReadPackage>> ClassPackages;
 		std::set<std::string> MissingClasses;
+		/** The sub-levels a level names as streamed in at play time, and those one names as loaded at start. */
+		std::set<std::string> OnDemandLevels;
+		std::set<std::string> StartLevels;
+		/** Whether each Blueprint class an object of an actor has derives from a component class. */
+		std::map<std::string, bool> ComponentClasses;
 		/** Each Blueprint class's defaults, read once however many actors have the class. */
 		std::map<std::string, FClassDefaults> ClassDefaults;
 		/** Blueprint class packages that could not be read, and why. */
@@ -238,6 +247,7 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		Level.Actors.push_back(FLoadedActor{std::move(Actor), 0});
 	}
 	LoadExternalActors(Level);
+	KeepComponentsOfComponentClasses(Level);
 	for (FLoadedActor& Loaded : Level.Actors)
 	{
 		std::string ClassError;
@@ -245,6 +255,12 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		{
 			NoteUnreadable("Blueprint class", ClassError);
 		}
+	}
+	for (const std::string& Sub : Contents.StreamingLevelPackages)
+	{
+		const bool bOnDemand = std::find(Contents.OnDemandLevelPackages.begin(), Contents.OnDemandLevelPackages.end(),
+								   Sub) != Contents.OnDemandLevelPackages.end();
+		(bOnDemand ? OnDemandLevels : StartLevels).insert(Sub);
 	}
 	OutStreaming = std::move(Contents.StreamingLevelPackages);
 	Levels.push_back(std::move(Level));
@@ -404,6 +420,96 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 	return true;
 }
 
+bool FLevelLoader::IsComponentClass(const std::string& ClassPath, bool& bOutComponent, std::string& OutError)
+{
+	const auto Known = ComponentClasses.find(ClassPath);
+	if (Known != ComponentClasses.end())
+	{
+		bOutComponent = Known->second;
+		return true;
+	}
+	// Up the supers, as far as the class packages under Content show them, to a class named as components are.
+	bOutComponent = false;
+	std::string Path = ClassPath;
+	std::set<std::string> Seen;
+	for (std::size_t Depth = 0; Depth < ClassDepthLimit && Seen.insert(Path).second; ++Depth)
+	{
+		const std::size_t Dot = Path.find('.');
+		const std::string Name = Dot == std::string::npos ? Path : Path.substr(Dot + 1);
+		const auto EndsIn = [&Name](const std::string& Tail)
+		{
+			return Name.size() >= Tail.size() && Name.compare(Name.size() - Tail.size(), Tail.size(), Tail) == 0;
+		};
+		if (Name == "ActorComponent" || EndsIn("Component") || EndsIn("Component_C"))
+		{
+			bOutComponent = true;
+			break;
+		}
+		if (Dot == std::string::npos || !IsGamePackage(Path))
+		{
+			break;
+		}
+		bool bFailed = false;
+		const FReadPackage* Class = FindClassPackage(Path.substr(0, Dot), OutError, bFailed);
+		if (bFailed)
+		{
+			return false;
+		}
+		FPackageError Error;
+		bool bHasTags = false;
+		FSharedTags Tags;
+		std::string Super;
+		if (Class == nullptr || !ReadClassDefaults(Class->Package, Name, bHasTags, Tags, Super, Error))
+		{
+			if (Class != nullptr)
+			{
+				OutError = Error.Describe(Class->File);
+				return false;
+			}
+			break;
+		}
+		Path = Super;
+	}
+	ComponentClasses.emplace(ClassPath, bOutComponent);
+	return true;
+}
+
+void FLevelLoader::KeepComponentsOfComponentClasses(FLoadedLevel& Level)
+{
+	for (FLoadedActor& Loaded : Level.Actors)
+	{
+		std::vector<FLevelComponent>& Components = Loaded.Actor.Components;
+		for (FLevelComponent& Component : Components)
+		{
+			bool bComponent = false;
+			std::string ClassError;
+			if (!Component.ClassToCheck.empty() && !IsComponentClass(Component.ClassToCheck, bComponent, ClassError))
+			{
+				NoteUnreadable("Blueprint class", ClassError);
+				bComponent = false;
+			}
+			if (bComponent)
+			{
+				Component.ClassToCheck.clear();
+			}
+		}
+		// What is left to check is no component: its class derives from none, as far as its packages show.
+		Components.erase(std::remove_if(Components.begin(), Components.end(),
+							 [](const FLevelComponent& Component) { return !Component.ClassToCheck.empty(); }),
+			Components.end());
+	}
+}
+
+void FLevelLoader::MarkLevelsStreamedOnDemand(std::vector<FLoadedLevel>& Levels) const
+{
+	// A sub-level any level names as loaded at start is loaded at start; the map itself always is.
+	for (std::size_t Index = 1; Index < Levels.size(); ++Index)
+	{
+		Levels[Index].bStreamedOnDemand =
+			OnDemandLevels.count(Levels[Index].PackagePath) != 0 && StartLevels.count(Levels[Index].PackagePath) == 0;
+	}
+}
+
 bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 {
 	std::string PackagePath;
@@ -456,6 +562,7 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 		++Out.SubLevelCount;
 		Pending.insert(Pending.end(), More.begin(), More.end());
 	}
+	MarkLevelsStreamedOnDemand(Levels);
 	FlushGroupedNotes();
 	return BuildLevelScene(std::move(Levels), Out, OutError);
 }

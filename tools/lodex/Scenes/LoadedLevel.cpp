@@ -71,6 +71,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 		LevelObject.Name = "PersistentLevel";
 		LevelObject.ClassName = "Level";
 		LevelObject.Package = Level.PackagePath;
+		LevelObject.bStreamedOnDemand = Level.bStreamedOnDemand;
 		const std::size_t LevelIndex = Add(std::move(LevelObject), FSceneObjectLinks::NoObject);
 		ActorByPath.reserve(ActorByPath.size() + Level.Actors.size());
 		for (FLoadedActor& Loaded : Level.Actors)
@@ -88,6 +89,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 			Object.Package = Source.Package;
 			Object.Guid = std::move(Actor.Guid);
 			Object.bHasLocation = Actor.bHasLocation;
+			Object.bEditorOnly = Actor.bEditorOnly;
 			std::copy(std::begin(Actor.Location), std::end(Actor.Location), std::begin(Object.Location));
 			const std::size_t ActorIndex = Add(std::move(Object), LevelIndex);
 			SourceOf[ActorIndex] = &Source;
@@ -105,12 +107,17 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 			}
 			for (FLevelComponent& Component : Actor.Components)
 			{
+				if (!Component.ClassToCheck.empty())
+				{
+					continue; // a class no package here shows to be a component's
+				}
 				FSceneObject Child;
 				Child.Id = std::move(Component.Path);
 				Child.Kind = "component";
 				Child.Name = std::move(Component.Name);
 				Child.ClassName = std::move(Component.ClassName);
 				Child.Package = Source.Package;
+				Child.bEditorOnly = Component.bEditorOnly;
 				Add(std::move(Child), ActorIndex);
 			}
 		}

@@ -34,6 +34,8 @@ struct FLoadedLevel
 	std::vector<FLoadedActor> Actors;
 	/** The map (first), then each external actor package. */
 	std::vector<FActorSource> Sources;
+	/** Whether the game loads the level only when it streams it in. */
+	bool bStreamedOnDemand = false;
 };
 
 /**

@@ -132,7 +132,23 @@ bool FSceneSnapshot::ReadObjects(
 			}
 			Object.Origin = PlacedIt->get<bool>() ? LodexSceneOrigin::Placed : LodexSceneOrigin::Spawned;
 		}
-		if (!ReadString("guid", Object.Guid, false))
+		auto ReadFlag = [&](const char* Field, bool& bOutValue)
+		{
+			const auto It = Entry.find(Field);
+			if (It == Entry.end() || It->is_null())
+			{
+				return true;
+			}
+			if (!It->is_boolean())
+			{
+				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field + "' must be true or false, found " +
+					JsonTypeName(*It));
+			}
+			bOutValue = It->get<bool>();
+			return true;
+		};
+		if (!ReadString("guid", Object.Guid, false) || !ReadFlag("editorOnly", Object.bEditorOnly) ||
+			!ReadFlag("streamedOnDemand", Object.bStreamedOnDemand))
 		{
 			return false;
 		}
@@ -428,6 +444,49 @@ FLodexObject FSceneSnapshot::GetRootWidget(FLodexObject Object) const
 std::string FSceneSnapshot::GetActorGuid(FLodexObject Object) const
 {
 	return Resolve(Object).Guid;
+}
+
+bool FSceneSnapshot::IsEditorOnly(FLodexObject Object) const
+{
+	return Resolve(Object).bEditorOnly;
+}
+
+std::string FSceneSnapshot::GetEditorLabel(FLodexObject Object) const
+{
+	return Resolve(Object).Label;
+}
+
+namespace
+{
+	/** The level an object lies in: the outermost object, when it is a level; null otherwise. */
+	const FSceneObject* SnapshotLevelOf(const FSceneObject& Object, std::size_t ObjectCount)
+	{
+		const FSceneObject* Top = &Object;
+		for (std::size_t Step = 0; Top->Outer != nullptr && Step <= ObjectCount; ++Step)
+		{
+			Top = Top->Outer;
+		}
+		const bool bLevel = Top->Outer == nullptr &&
+			(Top->ClassName == "Level" || (Top->Kind == "other" && Top->Name == "PersistentLevel"));
+		return bLevel ? Top : nullptr;
+	}
+}
+
+std::string FSceneSnapshot::GetLevelName(FLodexObject Object) const
+{
+	const FSceneObject* Level = SnapshotLevelOf(Resolve(Object), Objects.size());
+	if (Level == nullptr)
+	{
+		return std::string();
+	}
+	// The level's package: as read, or from its object path (`/Game/Maps/Sub.Sub:PersistentLevel`).
+	return !Level->Package.empty() ? Level->Package : Level->Id.substr(0, Level->Id.find_first_of(".:"));
+}
+
+bool FSceneSnapshot::IsInLevelStreamedOnDemand(FLodexObject Object) const
+{
+	const FSceneObject* Level = SnapshotLevelOf(Resolve(Object), Objects.size());
+	return Level != nullptr && Level->bStreamedOnDemand;
 }
 
 ELodexPlacement FSceneSnapshot::GetPlacement(FLodexObject Object) const

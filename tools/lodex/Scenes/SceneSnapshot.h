@@ -52,6 +52,10 @@ struct FSceneObject
 	/** The actor's location (its root component's relative location); bHasLocation false when unknown. */
 	bool bHasLocation = false;
 	double Location[3] = {0, 0, 0};
+	/** Only the editor has the object (saved not-for-client and not-for-server): the game does not. */
+	bool bEditorOnly = false;
+	/** For a level: the game loads it only when it streams it in (a dynamic streaming level not loaded at start). */
+	bool bStreamedOnDemand = false;
 };
 
 /** The references of one object built in code, by index into the same list; NoObject for none. */
@@ -122,6 +126,10 @@ public:
 	bool GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const override;
 	ELodexPlacement GetPlacement(FLodexObject Object) const override;
 	std::string GetActorGuid(FLodexObject Object) const override;
+	bool IsEditorOnly(FLodexObject Object) const override;
+	std::string GetEditorLabel(FLodexObject Object) const override;
+	std::string GetLevelName(FLodexObject Object) const override;
+	bool IsInLevelStreamedOnDemand(FLodexObject Object) const override;
 	//~ End ILodexObjectGraph Interface
 
 private:

@@ -16,7 +16,9 @@ namespace
 			"it matches no object of the scene"},
 		{LodexLintRules::Ambiguous, RuleTableError, "The Lodestring matches several objects where the call acts on one",
 			"it matches more than one object where the call acts on one; a `note:` line for each of the first five "
-			"matches gives the Lodestring that finds that match alone"},
+			"matches gives the Lodestring that finds that match alone, and, when the matches lie in more than one "
+			"level "
+			"(a map and its sub-levels), the level it is in"},
 		{LodexLintRules::GeneratedSuffix, RuleTableWarning,
 			"A name it tests ends in an instance number that can change from one run to the next",
 			"a name it tests (a bare name, `@name = '...'`, `fn:component('...')`) ends in an instance number the "
@@ -49,6 +51,19 @@ namespace
 			"with `--baseline`: the Lodestring found exactly one object on the level before and finds none or several "
 			"now; the message says which change broke it (a rename, a re-attachment, a tag removed, an object added or "
 			"removed), and `--fix` repairs it when its object is still in the level"},
+		{LodexLintRules::EditorOnly, RuleTableWarning, "The Lodestring finds only objects the game does not have",
+			"every object it finds is editor-only: saved not-for-client and not-for-server (a sprite or arrow "
+			"component, a BSP brush; a level read by `lodex`, or objects a snapshot marks `\"editorOnly\": true`), so "
+			"the game never loads it"},
+		{LodexLintRules::EditorLabel, RuleTableWarning, "The Lodestring names an actor by its editor label",
+			"on a scene read from a level's files, in place of `not-in-level`: it matches no object, and a name it "
+			"tests is the editor label (`ActorLabel`) of an actor, which the game does not know; it suggests that "
+			"actor's best Lodestring"},
+		{LodexLintRules::StreamedLevel, RuleTableNote,
+			"The Lodestring finds objects only in a level streamed in at play time",
+			"every object it finds lies in a sub-level that the game loads only when it streams it in (a "
+			"`LevelStreamingDynamic` that does not save `bInitiallyLoaded`, or a level a snapshot marks "
+			"`\"streamedOnDemand\": true`): it finds them only once that level is streamed in"},
 	};
 }
 

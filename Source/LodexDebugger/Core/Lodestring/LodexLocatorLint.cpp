@@ -124,6 +124,140 @@ namespace
 		}
 	}
 
+	/** The names the locator's node steps and name comparisons test, with where they stand. */
+	std::vector<std::pair<std::string, FLodexSpan>> LintTestedNames(const std::vector<const FLodexStepOp*>& Steps)
+	{
+		std::vector<std::pair<std::string, FLodexSpan>> Names;
+		for (const FLodexStepOp* Step : Steps)
+		{
+			if (Step->Kind == ELodexStepKind::Node && !Step->bAnyName)
+			{
+				const std::uint32_t NameBegin = Step->TestSpan.Begin + (Step->Axis == ELodexAxis::Descendant ? 2 : 1);
+				Names.emplace_back(Step->Name, FLodexSpan{NameBegin, Step->TestSpan.End});
+			}
+			if (Step->Predicate == nullptr)
+			{
+				continue;
+			}
+			for (const FLodexPredicateEdge& Edge : Step->Predicate->Edges)
+			{
+				if (Edge.bStandard && Edge.Kind == ELodexPredicateEdgeKind::Comparison &&
+					Edge.Attribute == ELodexAttribute::Name)
+				{
+					Names.emplace_back(Edge.Value, Edge.Span);
+				}
+			}
+		}
+		return Names;
+	}
+
+	/**
+	 * For a locator that matches nothing: the first name it tests that is no object's name but is the editor label
+	 * of exactly one object. Returns whether one was found, with its finding (the label named, the object's name
+	 * given, its best locator suggested).
+	 */
+	bool FindEditorLabelFinding(const FLodexSceneIndex& Index, const FLodexBestLocatorFinder& Finder,
+		const std::vector<const FLodexStepOp*>& Steps, FLodexLintFinding& Out)
+	{
+		const ILodexObjectGraph& Graph = Index.GetGraph();
+		for (const auto& Tested : LintTestedNames(Steps))
+		{
+			if (Tested.first.empty() || Index.FindNameId(Tested.first) != FLodexSceneIndex::None)
+			{
+				continue;
+			}
+			std::uint32_t Labelled = FLodexSceneIndex::None;
+			std::size_t Count = 0;
+			for (std::uint32_t Object = 0; Object < Index.Num(); ++Object)
+			{
+				if (Index.IsNode(Object) && Graph.GetEditorLabel(Index.GetObject(Object)) == Tested.first)
+				{
+					Labelled = Object;
+					++Count;
+				}
+			}
+			if (Count != 1)
+			{
+				continue;
+			}
+			Out = MakeLintFinding(LodexLintRules::EditorLabel,
+				"'" + ShowLodestringOnOneLine(Tested.first) + "' is the editor label of " +
+					ShowLodestringOnOneLine(Graph.GetName(Index.GetObject(Labelled))) +
+					"; the game knows it by its name",
+				Tested.second);
+			const FLodexBestLocator Best = Finder.Find(Labelled);
+			if (Best.MatchCount == 1)
+			{
+				Out.Suggestion = Best.Lodestring;
+			}
+			return true;
+		}
+		return false;
+	}
+
+	/** The level a match lies in, for the notes of an ambiguous locator: " (in /Game/Maps/Sub)", or nothing. */
+	std::string DescribeLintMatchLevel(const FLodexSceneIndex& Index, std::uint32_t Object)
+	{
+		const std::string Level = Index.GetGraph().GetLevelName(Index.GetObject(Object));
+		return Level.empty() ? std::string() : " (in " + ShowLodestringOnOneLine(Level) + ")";
+	}
+
+	/** Whether the matches lie in more than one level (a map and its sub-levels). */
+	bool LintMatchesSpanLevels(const FLodexSceneIndex& Index, const FLodexEvaluation& Evaluation)
+	{
+		const ILodexObjectGraph& Graph = Index.GetGraph();
+		const std::string First = Graph.GetLevelName(Index.GetObject(Evaluation.Matches.front().Object));
+		return std::any_of(Evaluation.Matches.begin(), Evaluation.Matches.end(),
+			[&](const FLodexMatch& Match) { return Graph.GetLevelName(Index.GetObject(Match.Object)) != First; });
+	}
+
+	/** Whether every match satisfies Test (false when there is none). */
+	template<typename TTest>
+	bool LintAllMatchesAre(const FLodexSceneIndex& Index, const FLodexEvaluation& Evaluation, TTest&& Test)
+	{
+		return !Evaluation.Matches.empty() &&
+			std::all_of(Evaluation.Matches.begin(), Evaluation.Matches.end(),
+				[&](const FLodexMatch& Match) { return Test(Index.GetObject(Match.Object)); });
+	}
+
+	/** The findings about what the game has: only editor-only objects, or objects only in a streamed-in level. */
+	void CheckWhatTheGameHas(const FLodexSceneIndex& Index, const std::string& Shown,
+		const FLodexEvaluation& Evaluation, FLodexSpan Span, std::vector<FLodexLintFinding>& Out)
+	{
+		const ILodexObjectGraph& Graph = Index.GetGraph();
+		if (LintAllMatchesAre(Index, Evaluation, [&Graph](FLodexObject Object) { return Graph.IsEditorOnly(Object); }))
+		{
+			Out.push_back(MakeLintFinding(LodexLintRules::EditorOnly,
+				Shown +
+					" finds only editor-only objects (saved not-for-client and not-for-server): the game does "
+					"not have them",
+				Span));
+		}
+		if (LintAllMatchesAre(
+				Index, Evaluation, [&Graph](FLodexObject Object) { return Graph.IsInLevelStreamedOnDemand(Object); }))
+		{
+			std::vector<std::string> Levels;
+			for (const FLodexMatch& Match : Evaluation.Matches)
+			{
+				const std::string Level = Graph.GetLevelName(Index.GetObject(Match.Object));
+				if (std::find(Levels.begin(), Levels.end(), Level) == Levels.end())
+				{
+					Levels.push_back(Level);
+				}
+			}
+			std::string Names;
+			for (const std::string& Level : Levels)
+			{
+				Names += (Names.empty() ? "" : ", ") + ShowLodestringOnOneLine(Level);
+			}
+			Out.push_back(MakeLintFinding(LodexLintRules::StreamedLevel,
+				Shown + " finds objects only in " + Names + ", which the game loads only when it streams " +
+					(Levels.size() == 1 ? "it" : "them") + " in: it depends on " +
+					(Levels.size() == 1 ? "that level" : "those levels") + " being streamed in",
+				Span));
+		}
+	}
+
 	void CheckDepth(
 		const std::vector<const FLodexStepOp*>& Steps, std::size_t MaxDepth, std::vector<FLodexLintFinding>& Out)
 	{
@@ -206,7 +340,15 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	}
 	const std::size_t Count = Evaluation.Matches.size();
 	Result.MatchCount = Count;
-	if (Count == 0)
+	const std::vector<const FLodexStepOp*> Steps = StandardSteps(Program);
+	FLodexLintFinding Label;
+	if (Count == 0 && Options.bSceneHoldsOnlyPlaced && !Program.HasStandardError() &&
+		FindEditorLabelFinding(Index, Finder, Steps, Label))
+	{
+		// A label is no name the game knows: the locator finds nothing in the game, spawned objects aside.
+		Result.Findings.push_back(std::move(Label));
+	}
+	else if (Count == 0)
 	{
 		// A level's files hold only what it saves: what the locator names may be spawned at play time.
 		Result.Findings.push_back(Options.bSceneHoldsOnlyPlaced
@@ -220,23 +362,26 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 	{
 		FLodexLintFinding Finding = MakeLintFinding(
 			LodexLintRules::Ambiguous, Shown + " " + DescribeLodexMatchCount(Count), WholeSpan(Lodestring));
+		const bool bNameLevels = LintMatchesSpanLevels(Index, Evaluation);
 		for (std::size_t Item = 0; Item < Count && Item < MaxListedMatches; ++Item)
 		{
 			const FLodexBestLocator Best = BestOfMatch(Finder, Program, Evaluation.Matches[Item]);
 			Finding.Notes.push_back("match " + std::to_string(Item + 1) + " of " + std::to_string(Count) + ": " +
 				ShowLodestringOnOneLine(Best.Lodestring) +
-				(Best.MatchCount == 1 ? std::string() : " (" + DescribeLodexMatchCount(Best.MatchCount) + ")"));
+				(Best.MatchCount == 1 ? std::string() : " (" + DescribeLodexMatchCount(Best.MatchCount) + ")") +
+				(bNameLevels ? DescribeLintMatchLevel(Index, Evaluation.Matches[Item].Object) : std::string()));
 		}
 		Result.Findings.push_back(std::move(Finding));
 	}
 
 	// The warnings: what the text rests on, as the standard reading shows it.
-	const std::vector<const FLodexStepOp*> Steps = StandardSteps(Program);
+	std::vector<FLodexLintFinding> Warnings;
+	CheckWhatTheGameHas(Index, Shown, Evaluation, WholeSpan(Lodestring), Warnings);
 	if (Program.HasStandardError() || Steps.empty())
 	{
+		Result.Findings.insert(Result.Findings.end(), Warnings.begin(), Warnings.end());
 		return Result;
 	}
-	std::vector<FLodexLintFinding> Warnings;
 	CheckGeneratedSuffixes(Index, Steps, Warnings);
 	CheckDepth(Steps, Options.MaxAbsoluteDepth, Warnings);
 	if (Options.bExpectsOneObject && Count == 1)
@@ -253,8 +398,13 @@ FLodexLintResult LintLodestring(const FLodexSceneIndex& Index, const FLodexBestL
 		const FLodexBestLocator Best = BestOfMatch(Finder, Program, Evaluation.Matches.front());
 		for (FLodexLintFinding& Warning : Warnings)
 		{
-			// A replacement that rests on generated names too is no cure for these rules' findings.
 			const std::string Rule = Warning.Rule;
+			// Another locator of the same object finds what the game has no more than this one.
+			if (Rule == LodexLintRules::EditorOnly || Rule == LodexLintRules::StreamedLevel)
+			{
+				continue;
+			}
+			// A replacement that rests on generated names too is no cure for these rules' findings.
 			if ((Rule == LodexLintRules::GeneratedSuffix || Rule == LodexLintRules::PlacedGeneratedSuffix) &&
 				!Best.bStable)
 			{

@@ -50,6 +50,15 @@ namespace LodexLintRules
 	 * none or several now; the message says which change of the level broke it.
 	 */
 	inline constexpr const char* BrokenByChange = "broken-by-change";
+	/** Warning: every object the locator finds exists only in the editor (not-for-client and not-for-server). */
+	inline constexpr const char* EditorOnly = "editor-only";
+	/**
+	 * Warning, in place of `not-in-level`: a name the locator tests is the editor label of an actor of the level,
+	 * which the game does not know; the message names the actor by its name.
+	 */
+	inline constexpr const char* EditorLabel = "editor-label";
+	/** Note: every object the locator finds lies in a sub-level the game loads only when it streams it in. */
+	inline constexpr const char* StreamedLevel = "streamed-level";
 }
 
 struct FLodexLintOptions

@@ -101,4 +101,19 @@ public:
 	 * upper-case hex digits (`FGuid::ToString()`); empty when the host does not know one.
 	 */
 	virtual std::string GetActorGuid(FLodexObject /*Object*/) const { return std::string(); }
+
+	/**
+	 * Whether only the editor has the object: it is saved not-for-client and not-for-server (a sprite or arrow
+	 * component, a BSP brush), so the game never loads it. False when the host cannot tell.
+	 */
+	virtual bool IsEditorOnly(FLodexObject /*Object*/) const { return false; }
+
+	/** For an actor: its editor label (`ActorLabel`), which the game does not have; empty when it has none. */
+	virtual std::string GetEditorLabel(FLodexObject /*Object*/) const { return std::string(); }
+
+	/** The package of the level the object lies in (`/Game/Maps/Sub`); empty when the host cannot tell. */
+	virtual std::string GetLevelName(FLodexObject /*Object*/) const { return std::string(); }
+
+	/** Whether the object's level is loaded only when the game streams it in (not loaded at start). */
+	virtual bool IsInLevelStreamedOnDemand(FLodexObject /*Object*/) const { return false; }
 };
