@@ -5,6 +5,7 @@
 #include "Scenes/LevelScene.h"
 
 #include "LodexDebugger/Core/Lodestring/Lodestring.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <cstdlib>
 #include <string>
@@ -64,7 +65,12 @@ std::string CheckLevelPackageInput(const std::string& Input)
 	for (std::size_t Index = 0; Index < Objects.size(); ++Index)
 	{
 		const FSceneObject& Object = Objects[Index];
-		std::vector<std::string> Texts{Object.Id, Object.Name, Object.ClassName, Object.Label, Object.Package};
+		// A label may hold a tab or a line break, as the editor allows: text all the same.
+		if (!LodexText::IsUtf8(Object.Label))
+		{
+			return "the label of '" + Shown(Object.Id) + "' is not UTF-8";
+		}
+		std::vector<std::string> Texts{Object.Id, Object.Name, Object.ClassName, Object.Package};
 		Texts.insert(Texts.end(), Object.Tags.begin(), Object.Tags.end());
 		for (const std::string& Text : Texts)
 		{

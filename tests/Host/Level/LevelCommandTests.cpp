@@ -116,6 +116,23 @@ namespace
 		}
 	}
 
+	TEST_F(LevelCommand, ALabelWithATabOrALineBreakIsReadAndShownEscaped)
+	{
+		// The editor lets a label hold them; the tree shows it on one line, the snapshot keeps it as it is.
+		FTestMap Map;
+		FTestActor Door;
+		Door.Name = "Door_2";
+		Door.Label = "Front\tdoor\nwest";
+		Map.Actors = {Door};
+		WriteTestFile(Temp.Path + "/Content", "Maps/Tabs.umap", WriteTestMap(Map));
+		const std::string File = Temp.Path + "/Content/Maps/Tabs.umap";
+		const FLodexRun Tree = RunLodex({"level", File});
+		EXPECT_EQ(Tree.Exit, 0) << Tree.Err;
+		EXPECT_NE(Tree.Out.find("label \"Front\\x09door\\x0Awest\""), std::string::npos) << Tree.Out;
+		const FLodexRun Json = RunLodex({"level", File, "--format", "json"});
+		EXPECT_NE(Json.Out.find("\"label\": \"Front\\tdoor\\nwest\""), std::string::npos) << Json.Out;
+	}
+
 	TEST_F(LevelCommand, ObjectsAreNamedByIdNameOrALabelOneObjectHasAlone)
 	{
 		const FLodexRun Run = RunLodex({"path", "--scene", MapFile, "--mode", "best", "Lamp", "Crate_3"});

@@ -307,13 +307,6 @@ namespace
 						"the end of the value of property 'RootComponent' at byte " +
 						std::to_string(M.Layout.ExportData[2] + 25);
 				}},
-			{[](FData& D) { D.String("ActorLabel", "Front\ndoor"); },
-				[](const FBadMap& M)
-				{
-					return "byte " + std::to_string(M.Layout.ExportData[2] + 25) +
-						": the label of "
-						"actor 'Cube' holds the control character U+000A";
-				}},
 			{[](FData& D) { D.Raw("ActorLabel", "StrProperty", Int32Bytes(-40) + "ab", 6); },
 				[](const FBadMap& M)
 				{

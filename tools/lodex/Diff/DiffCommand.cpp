@@ -6,6 +6,8 @@
 #include "LodexTool.h"
 #include "RevisionScene.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -13,9 +15,10 @@
 
 namespace
 {
+	/** A label or tag, quoted and on one line: a label may hold a tab or a line break, which the engine allows. */
 	std::string Quoted(const std::string& Text)
 	{
-		return "'" + Text + "'";
+		return "'" + LodexText::EscapeControlsAndIllFormed(Text) + "'";
 	}
 
 	std::string JoinNames(const std::vector<std::string>& Names, const char* Prefix)

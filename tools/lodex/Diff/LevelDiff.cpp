@@ -2,6 +2,8 @@
 // Pairs the actors of two versions of a level and lists what changed of each (docs/diff.md).
 #include "LevelDiff.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -239,7 +241,10 @@ std::string LevelClassOf(const FSceneObject& Object)
 
 std::string DescribeLevelActor(const FSceneObject& Actor)
 {
-	return Actor.Label.empty() || Actor.Label == Actor.Name ? Actor.Name : Actor.Label + " (" + Actor.Name + ")";
+	// A label may hold a tab or a line break, which the engine allows: shown escaped, on one line.
+	return Actor.Label.empty() || Actor.Label == Actor.Name
+		? Actor.Name
+		: LodexText::EscapeControlsAndIllFormed(Actor.Label) + " (" + Actor.Name + ")";
 }
 
 const char* LevelChangeName(ELevelChange Kind)

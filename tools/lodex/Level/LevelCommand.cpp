@@ -25,7 +25,7 @@ namespace
 		std::vector<std::string> Facts;
 		if (!Actor.Label.empty() && Actor.Label != Actor.Name)
 		{
-			Facts.push_back("label \"" + Actor.Label + "\"");
+			Facts.push_back("label \"" + LodexText::EscapeControlsAndIllFormed(Actor.Label) + "\"");
 		}
 		if (!Actor.ClassName.empty())
 		{

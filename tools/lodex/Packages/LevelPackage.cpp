@@ -236,8 +236,8 @@ namespace
 		}
 		if (const FTaggedProperty* Label = Properties.Find(Package, "ActorLabel"))
 		{
-			if (!PropertyValues::ReadString(Package, *Label, Out.Label, OutError) ||
-				!CheckOneLine(Out.Label, Label->ValueOffset, "the label of actor '" + Out.Name + "'", OutError))
+			// The editor lets a label hold a tab or a line break: read as it is, shown escaped.
+			if (!PropertyValues::ReadString(Package, *Label, Out.Label, OutError))
 			{
 				return false;
 			}
