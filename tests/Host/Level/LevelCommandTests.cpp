@@ -131,6 +131,11 @@ namespace
 		EXPECT_NE(Tree.Out.find("label \"Front\\x09door\\x0Awest\""), std::string::npos) << Tree.Out;
 		const FLodexRun Json = RunLodex({"level", File, "--format", "json"});
 		EXPECT_NE(Json.Out.find("\"label\": \"Front\\tdoor\\nwest\""), std::string::npos) << Json.Out;
+		// The snapshot reads back, the label naming its actor there too.
+		const std::string Snapshot = Temp.Write("tabs.json", Json.Out);
+		const FLodexRun Path = RunLodex({"path", "--scene", Snapshot, "Front\tdoor\nwest"});
+		EXPECT_EQ(Path.Exit, 0) << Path.Err;
+		EXPECT_EQ(Path.Out, "/*[@name = 'Door_2']\n");
 	}
 
 	TEST_F(LevelCommand, ObjectsAreNamedByIdNameOrALabelOneObjectHasAlone)

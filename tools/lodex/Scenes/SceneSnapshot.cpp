@@ -94,7 +94,7 @@ bool FSceneSnapshot::ReadObjects(
 		{
 			return Fail(DescribeObject(Index, "") + ": expected an object, found " + JsonTypeName(Entry));
 		}
-		auto ReadString = [&](const char* Field, std::string& OutValue, bool bRequired)
+		auto ReadString = [&](const char* Field, std::string& OutValue, bool bRequired, bool bOneLine = true)
 		{
 			const auto It = Entry.find(Field);
 			if (It == Entry.end())
@@ -107,7 +107,7 @@ bool FSceneSnapshot::ReadObjects(
 					JsonTypeName(*It));
 			}
 			OutValue = It->get<std::string>();
-			const std::string ControlCharacter = FindControlCharacter(OutValue);
+			const std::string ControlCharacter = bOneLine ? FindControlCharacter(OutValue) : std::string();
 			if (!ControlCharacter.empty())
 			{
 				OutValue.clear();
@@ -117,7 +117,7 @@ bool FSceneSnapshot::ReadObjects(
 			return true;
 		};
 		if (!ReadString("id", Object.Id, true) || !ReadString("kind", Object.Kind, true) ||
-			!ReadString("name", Object.Name, true) || !ReadString("label", Object.Label, false) ||
+			!ReadString("name", Object.Name, true) || !ReadString("label", Object.Label, false, false) ||
 			!ReadString("className", Object.ClassName, false))
 		{
 			return false;
