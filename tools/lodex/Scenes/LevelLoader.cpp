@@ -2,6 +2,7 @@
 // Finds the files a level is made of under its project's Content folder, reads them, and hands them to the scene.
 #include "LevelScene.h"
 
+#include "ContentFiles.h"
 #include "LoadedLevel.h"
 #include "Packages/TaggedProperties.h"
 #include "Cli/WholeFile.h"
@@ -52,6 +53,7 @@ namespace
 
 	private:
 		bool FindContentRoot(const std::string& Path, std::string& OutPackagePath);
+		void FindGameContentOfPlugin();
 		std::string FileOfPackage(const std::string& PackagePath) const;
 		bool ReadPackage(
 			const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage, std::string& OutError);
@@ -64,6 +66,10 @@ namespace
 		const FLevelReadOptions& Options;
 		FLevelScene& Out;
 		fs::path ContentRoot;
+		/** Where ContentRoot is mounted: `/Game/`, or `/NAME/` for the content of plug-in NAME. */
+		std::string MountPoint = "/Game/";
+		/** For a plug-in's level, the game's own Content folder (mounted at `/Game/`), when the project has one. */
+		fs::path GameContentRoot;
 		std::set<std::string> ReadLevels;
 		std::map<std::string, std::unique_ptr<FReadPackage>> ClassPackages;
 		std::set<std::string> MissingClasses;
@@ -82,14 +88,14 @@ namespace
 	}
 
 	/**
-	 * Whether PackagePath is a package of the game's Content folder the engine could save: `/Game/` and a name with
-	 * no empty part, no trailing '/', and none of the characters the engine refuses in a package name
+	 * Whether PackagePath is a package under Mount (`/Game/`, or `/NAME/` for plug-in NAME) the engine could save:
+	 * Mount and a name with no empty part, no trailing '/', and none of the characters the engine refuses in a package name
 	 * (INVALID_LONGPACKAGE_CHARACTERS: `\:*?"<>|' ,.&!~` and line breaks, tabs, '@', '#'). So a name never leads
-	 * out of Content: no "..", no absolute path after "/Game/", no backslash.
+	 * out of Content: no "..", no absolute path after the mount point, no backslash.
 	 */
-	bool IsGamePackageName(const std::string& PackagePath)
+	bool IsPackageNameUnder(const std::string& PackagePath, const std::string& Mount)
 	{
-		if (!IsGamePackage(PackagePath) || PackagePath.size() == 6 || PackagePath.back() == '/' ||
+		if (PackagePath.rfind(Mount, 0) != 0 || PackagePath.size() == Mount.size() || PackagePath.back() == '/' ||
 			PackagePath.find("//") != std::string::npos)
 		{
 			return false;
@@ -106,6 +112,19 @@ namespace
 	}
 }
 
+void FLevelLoader::FindGameContentOfPlugin()
+{
+	for (fs::path Folder = ContentRoot.parent_path(); Folder != Folder.parent_path(); Folder = Folder.parent_path())
+	{
+		std::error_code Code;
+		if (Folder.filename() == "Plugins" && fs::is_directory(Folder.parent_path() / "Content", Code))
+		{
+			GameContentRoot = Folder.parent_path() / "Content";
+			return;
+		}
+	}
+}
+
 bool FLevelLoader::FindContentRoot(const std::string& Path, std::string& OutPackagePath)
 {
 	std::error_code Code;
@@ -115,8 +134,14 @@ bool FLevelLoader::FindContentRoot(const std::string& Path, std::string& OutPack
 		if (Folder.filename() == "Content")
 		{
 			ContentRoot = Folder;
+			const std::string Plugin = PluginOfContentFolder(Folder);
+			if (!Plugin.empty())
+			{
+				MountPoint = "/" + Plugin + "/";
+				FindGameContentOfPlugin();
+			}
 			const fs::path Relative = Absolute.lexically_relative(Folder).replace_extension();
-			OutPackagePath = "/Game/" + Relative.generic_string();
+			OutPackagePath = MountPoint + Relative.generic_string();
 			return true;
 		}
 		if (Folder == Folder.parent_path())
@@ -130,11 +155,13 @@ bool FLevelLoader::FindContentRoot(const std::string& Path, std::string& OutPack
 
 std::string FLevelLoader::FileOfPackage(const std::string& PackagePath) const
 {
-	if (ContentRoot.empty() || !IsGamePackageName(PackagePath))
+	const bool bGame = !GameContentRoot.empty() && IsPackageNameUnder(PackagePath, "/Game/");
+	if (ContentRoot.empty() || (!bGame && !IsPackageNameUnder(PackagePath, MountPoint)))
 	{
 		return std::string();
 	}
-	const fs::path Base = ContentRoot / fs::path(PackagePath.substr(6));
+	const fs::path Base = bGame ? GameContentRoot / fs::path(PackagePath.substr(6))
+								: ContentRoot / fs::path(PackagePath.substr(MountPoint.size()));
 	for (const char* Extension : {".umap", ".uasset"})
 	{
 		fs::path Candidate = Base;
@@ -154,6 +181,11 @@ bool FLevelLoader::ReadPackage(
 	std::string Bytes;
 	if (!ReadWholeFile(File, Bytes, OutError, LodexSceneFileRules))
 	{
+		return false;
+	}
+	if (IsGitLfsPointer(Bytes))
+	{
+		OutError = GitLfsPointerError(File);
 		return false;
 	}
 	FPackageError Error;
@@ -237,11 +269,12 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 
 bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError)
 {
-	if (ContentRoot.empty() || !IsGamePackage(Level.PackagePath))
+	if (ContentRoot.empty() || Level.PackagePath.rfind(MountPoint, 0) != 0)
 	{
 		return true;
 	}
-	const fs::path Folder = ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(6));
+	const fs::path Folder =
+		ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(MountPoint.size()));
 	std::error_code Code;
 	if (!fs::is_directory(Folder, Code))
 	{
@@ -261,7 +294,7 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 	{
 		const std::string Shown = ShownPath(File);
 		const std::string PackagePath =
-			"/Game/" + File.lexically_relative(ContentRoot).replace_extension().generic_string();
+			MountPoint + File.lexically_relative(ContentRoot).replace_extension().generic_string();
 		FUnrealPackage Package;
 		FPackageError Error;
 		std::vector<FLevelActor> Actors;

@@ -3,6 +3,7 @@
 
 #include "Cli/JsonErrors.h"
 #include "Cli/WholeFile.h"
+#include "ContentFiles.h"
 
 #include <nlohmann/json.hpp>
 
@@ -41,6 +42,11 @@ const std::vector<std::string>& FSceneSnapshot::GetKinds()
 bool FSceneSnapshot::Parse(
 	const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
 {
+	if (IsGitLfsPointer(Text))
+	{
+		OutError = GitLfsPointerError(SourceName);
+		return false;
+	}
 	FJson Root;
 	if (!ParseJsonFile(Text, SourceName, "", Root, OutError))
 	{
