@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -75,6 +76,39 @@ namespace
 		EXPECT_EQ(Scene.SubLevelCount, 2u);
 		EXPECT_EQ(Scene.Notes,
 			std::vector<std::string>{"the sub-level /Other/Maps/Far is not under " + Plugin + "/Content; left out"});
+	}
+
+	TEST(LevelFiles, AWorldPartitionMapWithoutActorPackagesSaysSo)
+	{
+		FTempDir Temp;
+		const std::string Map = Temp.Path + "/Content/Maps/Main.umap";
+		const std::string Folder = Temp.Path + "/Content/__ExternalActors__/Maps/Main";
+		FTestMap Partitioned;
+		Partitioned.Actors = {NamedActor("WorldSettings")};
+		Partitioned.Actors[0].Components = {{"WorldPartition", "WorldPartition"}};
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Partitioned));
+		const auto NotesOf = [&Map]()
+		{
+			FLevelScene Scene;
+			std::string Error;
+			EXPECT_TRUE(ReadLevelScene(Map, FLevelReadOptions(), Scene, Error)) << Error;
+			return Scene.Notes;
+		};
+		EXPECT_EQ(NotesOf(),
+			std::vector<std::string>{Map + ": a World Partition map, but it has no external actor folder " + Folder +
+				"; only the actors the map itself saves are read"});
+		WriteTestFile(Folder, "A/ZZ/readme.txt", "not a package");
+		EXPECT_EQ(NotesOf(),
+			std::vector<std::string>{Map + ": a World Partition map, but its external actor folder " + Folder +
+				" holds no actor packages; only the actors the map itself saves are read"});
+		WriteTestFile(Folder, "A/ZZ/First.uasset",
+			WriteTestExternalActor(
+				"/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", NamedActor("Boat")));
+		EXPECT_EQ(NotesOf(), std::vector<std::string>{});
+		// A map without World Partition saves its actors itself: no folder, no note.
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(FTestMap()));
+		std::filesystem::remove_all(Temp.Path + "/Content/__ExternalActors__");
+		EXPECT_EQ(NotesOf(), std::vector<std::string>{});
 	}
 
 	TEST(LevelFiles, AGitLfsPointerIsOneLineSayingToFetchTheRealFileWhereverItStands)

@@ -54,6 +54,7 @@ namespace
 	private:
 		bool FindContentRoot(const std::string& Path, std::string& OutPackagePath);
 		void FindGameContentOfPlugin();
+		void NoteMissingExternalActors(const FLoadedLevel& Level);
 		std::string FileOfPackage(const std::string& PackagePath) const;
 		bool ReadPackage(
 			const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage, std::string& OutError);
@@ -88,9 +89,25 @@ namespace
 	}
 
 	/**
+	 * Whether the map is a World Partition map: its world settings' `WorldPartition` subobject (AWorldSettings::
+	 * WorldPartition) is saved in it as an export of class WorldPartition. Its actors are then saved one a package.
+	 */
+	bool HasWorldPartitionExport(const FUnrealPackage& Package)
+	{
+		for (std::size_t Index = 0; Index < Package.GetExports().size(); ++Index)
+		{
+			if (Package.ClassNameOf(static_cast<std::int32_t>(Index + 1)) == "WorldPartition")
+			{
+				return true;
+			}
+		}
+		return false;
+	}
+
+	/**
 	 * Whether PackagePath is a package under Mount (`/Game/`, or `/NAME/` for plug-in NAME) the engine could save:
-	 * Mount and a name with no empty part, no trailing '/', and none of the characters the engine refuses in a package name
-	 * (INVALID_LONGPACKAGE_CHARACTERS: `\:*?"<>|' ,.&!~` and line breaks, tabs, '@', '#'). So a name never leads
+	 * Mount and a name with no empty part, no trailing '/', and none of the characters the engine refuses in a package
+	 * name (INVALID_LONGPACKAGE_CHARACTERS: `\:*?"<>|' ,.&!~` and line breaks, tabs, '@', '#'). So a name never leads
 	 * out of Content: no "..", no absolute path after the mount point, no backslash.
 	 */
 	bool IsPackageNameUnder(const std::string& PackagePath, const std::string& Mount)
@@ -123,6 +140,21 @@ void FLevelLoader::FindGameContentOfPlugin()
 			return;
 		}
 	}
+}
+
+void FLevelLoader::NoteMissingExternalActors(const FLoadedLevel& Level)
+{
+	if (ContentRoot.empty() || Level.PackagePath.rfind(MountPoint, 0) != 0)
+	{
+		return;
+	}
+	const fs::path Folder = ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(MountPoint.size()));
+	std::error_code Code;
+	const std::string Where = fs::is_directory(Folder, Code)
+		? "its external actor folder " + ShownPath(Folder) + " holds no actor packages"
+		: "it has no external actor folder " + ShownPath(Folder);
+	Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(
+		Level.File + ": a World Partition map, but " + Where + "; only the actors the map itself saves are read"));
 }
 
 bool FLevelLoader::FindContentRoot(const std::string& Path, std::string& OutPackagePath)
@@ -201,6 +233,7 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 	std::vector<std::string>& OutStreaming, std::string& OutError)
 {
 	FLevelPackageContents Contents;
+	bool bPartitioned = false;
 	for (std::size_t Redirects = 0;; ++Redirects)
 	{
 		FUnrealPackage Package;
@@ -209,6 +242,7 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		{
 			return false;
 		}
+		bPartitioned = HasWorldPartitionExport(Package);
 		if (!ReadLevelPackage(Package, Contents, Error))
 		{
 			OutError = Error.Describe(File);
@@ -255,6 +289,10 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 	{
 		return false;
 	}
+	if (bPartitioned && Level.Sources.size() == 1)
+	{
+		NoteMissingExternalActors(Level);
+	}
 	for (FLoadedActor& Loaded : Level.Actors)
 	{
 		if (!FillClassDefaultTags(Loaded.Actor, OutError))
@@ -273,8 +311,7 @@ bool FLevelLoader::LoadExternalActors(FLoadedLevel& Level, std::string& OutError
 	{
 		return true;
 	}
-	const fs::path Folder =
-		ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(MountPoint.size()));
+	const fs::path Folder = ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(MountPoint.size()));
 	std::error_code Code;
 	if (!fs::is_directory(Folder, Code))
 	{
