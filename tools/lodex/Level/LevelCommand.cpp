@@ -132,6 +132,10 @@ namespace
 			{
 				Entry["location"] = {Object.Location[0], Object.Location[1], Object.Location[2]};
 			}
+			if (!Object.Package.empty())
+			{
+				Entry["package"] = Object.Package;
+			}
 			Objects.push_back(std::move(Entry));
 		}
 		nlohmann::ordered_json Root;

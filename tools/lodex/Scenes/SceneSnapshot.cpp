@@ -124,7 +124,7 @@ bool FSceneSnapshot::ReadObjects(
 		};
 		if (!ReadString("id", Object.Id, true) || !ReadString("kind", Object.Kind, true) ||
 			!ReadString("name", Object.Name, true) || !ReadString("label", Object.Label, false) ||
-			!ReadString("className", Object.ClassName, false))
+			!ReadString("className", Object.ClassName, false) || !ReadString("package", Object.Package, false))
 		{
 			return false;
 		}
