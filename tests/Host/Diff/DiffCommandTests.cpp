@@ -163,7 +163,7 @@ namespace
 		const std::string Lfs = Repo.Path + "/Content/Maps/Lfs.umap";
 		EXPECT_EQ(RunLodex({"diff", "HEAD:" + Lfs, Map}).Err,
 			"lodex: HEAD:" + Lfs +
-				": a Git LFS pointer, not the file itself: fetch the revision's LFS objects first\n");
+				": a Git LFS pointer, not the file itself: fetch the real file from Git LFS first (git lfs pull)\n");
 		// A broken level at a revision: the reader's message, the file named as REV:PATH.
 		const std::string Bytes = FTempDir::Read(Map);
 		WriteTestFile(Repo.Path, "Content/Maps/Main.umap", Bytes.substr(0, 100));

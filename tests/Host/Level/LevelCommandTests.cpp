@@ -98,6 +98,8 @@ namespace
 		ASSERT_NE(Crate, nullptr);
 		EXPECT_EQ(Crate->Label, "Crate");
 		EXPECT_EQ(Crate->ClassName, "StaticMeshActor");
+		EXPECT_EQ(Crate->Package, "/Game/Maps/Main");
+		EXPECT_NE(Json.Out.find(R"("package": "/Game/Maps/Main")"), std::string::npos);
 		ASSERT_NE(Crate->AttachParent, nullptr);
 		EXPECT_EQ(Crate->AttachParent->Name, "Warehouse");
 

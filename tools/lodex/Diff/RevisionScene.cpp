@@ -4,6 +4,7 @@
 // as `REV:` in messages.
 #include "RevisionScene.h"
 
+#include "Scenes/ContentFiles.h"
 #include "Scenes/LevelScene.h"
 
 #include <fcntl.h>
@@ -326,9 +327,9 @@ bool LoadSceneAtRevision(const FSceneFileOptions& Options, FSceneFile& Out, std:
 	std::ifstream Head(AtRevision.Path, std::ios::binary);
 	std::string Start(40, '\0');
 	Start.resize(static_cast<std::size_t>(Head.read(&Start[0], 40).gcount()));
-	if (Start.rfind("version https://git-lfs.github.com/spec/", 0) == 0)
+	if (IsGitLfsPointer(Start))
 	{
-		OutError = Shown + ": a Git LFS pointer, not the file itself: fetch the revision's LFS objects first";
+		OutError = GitLfsPointerError(Shown);
 		return false;
 	}
 	const bool bRead = LoadSceneFile(AtRevision, Out, OutError);

@@ -140,6 +140,10 @@ namespace
 			{
 				Entry["streamedOnDemand"] = true;
 			}
+			if (!Object.Package.empty())
+			{
+				Entry["package"] = Object.Package;
+			}
 			Objects.push_back(std::move(Entry));
 		}
 		nlohmann::ordered_json Root;

@@ -3,6 +3,7 @@
 #include "LintProject.h"
 
 #include "CSharpLiterals.h"
+#include "Scenes/ContentFiles.h"
 #include "Scenes/SceneEvaluation.h"
 #include "Scenes/SceneFile.h"
 
@@ -112,7 +113,7 @@ void FLodexProjectLevels::FindPlugins()
 	{
 		if (It->path().extension() == ".uplugin" && It->is_regular_file(Error))
 		{
-			PluginContent.emplace_back(It->path().stem().string(), (It->path().parent_path() / "Content").string());
+			PluginContent.emplace_back(It->path().stem().string(), PluginContentFolder(It->path()).string());
 		}
 	}
 	// The same plug-in found twice: the first in name order counts, whatever order the folder lists them in.

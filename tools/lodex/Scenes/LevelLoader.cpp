@@ -2,6 +2,7 @@
 // Finds the files a level is made of under its project's Content folder, reads them, and hands them to the scene.
 #include "LevelScene.h"
 
+#include "ContentFiles.h"
 #include "LoadedLevel.h"
 #include "Packages/TaggedProperties.h"
 #include "Cli/WholeFile.h"
@@ -54,6 +55,8 @@ namespace
 
 	private:
 		bool FindContentRoot(const std::string& Path, std::string& OutPackagePath);
+		void FindGameContentOfPlugin();
+		void NoteMissingExternalActors(const FLoadedLevel& Level);
 		std::string FileOfPackage(const std::string& PackagePath) const;
 		bool ReadPackage(
 			const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage, std::string& OutError);
@@ -78,6 +81,10 @@ namespace
 		const FLevelReadOptions& Options;
 		FLevelScene& Out;
 		fs::path ContentRoot;
+		/** Where ContentRoot is mounted: `/Game/`, or `/NAME/` for the content of plug-in NAME. */
+		std::string MountPoint = "/Game/";
+		/** For a plug-in's level, the game's own Content folder (mounted at `/Game/`), when the project has one. */
+		fs::path GameContentRoot;
 		std::set<std::string> ReadLevels;
 		std::map<std::string, std::unique_ptr<FReadPackage>> ClassPackages;
 		std::set<std::string> MissingClasses;
@@ -105,14 +112,30 @@ namespace
 	}
 
 	/**
-	 * Whether PackagePath is a package of the game's Content folder the engine could save: `/Game/` and a name with
-	 * no empty part, no trailing '/', and none of the characters the engine refuses in a package name
-	 * (INVALID_LONGPACKAGE_CHARACTERS: `\:*?"<>|' ,.&!~` and line breaks, tabs, '@', '#'). So a name never leads
-	 * out of Content: no "..", no absolute path after "/Game/", no backslash.
+	 * Whether the map is a World Partition map: its world settings' `WorldPartition` subobject (AWorldSettings::
+	 * WorldPartition) is saved in it as an export of class WorldPartition. Its actors are then saved one a package.
 	 */
-	bool IsGamePackageName(const std::string& PackagePath)
+	bool HasWorldPartitionExport(const FUnrealPackage& Package)
 	{
-		if (!IsGamePackage(PackagePath) || PackagePath.size() == 6 || PackagePath.back() == '/' ||
+		for (std::size_t Index = 0; Index < Package.GetExports().size(); ++Index)
+		{
+			if (Package.ClassNameOf(static_cast<std::int32_t>(Index + 1)) == "WorldPartition")
+			{
+				return true;
+			}
+		}
+		return false;
+	}
+
+	/**
+	 * Whether PackagePath is a package under Mount (`/Game/`, or `/NAME/` for plug-in NAME) the engine could save:
+	 * Mount and a name with no empty part, no trailing '/', and none of the characters the engine refuses in a package
+	 * name (INVALID_LONGPACKAGE_CHARACTERS: `\:*?"<>|' ,.&!~` and line breaks, tabs, '@', '#'). So a name never leads
+	 * out of Content: no "..", no absolute path after the mount point, no backslash.
+	 */
+	bool IsPackageNameUnder(const std::string& PackagePath, const std::string& Mount)
+	{
+		if (PackagePath.rfind(Mount, 0) != 0 || PackagePath.size() == Mount.size() || PackagePath.back() == '/' ||
 			PackagePath.find("//") != std::string::npos)
 		{
 			return false;
@@ -129,6 +152,34 @@ namespace
 	}
 }
 
+void FLevelLoader::FindGameContentOfPlugin()
+{
+	for (fs::path Folder = ContentRoot.parent_path(); Folder != Folder.parent_path(); Folder = Folder.parent_path())
+	{
+		std::error_code Code;
+		if (Folder.filename() == "Plugins" && fs::is_directory(Folder.parent_path() / "Content", Code))
+		{
+			GameContentRoot = Folder.parent_path() / "Content";
+			return;
+		}
+	}
+}
+
+void FLevelLoader::NoteMissingExternalActors(const FLoadedLevel& Level)
+{
+	if (ContentRoot.empty() || Level.PackagePath.rfind(MountPoint, 0) != 0)
+	{
+		return;
+	}
+	const fs::path Folder = ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(MountPoint.size()));
+	std::error_code Code;
+	const std::string Where = fs::is_directory(Folder, Code)
+		? "its external actor folder " + ShownPath(Folder) + " holds no actor packages"
+		: "it has no external actor folder " + ShownPath(Folder);
+	Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(
+		Level.File + ": a World Partition map, but " + Where + "; only the actors the map itself saves are read"));
+}
+
 bool FLevelLoader::FindContentRoot(const std::string& Path, std::string& OutPackagePath)
 {
 	std::error_code Code;
@@ -138,8 +189,14 @@ bool FLevelLoader::FindContentRoot(const std::string& Path, std::string& OutPack
 		if (Folder.filename() == "Content")
 		{
 			ContentRoot = Folder;
+			const std::string Plugin = PluginOfContentFolder(Folder);
+			if (!Plugin.empty())
+			{
+				MountPoint = "/" + Plugin + "/";
+				FindGameContentOfPlugin();
+			}
 			const fs::path Relative = Absolute.lexically_relative(Folder).replace_extension();
-			OutPackagePath = "/Game/" + Relative.generic_string();
+			OutPackagePath = MountPoint + Relative.generic_string();
 			return true;
 		}
 		if (Folder == Folder.parent_path())
@@ -153,11 +210,13 @@ bool FLevelLoader::FindContentRoot(const std::string& Path, std::string& OutPack
 
 std::string FLevelLoader::FileOfPackage(const std::string& PackagePath) const
 {
-	if (ContentRoot.empty() || !IsGamePackageName(PackagePath))
+	const bool bGame = !GameContentRoot.empty() && IsPackageNameUnder(PackagePath, "/Game/");
+	if (ContentRoot.empty() || (!bGame && !IsPackageNameUnder(PackagePath, MountPoint)))
 	{
 		return std::string();
 	}
-	const fs::path Base = ContentRoot / fs::path(PackagePath.substr(6));
+	const fs::path Base = bGame ? GameContentRoot / fs::path(PackagePath.substr(6))
+								: ContentRoot / fs::path(PackagePath.substr(MountPoint.size()));
 	for (const char* Extension : {".umap", ".uasset"})
 	{
 		fs::path Candidate = Base;
@@ -183,6 +242,11 @@ bool FLevelLoader::ReadPackage(
 	{
 		return false;
 	}
+	if (IsGitLfsPointer(Bytes))
+	{
+		OutError = GitLfsPointerError(File);
+		return false;
+	}
 	FPackageError Error;
 	if (!FUnrealPackage::Read(std::move(Bytes), PackagePath, OutPackage, Error))
 	{
@@ -196,6 +260,7 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 	std::vector<std::string>& OutStreaming, std::string& OutError)
 {
 	FLevelPackageContents Contents;
+	bool bPartitioned = false;
 	for (std::size_t Redirects = 0;; ++Redirects)
 	{
 		FUnrealPackage Package;
@@ -204,6 +269,7 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		{
 			return false;
 		}
+		bPartitioned = HasWorldPartitionExport(Package);
 		if (!ReadLevelPackage(Package, Contents, Error))
 		{
 			OutError = Error.Describe(File);
@@ -247,6 +313,10 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		Level.Actors.push_back(FLoadedActor{std::move(Actor), 0});
 	}
 	LoadExternalActors(Level);
+	if (bPartitioned && Level.Sources.size() == 1)
+	{
+		NoteMissingExternalActors(Level);
+	}
 	KeepComponentsOfComponentClasses(Level);
 	for (FLoadedActor& Loaded : Level.Actors)
 	{
@@ -269,11 +339,11 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 
 void FLevelLoader::LoadExternalActors(FLoadedLevel& Level)
 {
-	if (ContentRoot.empty() || !IsGamePackage(Level.PackagePath))
+	if (ContentRoot.empty() || Level.PackagePath.rfind(MountPoint, 0) != 0)
 	{
 		return;
 	}
-	const fs::path Folder = ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(6));
+	const fs::path Folder = ContentRoot / "__ExternalActors__" / fs::path(Level.PackagePath.substr(MountPoint.size()));
 	if (Options.Files != nullptr)
 	{
 		Options.Files->FetchFolder(Folder.string());
@@ -297,7 +367,7 @@ void FLevelLoader::LoadExternalActors(FLoadedLevel& Level)
 	{
 		const std::string Shown = ShownPath(File);
 		const std::string PackagePath =
-			"/Game/" + File.lexically_relative(ContentRoot).replace_extension().generic_string();
+			MountPoint + File.lexically_relative(ContentRoot).replace_extension().generic_string();
 		FUnrealPackage Package;
 		FPackageError Error;
 		std::vector<FLevelActor> Actors;

@@ -3,6 +3,7 @@
 
 #include "Cli/JsonErrors.h"
 #include "Cli/WholeFile.h"
+#include "ContentFiles.h"
 
 #include <nlohmann/json.hpp>
 
@@ -41,6 +42,11 @@ const std::vector<std::string>& FSceneSnapshot::GetKinds()
 bool FSceneSnapshot::Parse(
 	const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
 {
+	if (IsGitLfsPointer(Text))
+	{
+		OutError = GitLfsPointerError(SourceName);
+		return false;
+	}
 	FJson Root;
 	if (!ParseJsonFile(Text, SourceName, "", Root, OutError))
 	{
@@ -118,7 +124,7 @@ bool FSceneSnapshot::ReadObjects(
 		};
 		if (!ReadString("id", Object.Id, true) || !ReadString("kind", Object.Kind, true) ||
 			!ReadString("name", Object.Name, true) || !ReadString("label", Object.Label, false, false) ||
-			!ReadString("className", Object.ClassName, false))
+			!ReadString("className", Object.ClassName, false) || !ReadString("package", Object.Package, false))
 		{
 			return false;
 		}

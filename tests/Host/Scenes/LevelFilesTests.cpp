@@ -1,0 +1,144 @@
+// Copyright Lodex contributors.
+// The files a level is made of beyond the game's Content folder: a plug-in's level mounted at its own name, and a
+// Git LFS pointer checked out in place of a scene or a level.
+#include "Scenes/LevelScene.h"
+#include "Scenes/SceneFile.h"
+#include "TempDir.h"
+#include "TestPackageWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace
+{
+	FTestActor NamedActor(const std::string& Name)
+	{
+		FTestActor Made;
+		Made.Name = Name;
+		return Made;
+	}
+
+	std::vector<std::string> IdsOf(const FLevelScene& Scene)
+	{
+		std::vector<std::string> Ids;
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			Ids.push_back(Object.Id + " @" + Object.Package);
+		}
+		return Ids;
+	}
+
+	const char* const LfsPointer = "version https://git-lfs.github.com/spec/v1\n"
+								   "oid sha256:4d7a214614ab2935c943f9e0ff69d22eadbb8f32b1258daaa5e2ca24d17e2393\n"
+								   "size 12345\n";
+
+	TEST(LevelFiles, APluginsLevelIsMountedAtThePluginsNameForItsExternalActorsAndSubLevels)
+	{
+		FTempDir Temp;
+		const std::string Plugin = Temp.Path + "/Plugins/Nature/Rivers";
+		WriteTestFile(Plugin, "Rivers.uplugin", "{}");
+		const std::string Level = "/Rivers/Maps/Main.Main:PersistentLevel";
+		FTestMap Map;
+		Map.PackagePath = "/Rivers/Maps/Main";
+		Map.Actors = {NamedActor("WorldSettings")};
+		Map.SubLevels = {"/Rivers/Maps/Banks", "/Game/Maps/Town", "/Other/Maps/Far"};
+		WriteTestFile(Plugin + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+		WriteTestFile(Plugin + "/Content", "__ExternalActors__/Maps/Main/A/ZZ/First.uasset",
+			WriteTestExternalActor(
+				"/Rivers/Maps/Main", "/Rivers/__ExternalActors__/Maps/Main/A/ZZ/First", NamedActor("Boat")));
+		FTestMap Banks;
+		Banks.PackagePath = "/Rivers/Maps/Banks";
+		Banks.Actors = {NamedActor("Reed")};
+		WriteTestFile(Plugin + "/Content", "Maps/Banks.umap", WriteTestMap(Banks));
+		// A /Game/ package of a plug-in's level is in the project's own Content folder.
+		FTestMap Town;
+		Town.PackagePath = "/Game/Maps/Town";
+		Town.Actors = {NamedActor("Well")};
+		WriteTestFile(Temp.Path + "/Content", "Maps/Town.umap", WriteTestMap(Town));
+
+		FLevelScene Scene;
+		std::string Error;
+		ASSERT_TRUE(ReadLevelScene(Plugin + "/Content/Maps/Main.umap", FLevelReadOptions(), Scene, Error)) << Error;
+		EXPECT_EQ(IdsOf(Scene),
+			(std::vector<std::string>{
+				Level + " @/Rivers/Maps/Main",
+				Level + ".WorldSettings @/Rivers/Maps/Main",
+				Level + ".Boat @/Rivers/__ExternalActors__/Maps/Main/A/ZZ/First",
+				"/Rivers/Maps/Banks.Banks:PersistentLevel @/Rivers/Maps/Banks",
+				"/Rivers/Maps/Banks.Banks:PersistentLevel.Reed @/Rivers/Maps/Banks",
+				"/Game/Maps/Town.Town:PersistentLevel @/Game/Maps/Town",
+				"/Game/Maps/Town.Town:PersistentLevel.Well @/Game/Maps/Town",
+			}));
+		EXPECT_EQ(Scene.ExternalActorCount, 1u);
+		EXPECT_EQ(Scene.SubLevelCount, 2u);
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{"the sub-level /Other/Maps/Far is not under " + Plugin + "/Content; left out"});
+	}
+
+	TEST(LevelFiles, AWorldPartitionMapWithoutActorPackagesSaysSo)
+	{
+		FTempDir Temp;
+		const std::string Map = Temp.Path + "/Content/Maps/Main.umap";
+		const std::string Folder = Temp.Path + "/Content/__ExternalActors__/Maps/Main";
+		FTestMap Partitioned;
+		Partitioned.Actors = {NamedActor("WorldSettings")};
+		Partitioned.Actors[0].Components = {{"WorldPartition", "WorldPartition"}};
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Partitioned));
+		const auto NotesOf = [&Map]()
+		{
+			FLevelScene Scene;
+			std::string Error;
+			EXPECT_TRUE(ReadLevelScene(Map, FLevelReadOptions(), Scene, Error)) << Error;
+			return Scene.Notes;
+		};
+		EXPECT_EQ(NotesOf(),
+			std::vector<std::string>{Map + ": a World Partition map, but it has no external actor folder " + Folder +
+				"; only the actors the map itself saves are read"});
+		WriteTestFile(Folder, "A/ZZ/readme.txt", "not a package");
+		EXPECT_EQ(NotesOf(),
+			std::vector<std::string>{Map + ": a World Partition map, but its external actor folder " + Folder +
+				" holds no actor packages; only the actors the map itself saves are read"});
+		WriteTestFile(Folder, "A/ZZ/First.uasset",
+			WriteTestExternalActor(
+				"/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", NamedActor("Boat")));
+		EXPECT_EQ(NotesOf(), std::vector<std::string>{});
+		// A map without World Partition saves its actors itself: no folder, no note.
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(FTestMap()));
+		std::filesystem::remove_all(Temp.Path + "/Content/__ExternalActors__");
+		EXPECT_EQ(NotesOf(), std::vector<std::string>{});
+	}
+
+	TEST(LevelFiles, AGitLfsPointerIsOneLineSayingToFetchTheRealFileWhereverItStands)
+	{
+		FTempDir Temp;
+		const std::string Expected = ": a Git LFS pointer, not the file itself: fetch the real file from Git LFS "
+									 "first (git lfs pull)";
+		// In place of a snapshot or a level named on the command line.
+		WriteTestFile(Temp.Path, "scene.json", LfsPointer);
+		FSceneFileOptions Options;
+		Options.Path = Temp.Path + "/scene.json";
+		FSceneFile File;
+		std::string Error;
+		EXPECT_FALSE(LoadSceneFile(Options, File, Error));
+		EXPECT_EQ(Error, Options.Path + Expected);
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", LfsPointer);
+		Options.Path = Temp.Path + "/Content/Maps/Main.umap";
+		EXPECT_FALSE(LoadSceneFile(Options, File, Error));
+		EXPECT_EQ(Error, Options.Path + Expected);
+
+		// In place of a file the level is made of.
+		FTestMap Map;
+		Map.Actors = {NamedActor("WorldSettings")};
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+		const std::string Actor = Temp.Path + "/Content/__ExternalActors__/Maps/Main/A/ZZ/First.uasset";
+		WriteTestFile(Temp.Path + "/Content", "__ExternalActors__/Maps/Main/A/ZZ/First.uasset", LfsPointer);
+		// There, as any part of a level that cannot be read, it is a note, and the rest of the level is read.
+		FLevelScene Scene;
+		EXPECT_TRUE(ReadLevelScene(Options.Path, FLevelReadOptions(), Scene, Error)) << Error;
+		EXPECT_EQ(
+			Scene.Notes, std::vector<std::string>{Actor + Expected + "; this external actor package is left out"});
+	}
+}
