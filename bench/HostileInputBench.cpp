@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <malloc.h>
 #include <new>
@@ -25,8 +26,11 @@
 
 namespace
 {
-	std::atomic<std::size_t> LiveBytes{0};
-	std::atomic<std::size_t> PeakBytes{0};
+	// Allocations are counted only while a reading is measured, so that the other benchmarks of this binary pay no
+	// more than one load of a flag for each allocation.
+	std::atomic<bool> bCounting{false};
+	std::atomic<std::int64_t> LiveBytes{0};
+	std::atomic<std::int64_t> PeakBytes{0};
 
 	void* CountedAllocate(std::size_t Size)
 	{
@@ -35,10 +39,14 @@ namespace
 		{
 			throw std::bad_alloc();
 		}
-		const std::size_t Live = LiveBytes.fetch_add(malloc_usable_size(Block)) + malloc_usable_size(Block);
-		std::size_t Peak = PeakBytes.load();
-		while (Live > Peak && !PeakBytes.compare_exchange_weak(Peak, Live))
+		if (bCounting.load(std::memory_order_relaxed))
 		{
+			const std::int64_t Usable = static_cast<std::int64_t>(malloc_usable_size(Block));
+			const std::int64_t Live = LiveBytes.fetch_add(Usable) + Usable;
+			std::int64_t Peak = PeakBytes.load();
+			while (Live > Peak && !PeakBytes.compare_exchange_weak(Peak, Live))
+			{
+			}
 		}
 		return Block;
 	}
@@ -47,7 +55,10 @@ namespace
 	{
 		if (Block != nullptr)
 		{
-			LiveBytes.fetch_sub(malloc_usable_size(Block));
+			if (bCounting.load(std::memory_order_relaxed))
+			{
+				LiveBytes.fetch_sub(static_cast<std::int64_t>(malloc_usable_size(Block)));
+			}
 			std::free(Block);
 		}
 	}
@@ -87,13 +98,16 @@ namespace
 	template<typename TRead>
 	void MeasureReading(benchmark::State& State, std::size_t InputBytes, TRead&& Read)
 	{
-		std::size_t Growth = 0;
+		std::int64_t Growth = 0;
 		for (auto _ : State)
 		{
-			const std::size_t Before = LiveBytes.load();
-			PeakBytes.store(Before);
+			// What the reading allocates and has not freed, at its most.
+			LiveBytes.store(0);
+			PeakBytes.store(0);
+			bCounting.store(true);
 			Read();
-			Growth = std::max(Growth, PeakBytes.load() - Before);
+			bCounting.store(false);
+			Growth = std::max(Growth, PeakBytes.load());
 		}
 		State.SetComplexityN(static_cast<benchmark::IterationCount>(InputBytes));
 		State.counters["input_bytes"] = static_cast<double>(InputBytes);
