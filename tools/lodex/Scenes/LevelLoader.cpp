@@ -99,6 +99,8 @@ namespace
 		std::map<std::string, std::string> UnreadableClasses;
 		/** By kind (their summary), in the order seen: the notes summed up when many (each once). */
 		std::vector<std::pair<std::string, std::vector<std::string>>> Grouped;
+		/** Every grouped note so far (its summary, a line break, its line): each is kept once, found in a lookup. */
+		std::set<std::string> GroupedSeen;
 	};
 
 	std::string ShownPath(const fs::path& Path)
@@ -653,7 +655,7 @@ void FLevelLoader::NoteGrouped(const std::string& Summary, const std::string& Li
 		Grouped.emplace_back(Summary, std::vector<std::string>());
 		Group = Grouped.end() - 1;
 	}
-	if (std::find(Group->second.begin(), Group->second.end(), Line) == Group->second.end())
+	if (GroupedSeen.insert(Summary + "\n" + Line).second)
 	{
 		Group->second.push_back(Line);
 	}
@@ -672,6 +674,7 @@ void FLevelLoader::FlushGroupedNotes()
 			"; --verbose lists them all");
 	}
 	Grouped.clear();
+	GroupedSeen.clear();
 }
 
 bool ReadLevelScene(const std::string& Path, const FLevelReadOptions& Options, FLevelScene& Out, std::string& OutError)
