@@ -58,7 +58,7 @@ std::string CheckLevelPackageInput(const std::string& Input)
 	}
 	const FSceneSnapshot& Scene = Level.Scene;
 	const std::vector<FSceneObject>& Objects = Scene.GetObjects();
-	if (Objects.empty() || Objects[0].Kind != "other" || Objects[0].Name != "PersistentLevel")
+	if (Objects.empty() || Objects[0].Kind != ELodexSnapshotKind::Other || Objects[0].Name != "PersistentLevel")
 	{
 		return "the scene does not start with its level";
 	}
@@ -84,19 +84,21 @@ std::string CheckLevelPackageInput(const std::string& Input)
 				return "a text of '" + Shown(Object.Id) + "': " + NotOneLine;
 			}
 		}
-		if (Object.Origin != "placed")
+		if (Object.Origin != ELodexPlacement::Placed)
 		{
 			return "'" + Shown(Object.Id) + "' is not placed";
 		}
-		const bool bOuterFits = Object.Kind == "actor" ? Object.Outer == &Objects[0]
-			: Object.Kind == "component"
-			? Object.Outer != nullptr && Object.Outer < &Object && Object.Outer->Kind == "actor"
+		const bool bOuterFits = Object.Kind == ELodexSnapshotKind::Actor ? Object.Outer == &Objects[0]
+			: Object.Kind == ELodexSnapshotKind::Component
+			? Object.Outer != nullptr && Object.Outer < &Object && Object.Outer->Kind == ELodexSnapshotKind::Actor
 			: Index == 0 && Object.Outer == nullptr;
 		if (!bOuterFits)
 		{
-			return "'" + Shown(Object.Id) + "' (" + Object.Kind + ") has an outer it cannot have";
+			return "'" + Shown(Object.Id) + "' (" + LodexSnapshot::GetKindName(Object.Kind) +
+				") has an outer it cannot have";
 		}
-		if (Object.AttachParent != nullptr && (Object.Kind != "actor" || Object.AttachParent->Kind != "actor"))
+		if (Object.AttachParent != nullptr &&
+			(Object.Kind != ELodexSnapshotKind::Actor || Object.AttachParent->Kind != ELodexSnapshotKind::Actor))
 		{
 			return "'" + Shown(Object.Id) + "' is attached to something other than an actor";
 		}

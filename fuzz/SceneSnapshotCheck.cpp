@@ -18,26 +18,26 @@ namespace
 {
 	bool IsSceneNode(const FSceneObject& Object)
 	{
-		return Object.Kind == "actor" || Object.Kind == "widgetTree" || Object.Kind == "widget" ||
-			Object.Kind == "userWidget";
+		return Object.Kind == ELodexSnapshotKind::Actor || Object.Kind == ELodexSnapshotKind::WidgetTree ||
+			Object.Kind == ELodexSnapshotKind::Widget || Object.Kind == ELodexSnapshotKind::UserWidget;
 	}
 
 	/** The next object up, by the snapshot's fields (docs/scene-snapshot.md) rather than through the graph. */
 	const FSceneObject* SceneParent(const FSceneObject& Object)
 	{
-		if (Object.Kind == "actor")
+		if (Object.Kind == ELodexSnapshotKind::Actor)
 		{
 			return Object.AttachParent;
 		}
-		if (Object.Kind == "widgetTree")
+		if (Object.Kind == ELodexSnapshotKind::WidgetTree)
 		{
 			return Object.RootWidget;
 		}
-		if (Object.Kind == "widget")
+		if (Object.Kind == ELodexSnapshotKind::Widget)
 		{
 			return nullptr;
 		}
-		if (Object.Kind == "userWidget")
+		if (Object.Kind == ELodexSnapshotKind::UserWidget)
 		{
 			return Object.WidgetParent;
 		}
@@ -74,7 +74,7 @@ namespace
 		for (std::size_t Index = Walk.size(); Index > Bottom; --Index)
 		{
 			const FSceneObject& Step = *Walk[Index - 1];
-			if (Step.Kind == "component")
+			if (Step.Kind == ELodexSnapshotKind::Component)
 			{
 				Text += "/fn:component('" + Step.Name + "')";
 			}

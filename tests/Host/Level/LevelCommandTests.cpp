@@ -92,7 +92,7 @@ namespace
 		const FSceneObject* Crate = nullptr;
 		for (const FSceneObject& Object : Snapshot.GetObjects())
 		{
-			EXPECT_EQ(Object.Origin, LodexSceneOrigin::Placed) << Object.Id;
+			EXPECT_EQ(Object.Origin, ELodexPlacement::Placed) << Object.Id;
 			Crate = Object.Name == "Crate_3" ? &Object : Crate;
 		}
 		ASSERT_NE(Crate, nullptr);

@@ -326,7 +326,7 @@ namespace
 			FLintBaselineCheck Check(OldScene.Scene, *OldIndex, NewScene.Scene, *NewIndex, NewFinder);
 			for (const FSceneObject& Object : OldScene.Scene.GetObjects())
 			{
-				if (Object.Kind != "actor")
+				if (Object.Kind != ELodexSnapshotKind::Actor)
 				{
 					continue;
 				}

@@ -62,7 +62,7 @@ namespace
 			std::vector<std::string> Lines;
 			for (const FSceneObject& Object : Scene.Scene.GetObjects())
 			{
-				Lines.push_back(Object.Kind + " " + Object.Id);
+				Lines.push_back(LodexSnapshot::GetKindName(Object.Kind) + std::string(" ") + Object.Id);
 			}
 			return Lines;
 		}
@@ -139,7 +139,7 @@ namespace
 		ASSERT_EQ(Scene.Scene.GetObjects().size(), 3u);
 		for (const FSceneObject& Object : Scene.Scene.GetObjects())
 		{
-			EXPECT_EQ(Object.Origin, "placed") << Object.Id;
+			EXPECT_EQ(Object.Origin, ELodexPlacement::Placed) << Object.Id;
 			EXPECT_EQ(Object.Package, "/Game/Maps/Main") << Object.Id;
 		}
 		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Maps/Main.umap")});
@@ -174,7 +174,7 @@ namespace
 		for (const auto& Row : Rows)
 		{
 			const FSceneObject& Read = Object(Level + "." + Row.Name);
-			EXPECT_EQ(Read.Kind, "actor");
+			EXPECT_EQ(Read.Kind, ELodexSnapshotKind::Actor);
 			EXPECT_EQ(Read.ClassName, Row.ClassName) << Row.Name;
 			EXPECT_EQ(Read.Label, Row.Label) << Row.Name;
 			EXPECT_TRUE(Read.bHasTags) << Row.Name;
@@ -650,7 +650,7 @@ namespace
 		{
 			FSceneObject Object;
 			Object.Id = Id;
-			Object.Kind = "actor";
+			Object.Kind = ELodexSnapshotKind::Actor;
 			Object.Name = Id;
 			return Object;
 		};

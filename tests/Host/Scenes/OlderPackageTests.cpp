@@ -49,8 +49,9 @@ namespace
 			{
 				Tags += (Tags.empty() ? "" : ",") + Tag;
 			}
-			Lines.push_back(Object.Kind + " " + Object.Id + " " + Object.ClassName + " '" + Object.Label + "' [" +
-				Tags + "] " + (Object.AttachParent != nullptr ? Object.AttachParent->Id : "-"));
+			Lines.push_back(LodexSnapshot::GetKindName(Object.Kind) + std::string(" ") + Object.Id + " " +
+				Object.ClassName + " '" + Object.Label + "' [" + Tags + "] " +
+				(Object.AttachParent != nullptr ? Object.AttachParent->Id : "-"));
 		}
 		return Lines;
 	}

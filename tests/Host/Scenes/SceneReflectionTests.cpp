@@ -169,7 +169,7 @@ namespace
 		for (const FSceneObject& Object : Scene.GetObjects())
 		{
 			const FLodexObject Handle = FSceneSnapshot::Handle(Object);
-			Out << Object.Kind << " " << Object.Name;
+			Out << LodexSnapshot::GetKindName(Object.Kind) << " " << Object.Name;
 			for (const char* Mode : {"Absolute", "Relative", "Tag"})
 			{
 				Out << " | " << BuildLodestring(Scene, Handle, Mode);

@@ -38,7 +38,8 @@ namespace
 		for (const FSceneObject& Object : Scene.GetObjects())
 		{
 			const FLodexObject Handle = FSceneSnapshot::Handle(Object);
-			Table.AddRow({Object.Name, Object.Kind, ShowText(BuildLodestring(Scene, Handle, LodestringModes::Absolute)),
+			Table.AddRow({Object.Name, LodexSnapshot::GetKindName(Object.Kind),
+				ShowText(BuildLodestring(Scene, Handle, LodestringModes::Absolute)),
 				ShowText(BuildLodestring(Scene, Handle, LodestringModes::Relative)),
 				ShowText(BuildLodestring(Scene, Handle, LodestringModes::Tag))});
 		}

@@ -37,7 +37,7 @@ namespace
 	{
 		for (const FSceneObject* Outer = Component.Outer; Outer != nullptr; Outer = Outer->Outer)
 		{
-			if (Outer->Kind == "actor")
+			if (Outer->Kind == ELodexSnapshotKind::Actor)
 			{
 				return Outer;
 			}
@@ -56,11 +56,11 @@ namespace
 			Components.reserve(Scene.GetObjects().size() / 2);
 			for (const FSceneObject& Object : Scene.GetObjects())
 			{
-				if (Object.Kind == "actor")
+				if (Object.Kind == ELodexSnapshotKind::Actor)
 				{
 					Actors.push_back(&Object);
 				}
-				else if (Object.Kind == "component")
+				else if (Object.Kind == ELodexSnapshotKind::Component)
 				{
 					if (const FSceneObject* Owner = OwnerActorOf(Object))
 					{

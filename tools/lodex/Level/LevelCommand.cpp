@@ -11,9 +11,6 @@
 #include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
-
-#include <map>
 
 namespace
 {
@@ -62,94 +59,31 @@ namespace
 		const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Scene);
 		const FLodexBestLocatorFinder Finder(*Index);
 		FTextTreeNode Root{Path, {}};
-		FTextTreeNode* Level = &Root;
-		std::map<const FSceneObject*, std::vector<const FSceneObject*>> Components;
-		for (const FSceneObject& Object : Scene.GetObjects())
+		for (const FSceneObject& Level : Scene.GetObjects())
 		{
-			if (Object.Kind == "component" && Object.Outer != nullptr)
+			if (Level.Kind != ELodexSnapshotKind::Other || Level.Outer != nullptr)
 			{
-				Components[Object.Outer].push_back(&Object);
+				continue;
 			}
-		}
-		for (const FSceneObject& Object : Scene.GetObjects())
-		{
-			if (Object.Kind == "other" && Object.Outer == nullptr)
+			FTextTreeNode& LevelNode = Root.Add("level " + (Level.Package.empty() ? Level.Name : Level.Package));
+			for (const FSceneObject* Actor : Level.Inners)
 			{
-				Level = &Root.Add("level " + (Object.Package.empty() ? Object.Name : Object.Package));
-			}
-			else if (Object.Kind == "actor")
-			{
-				FTextTreeNode& Actor = Level->Add(DescribeLevelActor(Object, *Index, Finder));
-				for (const FSceneObject* Component : Components[&Object])
+				if (Actor->Kind != ELodexSnapshotKind::Actor)
 				{
-					Actor.Add(
-						Component->Name + (Component->ClassName.empty() ? "" : " (" + Component->ClassName + ")"));
+					continue;
+				}
+				FTextTreeNode& ActorNode = LevelNode.Add(DescribeLevelActor(*Actor, *Index, Finder));
+				for (const FSceneObject* Component : Actor->Inners)
+				{
+					if (Component->Kind == ELodexSnapshotKind::Component)
+					{
+						ActorNode.Add(
+							Component->Name + (Component->ClassName.empty() ? "" : " (" + Component->ClassName + ")"));
+					}
 				}
 			}
 		}
 		return RenderTextTree(Root);
-	}
-
-	/** The level as a scene snapshot (docs/scene-snapshot.md), with each object's class name, label and placement. */
-	std::string RenderLevelSnapshot(const FSceneSnapshot& Scene)
-	{
-		nlohmann::ordered_json Objects = nlohmann::ordered_json::array();
-		for (const FSceneObject& Object : Scene.GetObjects())
-		{
-			nlohmann::ordered_json Entry;
-			Entry["id"] = Object.Id;
-			Entry["kind"] = Object.Kind;
-			Entry["name"] = Object.Name;
-			if (Object.Outer != nullptr)
-			{
-				Entry["outer"] = Object.Outer->Id;
-			}
-			if (Object.AttachParent != nullptr)
-			{
-				Entry["attachParent"] = Object.AttachParent->Id;
-			}
-			if (Object.bHasTags)
-			{
-				Entry["tags"] = Object.Tags.Get();
-			}
-			if (!Object.ClassName.empty())
-			{
-				Entry["className"] = Object.ClassName;
-			}
-			if (!Object.Label.empty())
-			{
-				Entry["label"] = Object.Label;
-			}
-			if (!Object.Origin.empty())
-			{
-				Entry["placed"] = Object.Origin == LodexSceneOrigin::Placed;
-			}
-			if (!Object.Guid.empty())
-			{
-				Entry["guid"] = Object.Guid;
-			}
-			if (Object.bHasLocation)
-			{
-				Entry["location"] = {Object.Location[0], Object.Location[1], Object.Location[2]};
-			}
-			if (Object.bEditorOnly)
-			{
-				Entry["editorOnly"] = true;
-			}
-			if (Object.bStreamedOnDemand)
-			{
-				Entry["streamedOnDemand"] = true;
-			}
-			if (!Object.Package.empty())
-			{
-				Entry["package"] = Object.Package;
-			}
-			Objects.push_back(std::move(Entry));
-		}
-		nlohmann::ordered_json Root;
-		Root["objects"] = std::move(Objects);
-		// Text is written as it was read: UTF-8 passes through, bytes that are not UTF-8 are replaced.
-		return Root.dump(1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 	}
 
 	class FLevelCommand final : public ILodexCommand
@@ -182,8 +116,7 @@ namespace
 					   << "another kind of file); lodex level reads .umap files\n";
 				return LodexExitFailure;
 			}
-			Io.Out << (Format == "json" ? RenderLevelSnapshot(Read.Scene)
-										: RenderLevelTree(SceneFile.Path, Read.Scene));
+			Io.Out << (Format == "json" ? Read.Scene.Write() : RenderLevelTree(SceneFile.Path, Read.Scene));
 			return LodexExitOk;
 		}
 

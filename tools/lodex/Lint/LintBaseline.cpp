@@ -21,7 +21,7 @@ namespace
 	{
 		for (; Object != nullptr; Object = Object->Outer)
 		{
-			if (Object->Kind == "actor")
+			if (Object->Kind == ELodexSnapshotKind::Actor)
 			{
 				return Object;
 			}
@@ -162,7 +162,7 @@ void FLintBaselineCheck::FindCandidates(const FSceneObject& Actor, std::vector<F
 	std::vector<std::pair<double, const FSceneObject*>> Scored;
 	for (const FSceneObject& Candidate : New.GetObjects())
 	{
-		if (Candidate.Kind != "actor" || Diff.OldOf(&Candidate) != nullptr)
+		if (Candidate.Kind != ELodexSnapshotKind::Actor || Diff.OldOf(&Candidate) != nullptr)
 		{
 			continue; // an actor paired with another is that one
 		}

@@ -5,19 +5,21 @@
 
 #include "UnrealPackage.h"
 
+#include "LodexDebugger/Core/Explorer/SnapshotObject.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
-/** A component of an actor read from a package. */
-struct FLevelComponent
+/**
+ * A component of an actor read from a package. Of what the level saves of an object (FLodexSavedObject) it has its
+ * class name and, flagged not-for-client and not-for-server (or its actor is), bEditorOnly: only the editor loads it.
+ */
+struct FLevelComponent : FLodexSavedObject
 {
 	/** The object path (`/Game/Maps/Main.Main:PersistentLevel.Lamp_2.PointLight`), unique in a project. */
 	std::string Path;
 	std::string Name;
-	std::string ClassName;
-	/** Flagged not-for-client and not-for-server (or its actor is): only the editor loads it. */
-	bool bEditorOnly = false;
 	/**
 	 * For an object only its class can make a component, a Blueprint class of another package
 	 * (`/Game/BP/BP_Spinner.BP_Spinner_C`): that class's path, for the reader of the level to follow its supers.
@@ -26,18 +28,20 @@ struct FLevelComponent
 	std::string ClassToCheck;
 };
 
-/** An actor read from a package: what the level saves of it. */
-struct FLevelActor
+/**
+ * An actor read from a package: what the level saves of it. Its class name, editor label (`ActorLabel`), saved
+ * `ActorGuid`, location (the root component's saved `RelativeLocation`: (0, 0, 0) when it saves none, unknown without
+ * a root) and whether it is flagged not-for-client and not-for-server (a BSP brush, an editor helper) are the
+ * FLodexSavedObject it is, which the scene made of the level takes as it is.
+ */
+struct FLevelActor : FLodexSavedObject
 {
 	/** Where the export map gives the actor's name, for messages. */
 	std::size_t Offset = 0;
 	std::string Path;
 	std::string Name;
-	std::string ClassName;
 	/** The class's object path (`/Script/Engine.StaticMeshActor`, `/Game/BP/BP_Door.BP_Door_C`). */
 	std::string ClassPath;
-	/** The editor label (`ActorLabel`); empty when the level saves none. */
-	std::string Label;
 	/** Whether the level saves the actor's own `Tags` (otherwise they are its class's defaults). */
 	bool bHasTags = false;
 	FSharedTags Tags;
@@ -47,13 +51,6 @@ struct FLevelActor
 	 * attached to nothing. It may lie in another package (World Partition actors attach across packages).
 	 */
 	std::string AttachParentPath;
-	/** The saved `ActorGuid`, as `FGuid::ToString()` writes it; empty when the actor saves none. */
-	std::string Guid;
-	/** The root component's saved `RelativeLocation`; (0, 0, 0) when it saves none, unknown without a root. */
-	bool bHasLocation = false;
-	double Location[3] = {0, 0, 0};
-	/** Flagged not-for-client and not-for-server: only the editor loads it (a BSP brush, an editor helper). */
-	bool bEditorOnly = false;
 };
 
 /** What a map package holds: a level, or a redirector to one. */

@@ -36,9 +36,10 @@ struct FLevelScene
 {
 	/**
 	 * The objects of every level read, each level's in turn (the map's, then its sub-levels'): the level
-	 * ("PersistentLevel", kind "other"), the actors of its `Actors` array in order, then its external actors;
-	 * each actor followed by its components. Ids are object paths, unique across levels; every object's
-	 * Origin is "placed", its Package the package it was read from.
+	 * ("PersistentLevel", kind Other), the actors of its `Actors` array in order, then its external actors;
+	 * each actor followed by its components. A level's Inners are its actors, an actor's its components. Ids are
+	 * object paths, unique across levels; every object's Origin is Placed, its Package the package it was read
+	 * from.
 	 */
 	FSceneSnapshot Scene;
 	/**

@@ -1,32 +1,11 @@
 // Copyright Lodex contributors.
-// A level's objects made into a scene (declared in LevelScene.h and LoadedLevel.h).
-#include "LevelScene.h"
-
 #include "LoadedLevel.h"
-#include "Packages/UnrealPackage.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
-#include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
-
-bool IsUnrealPackageBytes(const std::string& Bytes)
-{
-	static const char Tag[] = {'\xC1', '\x83', '\x2A', '\x9E'};
-	static const char Swapped[] = {'\x9E', '\x2A', '\x83', '\xC1'};
-	return Bytes.size() >= 4 && (Bytes.compare(0, 4, Tag, 4) == 0 || Bytes.compare(0, 4, Swapped, 4) == 0);
-}
-
-bool IsUnrealPackageFile(const std::string& Path)
-{
-	std::ifstream In(Path, std::ios::binary);
-	char Head[4] = {};
-	return In.read(Head, 4) && IsUnrealPackageBytes(std::string(Head, 4));
-}
 
 bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::string& OutError)
 {
@@ -57,7 +36,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 	{
 		FSceneObjectLinks Link;
 		Link.Outer = Outer;
-		Object.Origin = LodexSceneOrigin::Placed;
+		Object.Origin = ELodexPlacement::Placed;
 		Objects.push_back(std::move(Object));
 		Links.push_back(Link);
 		return Objects.size() - 1;
@@ -67,7 +46,7 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 	{
 		FSceneObject LevelObject;
 		LevelObject.Id = Level.WorldPath + ":PersistentLevel";
-		LevelObject.Kind = "other";
+		LevelObject.Kind = ELodexSnapshotKind::Other;
 		LevelObject.Name = "PersistentLevel";
 		LevelObject.ClassName = "Level";
 		LevelObject.Package = Level.PackagePath;
@@ -79,18 +58,13 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 			FLevelActor& Actor = Loaded.Actor;
 			const FActorSource& Source = Level.Sources[Loaded.Source];
 			FSceneObject Object;
+			static_cast<FLodexSavedObject&>(Object) = std::move(Actor); // what the level saves of it, as it is
 			Object.Id = std::move(Actor.Path);
-			Object.Kind = "actor";
+			Object.Kind = ELodexSnapshotKind::Actor;
 			Object.Name = std::move(Actor.Name);
-			Object.ClassName = std::move(Actor.ClassName);
-			Object.Label = std::move(Actor.Label);
 			Object.bHasTags = true;
 			Object.Tags = std::move(Actor.Tags);
 			Object.Package = Source.Package;
-			Object.Guid = std::move(Actor.Guid);
-			Object.bHasLocation = Actor.bHasLocation;
-			Object.bEditorOnly = Actor.bEditorOnly;
-			std::copy(std::begin(Actor.Location), std::end(Actor.Location), std::begin(Object.Location));
 			const std::size_t ActorIndex = Add(std::move(Object), LevelIndex);
 			SourceOf[ActorIndex] = &Source;
 			const auto Inserted = ActorByPath.emplace(Objects[ActorIndex].Id, ActorIndex);
@@ -112,12 +86,11 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 					continue; // a class no package here shows to be a component's
 				}
 				FSceneObject Child;
+				static_cast<FLodexSavedObject&>(Child) = std::move(Component);
 				Child.Id = std::move(Component.Path);
-				Child.Kind = "component";
+				Child.Kind = ELodexSnapshotKind::Component;
 				Child.Name = std::move(Component.Name);
-				Child.ClassName = std::move(Component.ClassName);
 				Child.Package = Source.Package;
-				Child.bEditorOnly = Component.bEditorOnly;
 				Add(std::move(Child), ActorIndex);
 			}
 		}
@@ -157,37 +130,4 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 		return false;
 	}
 	return true;
-}
-
-bool ReadLevelSceneBytes(std::string Bytes, const std::string& SourceName, const std::string& PackagePath,
-	FLevelScene& Out, std::string& OutError)
-{
-	Out = FLevelScene();
-	FUnrealPackage Package;
-	FPackageError Error;
-	FLevelPackageContents Contents;
-	if (!FUnrealPackage::Read(std::move(Bytes), PackagePath, Package, Error) ||
-		!ReadLevelPackage(Package, Contents, Error))
-	{
-		OutError = Error.Describe(SourceName);
-		return false;
-	}
-	if (!Contents.RedirectTarget.empty())
-	{
-		OutError = SourceName + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Contents.RedirectTarget) +
-			", not a level";
-		return false;
-	}
-	std::vector<FLoadedLevel> Levels(1);
-	Levels[0].PackagePath = PackagePath;
-	Levels[0].WorldPath = Contents.WorldPath;
-	Levels[0].File = SourceName;
-	Levels[0].Sources.push_back(FActorSource{SourceName, PackagePath});
-	Levels[0].Actors.reserve(Contents.Actors.size());
-	for (FLevelActor& Actor : Contents.Actors)
-	{
-		Levels[0].Actors.push_back(FLoadedActor{std::move(Actor), 0});
-	}
-	Out.Files.push_back(SourceName);
-	return BuildLevelScene(std::move(Levels), Out, OutError);
 }

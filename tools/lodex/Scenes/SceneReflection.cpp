@@ -9,7 +9,7 @@ namespace
 		const FSceneObject* Outer = Component.Outer;
 		for (std::size_t Step = 0; Outer != nullptr && Step < MaxSteps; ++Step, Outer = Outer->Outer)
 		{
-			if (Outer->Kind == "actor")
+			if (Outer->Kind == ELodexSnapshotKind::Actor)
 			{
 				return Outer;
 			}
@@ -24,7 +24,7 @@ FSceneReflection::FSceneReflection(const FSceneSnapshot& InScene)
 	const std::size_t Count = Scene.GetObjects().size();
 	for (const FSceneObject& Object : Scene.GetObjects())
 	{
-		if (Object.Kind != "component")
+		if (Object.Kind != ELodexSnapshotKind::Component)
 		{
 			continue;
 		}

@@ -5,6 +5,8 @@
 #include "Cli/WholeFile.h"
 #include "ContentFiles.h"
 
+#include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -22,6 +24,25 @@ namespace
 		return Value.type_name();
 	}
 
+	/** Fills each object's Inners from the outers set. */
+	void ListInners(std::vector<FSceneObject>& Objects)
+	{
+		for (FSceneObject& Object : Objects)
+		{
+			if (Object.Outer != nullptr)
+			{
+				Objects[static_cast<std::size_t>(Object.Outer - Objects.data())].Inners.push_back(&Object);
+			}
+		}
+	}
+
+	/** Writes a number as the JSON reader of snapshots gives it back: the shortest text that reads as the same double.
+	 */
+	void AppendJsonNumber(std::string& Out, double Value)
+	{
+		Out += FJson(Value).dump();
+	}
+
 	std::string DescribeObject(std::size_t Index, const std::string& Id)
 	{
 		std::string Text = "objects[" + std::to_string(Index) + "]";
@@ -35,7 +56,12 @@ namespace
 
 const std::vector<std::string>& FSceneSnapshot::GetKinds()
 {
-	static const std::vector<std::string> Kinds{"actor", "widgetTree", "widget", "userWidget", "component", "other"};
+	static const std::vector<std::string> Kinds{LodexSnapshot::GetKindName(ELodexSnapshotKind::Actor),
+		LodexSnapshot::GetKindName(ELodexSnapshotKind::WidgetTree),
+		LodexSnapshot::GetKindName(ELodexSnapshotKind::Widget),
+		LodexSnapshot::GetKindName(ELodexSnapshotKind::UserWidget),
+		LodexSnapshot::GetKindName(ELodexSnapshotKind::Component),
+		LodexSnapshot::GetKindName(ELodexSnapshotKind::Other)};
 	return Kinds;
 }
 
@@ -122,7 +148,8 @@ bool FSceneSnapshot::ReadObjects(
 			}
 			return true;
 		};
-		if (!ReadString("id", Object.Id, true) || !ReadString("kind", Object.Kind, true) ||
+		std::string Kind;
+		if (!ReadString("id", Object.Id, true) || !ReadString("kind", Kind, true) ||
 			!ReadString("name", Object.Name, true) || !ReadString("label", Object.Label, false, false) ||
 			!ReadString("className", Object.ClassName, false) || !ReadString("package", Object.Package, false))
 		{
@@ -136,7 +163,7 @@ bool FSceneSnapshot::ReadObjects(
 				return Fail(DescribeObject(Index, Object.Id) + ": field 'placed' must be true or false, found " +
 					JsonTypeName(*PlacedIt));
 			}
-			Object.Origin = PlacedIt->get<bool>() ? LodexSceneOrigin::Placed : LodexSceneOrigin::Spawned;
+			Object.Origin = PlacedIt->get<bool>() ? ELodexPlacement::Placed : ELodexPlacement::Spawned;
 		}
 		auto ReadFlag = [&](const char* Field, bool& bOutValue)
 		{
@@ -190,10 +217,9 @@ bool FSceneSnapshot::ReadObjects(
 		{
 			return Fail(DescribeObject(Index, "") + ": field 'id' must not be empty");
 		}
-		const std::vector<std::string>& Kinds = GetKinds();
-		if (std::find(Kinds.begin(), Kinds.end(), Object.Kind) == Kinds.end())
+		if (!LodexSnapshot::FindKind(Kind, Object.Kind))
 		{
-			return Fail(DescribeObject(Index, Object.Id) + ": field 'kind': unknown kind '" + Object.Kind +
+			return Fail(DescribeObject(Index, Object.Id) + ": field 'kind': unknown kind '" + Kind +
 				"' (expected actor, widgetTree, widget, userWidget, component or other)");
 		}
 		if (!IndexById.emplace(Object.Id, Index).second)
@@ -275,6 +301,7 @@ bool FSceneSnapshot::ReadObjects(
 			Object.*(Field.Member) = &Scene.Objects[Found->second];
 		}
 	}
+	ListInners(Scene.Objects);
 
 	// Reflection: the classes and each object's class.
 	std::string ReflectionError;
@@ -319,6 +346,7 @@ bool FSceneSnapshot::FromObjects(std::vector<FSceneObject> Objects, const std::v
 		Object.WidgetParent = nullptr;
 		Object.RootWidget = nullptr;
 		Object.Class = nullptr;
+		Object.Inners.clear();
 		if (Index >= Links.size())
 		{
 			continue;
@@ -337,8 +365,37 @@ bool FSceneSnapshot::FromObjects(std::vector<FSceneObject> Objects, const std::v
 		Object.AttachParent =
 			Link.AttachParent == FSceneObjectLinks::NoObject ? nullptr : &Scene.Objects[Link.AttachParent];
 	}
+	ListInners(Scene.Objects);
 	Out = std::move(Scene);
 	return true;
+}
+
+std::string FSceneSnapshot::Write() const
+{
+	std::vector<FLodexSnapshotObject> Written(Objects.size());
+	const FSceneObject* const First = Objects.data();
+	auto IndexOf = [First](const FSceneObject* Target)
+	{
+		return Target != nullptr ? static_cast<std::size_t>(Target - First) : FLodexSnapshotObject::NoObject;
+	};
+	for (std::size_t Index = 0; Index < Objects.size(); ++Index)
+	{
+		const FSceneObject& Object = Objects[Index];
+		FLodexSnapshotObject& Entry = Written[Index];
+		Entry.Id = Object.Id;
+		Entry.Kind = Object.Kind;
+		Entry.Name = Object.Name;
+		Entry.Outer = IndexOf(Object.Outer);
+		Entry.AttachParent = IndexOf(Object.AttachParent);
+		Entry.WidgetParent = IndexOf(Object.WidgetParent);
+		Entry.RootWidget = IndexOf(Object.RootWidget);
+		Entry.Tags = Object.bHasTags ? &Object.Tags.Get() : nullptr;
+		Entry.Placement = Object.Origin;
+		Entry.Saved = &Object;
+		Entry.bStreamedOnDemand = Object.bStreamedOnDemand;
+		Entry.Package = Object.Package;
+	}
+	return LodexSnapshot::WriteObjects(Written, &AppendJsonNumber);
 }
 
 bool FSceneSnapshot::LoadFile(const std::string& Path, FSceneSnapshot& Out, std::string& OutError)
@@ -405,19 +462,19 @@ FLodexObject FSceneSnapshot::FindObject(const std::string& IdOrName, std::string
 
 bool FSceneSnapshot::IsOfClass(FLodexObject Object, ELodexClass Class) const
 {
-	const std::string& Kind = Resolve(Object).Kind;
+	const ELodexSnapshotKind Kind = Resolve(Object).Kind;
 	switch (Class)
 	{
 		case ELodexClass::Actor:
-			return Kind == "actor";
+			return Kind == ELodexSnapshotKind::Actor;
 		case ELodexClass::WidgetTree:
-			return Kind == "widgetTree";
+			return Kind == ELodexSnapshotKind::WidgetTree;
 		case ELodexClass::Widget:
-			return Kind == "widget" || Kind == "userWidget";
+			return Kind == ELodexSnapshotKind::Widget || Kind == ELodexSnapshotKind::UserWidget;
 		case ELodexClass::UserWidget:
-			return Kind == "userWidget";
+			return Kind == ELodexSnapshotKind::UserWidget;
 		case ELodexClass::ActorComponent:
-			return Kind == "component";
+			return Kind == ELodexSnapshotKind::Component;
 	}
 	return false;
 }
@@ -473,7 +530,7 @@ namespace
 			Top = Top->Outer;
 		}
 		const bool bLevel = Top->Outer == nullptr &&
-			(Top->ClassName == "Level" || (Top->Kind == "other" && Top->Name == "PersistentLevel"));
+			(Top->ClassName == "Level" || (Top->Kind == ELodexSnapshotKind::Other && Top->Name == "PersistentLevel"));
 		return bLevel ? Top : nullptr;
 	}
 }
@@ -497,10 +554,7 @@ bool FSceneSnapshot::IsInLevelStreamedOnDemand(FLodexObject Object) const
 
 ELodexPlacement FSceneSnapshot::GetPlacement(FLodexObject Object) const
 {
-	const std::string& Origin = Resolve(Object).Origin;
-	return Origin == LodexSceneOrigin::Placed ? ELodexPlacement::Placed
-		: Origin == LodexSceneOrigin::Spawned ? ELodexPlacement::Spawned
-											  : ELodexPlacement::Unknown;
+	return Resolve(Object).Origin;
 }
 
 bool FSceneSnapshot::GetTags(FLodexObject Object, std::vector<std::string>& OutTags) const

@@ -5,6 +5,7 @@
 
 #include "SceneClasses.h"
 
+#include "LodexDebugger/Core/Explorer/SnapshotObject.h"
 #include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
 
 #include <nlohmann/json_fwd.hpp>
@@ -13,47 +14,29 @@
 #include <string>
 #include <vector>
 
-/** Where an object of a scene came from (`FSceneObject::Origin`). */
-namespace LodexSceneOrigin
-{
-	/** Saved with its level: every object read from a level, and those a snapshot marks `"placed": true`. */
-	inline constexpr const char* Placed = "placed";
-	/** Spawned at play time: those a snapshot marks `"placed": false`. */
-	inline constexpr const char* Spawned = "spawned";
-}
-
-/** One object of a scene snapshot file. References to other objects are resolved to pointers. */
-struct FSceneObject
+/**
+ * One object of a scene snapshot file. References to other objects are resolved to pointers. What a level saves of
+ * the object (its class name, label, GUID, location, whether only the editor has it) is the FLodexSavedObject it is.
+ */
+struct FSceneObject : FLodexSavedObject
 {
 	std::string Id;
-	std::string Kind;
+	ELodexSnapshotKind Kind = ELodexSnapshotKind::Other;
 	std::string Name;
 	const FSceneObject* Outer = nullptr;
 	const FSceneObject* AttachParent = nullptr;
 	const FSceneObject* WidgetParent = nullptr;
 	const FSceneObject* RootWidget = nullptr;
+	/** The objects whose outer this is, in the scene's order. */
+	std::vector<const FSceneObject*> Inners;
 	bool bHasTags = false;
 	FSharedTags Tags;
 	/** The object's class; null in files without reflection. */
 	const FSceneClass* Class = nullptr;
-	/** The editor label of an actor read from a level; empty when it has none. */
-	std::string Label;
-	/** The class name as text (`StaticMeshActor`, `BP_Door_C`), for objects read from a level. */
-	std::string ClassName;
-	/**
-	 * `LodexSceneOrigin::Placed` or `Spawned`: every object read from a level is placed, a snapshot says so in
-	 * "placed"; empty when unknown.
-	 */
-	std::string Origin;
+	/** Every object read from a level is placed; a snapshot says so in "placed". */
+	ELodexPlacement Origin = ELodexPlacement::Unknown;
 	/** The package the object was read from (`/Game/Maps/Main`, or an external actor package); empty otherwise. */
 	std::string Package;
-	/** The actor's `ActorGuid`: 32 upper-case hex digits, as `FGuid::ToString()` writes it; empty when unknown. */
-	std::string Guid;
-	/** The actor's location (its root component's relative location); bHasLocation false when unknown. */
-	bool bHasLocation = false;
-	double Location[3] = {0, 0, 0};
-	/** Only the editor has the object (saved not-for-client and not-for-server): the game does not. */
-	bool bEditorOnly = false;
 	/** For a level: the game loads it only when it streams it in (a dynamic streaming level not loaded at start). */
 	bool bStreamedOnDemand = false;
 };
@@ -95,6 +78,11 @@ public:
 	 */
 	static bool FromObjects(std::vector<FSceneObject> Objects, const std::vector<FSceneObjectLinks>& Links,
 		FSceneSnapshot& Out, std::string& OutError);
+
+	/**
+	 * The scene as a snapshot file: every object, in order, with each field it has (LodexSnapshot::WriteObjects).
+	 */
+	std::string Write() const;
 
 	/** Reads and parses a snapshot file. */
 	static bool LoadFile(const std::string& Path, FSceneSnapshot& Out, std::string& OutError);

@@ -3,35 +3,335 @@
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <unordered_map>
 #include <unordered_set>
 
 namespace SnapshotWriterPrivate
 {
-	const char* KindOf(const ILodexObjectGraph& Graph, FLodexObject Object)
+	ELodexSnapshotKind KindOf(const ILodexObjectGraph& Graph, FLodexObject Object)
 	{
 		if (Graph.IsOfClass(Object, ELodexClass::Actor))
 		{
-			return "actor";
+			return ELodexSnapshotKind::Actor;
 		}
 		if (Graph.IsOfClass(Object, ELodexClass::WidgetTree))
 		{
-			return "widgetTree";
+			return ELodexSnapshotKind::WidgetTree;
 		}
 		if (Graph.IsOfClass(Object, ELodexClass::UserWidget))
 		{
-			return "userWidget";
+			return ELodexSnapshotKind::UserWidget;
 		}
 		if (Graph.IsOfClass(Object, ELodexClass::Widget))
 		{
-			return "widget";
+			return ELodexSnapshotKind::Widget;
 		}
 		if (Graph.IsOfClass(Object, ELodexClass::ActorComponent))
 		{
-			return "component";
+			return ELodexSnapshotKind::Component;
 		}
-		return "other";
+		return ELodexSnapshotKind::Other;
+	}
+
+	/** How the objects of a snapshot are laid out (see LodexSnapshot::Write and WriteObjects). */
+	enum class ELayout : std::uint8_t
+	{
+		ObjectPerLine,
+		ValuePerLine,
+	};
+
+	/**
+	 * At Text[Index], a byte of 0x80 or more: the length of the well-formed UTF-8 sequence there (bOutWellFormed),
+	 * or else of its ill-formed part: the bytes before the first one that cannot continue it, at least one.
+	 */
+	std::size_t MeasureUtf8Sequence(const std::string& Text, std::size_t Index, bool& bOutWellFormed)
+	{
+		const unsigned char Lead = static_cast<unsigned char>(Text[Index]);
+		std::size_t Length = 0;
+		unsigned char Low = 0x80;
+		unsigned char High = 0xBF;
+		if (Lead >= 0xC2 && Lead <= 0xDF)
+		{
+			Length = 2;
+		}
+		else if (Lead >= 0xE0 && Lead <= 0xEF)
+		{
+			Length = 3;
+			Low = Lead == 0xE0 ? 0xA0 : 0x80; // no overlong form
+			High = Lead == 0xED ? 0x9F : 0xBF; // no surrogate
+		}
+		else if (Lead >= 0xF0 && Lead <= 0xF4)
+		{
+			Length = 4;
+			Low = Lead == 0xF0 ? 0x90 : 0x80; // no overlong form
+			High = Lead == 0xF4 ? 0x8F : 0xBF; // nothing past U+10FFFF
+		}
+		else
+		{
+			bOutWellFormed = false;
+			return 1;
+		}
+		std::size_t Read = 1;
+		for (; Read < Length && Index + Read < Text.size(); ++Read)
+		{
+			const unsigned char Next = static_cast<unsigned char>(Text[Index + Read]);
+			if (Next < (Read == 1 ? Low : 0x80) || Next > (Read == 1 ? High : 0xBF))
+			{
+				break;
+			}
+		}
+		bOutWellFormed = Read == Length;
+		return Read;
+	}
+
+	/** Appends the text as a JSON string literal the way ValuePerLine writes text (see WriteObjects). */
+	void AppendJsonTextBySubparts(std::string& Out, const std::string& Text)
+	{
+		static const char HexDigits[] = "0123456789abcdef";
+		Out += '"';
+		std::size_t Index = 0;
+		while (Index < Text.size())
+		{
+			const unsigned char Char = static_cast<unsigned char>(Text[Index]);
+			if (Char >= 0x80)
+			{
+				bool bWellFormed = false;
+				const std::size_t Length = MeasureUtf8Sequence(Text, Index, bWellFormed);
+				if (bWellFormed)
+				{
+					Out.append(Text, Index, Length);
+				}
+				else
+				{
+					Out += "\xEF\xBF\xBD";
+				}
+				Index += Length;
+				continue;
+			}
+			++Index;
+			switch (Char)
+			{
+				case '"':
+					Out += "\\\"";
+					break;
+				case '\\':
+					Out += "\\\\";
+					break;
+				case '\b':
+					Out += "\\b";
+					break;
+				case '\f':
+					Out += "\\f";
+					break;
+				case '\n':
+					Out += "\\n";
+					break;
+				case '\r':
+					Out += "\\r";
+					break;
+				case '\t':
+					Out += "\\t";
+					break;
+				default:
+					if (Char < 0x20)
+					{
+						Out += "\\u00";
+						Out += HexDigits[Char >> 4];
+						Out += HexDigits[Char & 0x0F];
+					}
+					else
+					{
+						Out += static_cast<char>(Char);
+					}
+					break;
+			}
+		}
+		Out += '"';
+	}
+
+	void AppendNumberPrinted(std::string& Out, double Value)
+	{
+		if (!std::isfinite(Value))
+		{
+			Out += "null";
+			return;
+		}
+		char Buffer[32];
+		std::snprintf(Buffer, sizeof(Buffer), "%.17g", Value);
+		Out += Buffer;
+	}
+
+	/** The fields of one object, in one layout: the object at two levels of nesting, its arrays at three. */
+	class FObjectText
+	{
+	public:
+		FObjectText(std::string& InOut, ELayout InLayout, FLodexAppendNumber InAppendNumber)
+			: Out(InOut)
+			, Layout(InLayout)
+			, AppendNumber(InAppendNumber != nullptr ? InAppendNumber : &AppendNumberPrinted)
+		{
+			Out += "{";
+		}
+
+		void String(const char* Name, const std::string& Value)
+		{
+			Key(Name);
+			Text(Value);
+		}
+
+		void Bool(const char* Name, bool bValue)
+		{
+			Key(Name);
+			Out += bValue ? "true" : "false";
+		}
+
+		void Strings(const char* Name, const std::vector<std::string>& Values)
+		{
+			Key(Name);
+			Out += "[";
+			for (std::size_t Index = 0; Index < Values.size(); ++Index)
+			{
+				Element(Index);
+				Text(Values[Index]);
+			}
+			EndArray(Values.size());
+		}
+
+		void Numbers(const char* Name, const double* Values, std::size_t Count)
+		{
+			Key(Name);
+			Out += "[";
+			for (std::size_t Index = 0; Index < Count; ++Index)
+			{
+				Element(Index);
+				AppendNumber(Out, Values[Index]);
+			}
+			EndArray(Count);
+		}
+
+		void End() { Out += Layout == ELayout::ObjectPerLine ? "}" : "\n  }"; }
+
+	private:
+		void Key(const char* Name)
+		{
+			if (Layout == ELayout::ObjectPerLine)
+			{
+				Out += bFirst ? "" : ", ";
+			}
+			else
+			{
+				Out += bFirst ? "\n   " : ",\n   ";
+			}
+			bFirst = false;
+			Text(Name);
+			Out += ": ";
+		}
+
+		void Element(std::size_t Index)
+		{
+			if (Layout == ELayout::ObjectPerLine)
+			{
+				Out += Index == 0 ? "" : ", ";
+			}
+			else
+			{
+				Out += Index == 0 ? "\n    " : ",\n    ";
+			}
+		}
+
+		void EndArray(std::size_t Count) { Out += Layout == ELayout::ObjectPerLine || Count == 0 ? "]" : "\n   ]"; }
+
+		void Text(const std::string& Value)
+		{
+			if (Layout == ELayout::ObjectPerLine)
+			{
+				LodexSnapshot::AppendJsonString(Out, Value);
+			}
+			else
+			{
+				AppendJsonTextBySubparts(Out, Value);
+			}
+		}
+
+		std::string& Out;
+		ELayout Layout;
+		FLodexAppendNumber AppendNumber;
+		bool bFirst = true;
+	};
+
+	/** Appends one object: every field it has, in the order snapshots write them. */
+	void AppendObject(std::string& Out, const std::vector<FLodexSnapshotObject>& Objects, std::size_t Index,
+		ELayout Layout, FLodexAppendNumber AppendNumber)
+	{
+		const FLodexSnapshotObject& Object = Objects[Index];
+		FObjectText Text(Out, Layout, AppendNumber);
+		Text.String("id", Object.Id);
+		Text.String("kind", LodexSnapshot::GetKindName(Object.Kind));
+		Text.String("name", Object.Name);
+		struct FReference
+		{
+			const char* Field;
+			std::size_t Target;
+		};
+		const FReference References[] = {
+			{"outer", Object.Outer},
+			{"attachParent", Object.AttachParent},
+			{"widgetParent", Object.WidgetParent},
+			{"rootWidget", Object.RootWidget},
+		};
+		for (const FReference& Reference : References)
+		{
+			if (Reference.Target != FLodexSnapshotObject::NoObject)
+			{
+				Text.String(Reference.Field, Objects[Reference.Target].Id);
+			}
+		}
+		if (Object.Tags != nullptr)
+		{
+			Text.Strings("tags", *Object.Tags);
+		}
+		static const FLodexSavedObject Nothing;
+		const FLodexSavedObject& Saved = Object.Saved != nullptr ? *Object.Saved : Nothing;
+		if (!Saved.ClassName.empty())
+		{
+			Text.String("className", Saved.ClassName);
+		}
+		if (!Saved.Label.empty())
+		{
+			Text.String("label", Saved.Label);
+		}
+		if (Object.Placement != ELodexPlacement::Unknown)
+		{
+			Text.Bool("placed", Object.Placement == ELodexPlacement::Placed);
+		}
+		if (!Saved.Guid.empty())
+		{
+			Text.String("guid", Saved.Guid);
+		}
+		if (Saved.bHasLocation)
+		{
+			Text.Numbers("location", Saved.Location, 3);
+		}
+		if (Saved.bEditorOnly)
+		{
+			Text.Bool("editorOnly", true);
+		}
+		if (Object.bStreamedOnDemand)
+		{
+			Text.Bool("streamedOnDemand", true);
+		}
+		if (!Object.Package.empty())
+		{
+			Text.String("package", Object.Package);
+		}
+		if (!Object.Class.empty())
+		{
+			Text.String("class", Object.Class);
+		}
+		Text.End();
 	}
 
 	/** Unique texts made from names: the name itself, else the name with "#2", "#3", ... */
@@ -255,58 +555,39 @@ namespace LodexSnapshot
 			AddClass(Class);
 		}
 
-		std::string Out = "{\n  \"objects\": [";
+		std::vector<FLodexSnapshotObject> Records(Written.size());
+		std::vector<std::vector<std::string>> Tags(Written.size());
+		std::vector<FLodexSavedObject> Saved(Written.size());
+		auto IndexOrNone = [&](FLodexObject Target)
+		{
+			return Target ? IndexOf[Target.Ptr] : FLodexSnapshotObject::NoObject;
+		};
 		for (std::size_t Index = 0; Index < Written.size(); ++Index)
 		{
 			const FLodexObject Object = Written[Index];
-			Out += Index == 0 ? "\n    {\"id\": " : ",\n    {\"id\": ";
-			AppendJsonString(Out, Ids[Index]);
-			AppendField(Out, "kind", KindOf(Graph, Object));
-			AppendField(Out, "name", Graph.GetName(Object));
-			struct FReference
-			{
-				const char* Field;
-				FLodexObject Target;
-			};
-			const FReference References[] = {
-				{"outer", Graph.GetOuter(Object)},
-				{"attachParent", Graph.GetAttachParent(Object)},
-				{"widgetParent", Graph.GetWidgetParent(Object)},
-				{"rootWidget", Graph.GetRootWidget(Object)},
-			};
-			for (const FReference& Reference : References)
-			{
-				if (Reference.Target)
-				{
-					AppendField(Out, Reference.Field, Ids[IndexOf[Reference.Target.Ptr]]);
-				}
-			}
-			std::vector<std::string> Tags;
-			if (Graph.GetTags(Object, Tags))
-			{
-				Out += ", \"tags\": [";
-				for (std::size_t TagIndex = 0; TagIndex < Tags.size(); ++TagIndex)
-				{
-					Out += TagIndex == 0 ? "" : ", ";
-					AppendJsonString(Out, Tags[TagIndex]);
-				}
-				Out += "]";
-			}
-			const ELodexPlacement Placement = Graph.GetPlacement(Object);
-			if (Placement != ELodexPlacement::Unknown)
-			{
-				Out += Placement == ELodexPlacement::Placed ? ", \"placed\": true" : ", \"placed\": false";
-			}
-			const std::string Guid = Graph.GetActorGuid(Object);
-			if (!Guid.empty())
-			{
-				AppendField(Out, "guid", Guid);
-			}
+			FLodexSnapshotObject& Record = Records[Index];
+			Record.Id = Ids[Index];
+			Record.Kind = KindOf(Graph, Object);
+			Record.Name = Graph.GetName(Object);
+			Record.Outer = IndexOrNone(Graph.GetOuter(Object));
+			Record.AttachParent = IndexOrNone(Graph.GetAttachParent(Object));
+			Record.WidgetParent = IndexOrNone(Graph.GetWidgetParent(Object));
+			Record.RootWidget = IndexOrNone(Graph.GetRootWidget(Object));
+			Record.Tags = Graph.GetTags(Object, Tags[Index]) ? &Tags[Index] : nullptr;
+			Record.Placement = Graph.GetPlacement(Object);
+			Saved[Index].Guid = Graph.GetActorGuid(Object);
+			Record.Saved = &Saved[Index];
 			if (ObjectClasses[Index])
 			{
-				AppendField(Out, "class", ClassNames[ClassIndexOf[ObjectClasses[Index].Ptr]]);
+				Record.Class = ClassNames[ClassIndexOf[ObjectClasses[Index].Ptr]];
 			}
-			Out += "}";
+		}
+
+		std::string Out = "{\n  \"objects\": [";
+		for (std::size_t Index = 0; Index < Records.size(); ++Index)
+		{
+			Out += Index == 0 ? "\n    " : ",\n    ";
+			AppendObject(Out, Records, Index, ELayout::ObjectPerLine, nullptr);
 		}
 		Out += Written.empty() ? "],\n" : "\n  ],\n";
 
@@ -325,6 +606,19 @@ namespace LodexSnapshot
 			OutCounts->Objects = Written.size();
 			OutCounts->Classes = Classes.size();
 		}
+		return Out;
+	}
+
+	std::string WriteObjects(const std::vector<FLodexSnapshotObject>& Objects, FLodexAppendNumber AppendNumber)
+	{
+		using namespace SnapshotWriterPrivate;
+		std::string Out = "{\n \"objects\": [";
+		for (std::size_t Index = 0; Index < Objects.size(); ++Index)
+		{
+			Out += Index == 0 ? "\n  " : ",\n  ";
+			AppendObject(Out, Objects, Index, ELayout::ValuePerLine, AppendNumber);
+		}
+		Out += Objects.empty() ? "]\n}\n" : "\n ]\n}\n";
 		return Out;
 	}
 

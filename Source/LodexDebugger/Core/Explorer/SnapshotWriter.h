@@ -2,6 +2,7 @@
 #pragma once
 
 #include "LodexReflection.h"
+#include "SnapshotObject.h"
 #include "LodexDebugger/Core/Lodestring/LodexObjectGraph.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 
@@ -16,6 +17,34 @@ struct FLodexSnapshotCounts
 	std::size_t Classes = 0;
 };
 
+/** One object as a snapshot writes it. References are indices into the list written. */
+struct FLodexSnapshotObject
+{
+	static constexpr std::size_t NoObject = static_cast<std::size_t>(-1);
+
+	std::string Id;
+	ELodexSnapshotKind Kind = ELodexSnapshotKind::Other;
+	std::string Name;
+	std::size_t Outer = NoObject;
+	std::size_t AttachParent = NoObject;
+	std::size_t WidgetParent = NoObject;
+	std::size_t RootWidget = NoObject;
+	/** The object's "Tags" array; null when it has none. */
+	const std::vector<std::string>* Tags = nullptr;
+	ELodexPlacement Placement = ELodexPlacement::Unknown;
+	/** What its level saves of it; null for nothing. */
+	const FLodexSavedObject* Saved = nullptr;
+	/** For a level: the game loads it only when it streams it in. */
+	bool bStreamedOnDemand = false;
+	/** The package the object was read from; empty when unknown. */
+	std::string Package;
+	/** Its class, by its name among the snapshot's classes; empty for none. */
+	std::string Class;
+};
+
+/** Writes a number of a snapshot (a location's coordinates) to Out. */
+using FLodexAppendNumber = void (*)(std::string& Out, double Value);
+
 namespace LodexSnapshot
 {
 	/**
@@ -27,6 +56,16 @@ namespace LodexSnapshot
 	 */
 	std::string Write(const ILodexObjectGraph& Graph, const ILodexReflection& Reflection,
 		const std::vector<FLodexObject>& Objects, FLodexSnapshotCounts* OutCounts = nullptr);
+
+	/**
+	 * The scene snapshot text (JSON, UTF-8) of objects as they are to be written, in order, without classes (what
+	 * `lodex level --format json` writes): one value a line, each level of nesting indented by one blank, text with
+	 * the short escapes JSON has (`\b` and `\f` among them) and one U+FFFD for each ill-formed part of a UTF-8
+	 * sequence (a sequence cut short counts once). Fields are written as Write writes them, in the same order.
+	 * AppendNumber writes each number; null writes it with "%.17g", which reads back as the same double.
+	 */
+	std::string WriteObjects(
+		const std::vector<FLodexSnapshotObject>& Objects, FLodexAppendNumber AppendNumber = nullptr);
 
 	/** Appends the text as a JSON string literal, quotes included. */
 	void AppendJsonString(std::string& Out, const std::string& Text);

@@ -1,16 +1,19 @@
 // Copyright Lodex contributors.
-// Finds the files a level is made of under its project's Content folder, reads them, and hands them to the scene.
+// A level read as a scene (LevelScene.h): the files a level is made of, found under its project's Content folder and
+// read, then handed to the scene (LoadedLevel.h).
 #include "LevelScene.h"
 
 #include "ContentFiles.h"
 #include "LoadedLevel.h"
 #include "Packages/TaggedProperties.h"
+#include "Packages/UnrealPackage.h"
 #include "Cli/WholeFile.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <set>
@@ -693,4 +696,51 @@ bool ReadLevelScene(const std::string& Path, const FLevelReadOptions& Options, F
 	}
 	Out = std::move(Scene);
 	return true;
+}
+
+bool IsUnrealPackageBytes(const std::string& Bytes)
+{
+	static const char Tag[] = {'\xC1', '\x83', '\x2A', '\x9E'};
+	static const char Swapped[] = {'\x9E', '\x2A', '\x83', '\xC1'};
+	return Bytes.size() >= 4 && (Bytes.compare(0, 4, Tag, 4) == 0 || Bytes.compare(0, 4, Swapped, 4) == 0);
+}
+
+bool IsUnrealPackageFile(const std::string& Path)
+{
+	std::ifstream In(Path, std::ios::binary);
+	char Head[4] = {};
+	return In.read(Head, 4) && IsUnrealPackageBytes(std::string(Head, 4));
+}
+
+bool ReadLevelSceneBytes(std::string Bytes, const std::string& SourceName, const std::string& PackagePath,
+	FLevelScene& Out, std::string& OutError)
+{
+	Out = FLevelScene();
+	FUnrealPackage Package;
+	FPackageError Error;
+	FLevelPackageContents Contents;
+	if (!FUnrealPackage::Read(std::move(Bytes), PackagePath, Package, Error) ||
+		!ReadLevelPackage(Package, Contents, Error))
+	{
+		OutError = Error.Describe(SourceName);
+		return false;
+	}
+	if (!Contents.RedirectTarget.empty())
+	{
+		OutError = SourceName + ": a redirector to " + LodexText::EscapeControlsAndIllFormed(Contents.RedirectTarget) +
+			", not a level";
+		return false;
+	}
+	std::vector<FLoadedLevel> Levels(1);
+	Levels[0].PackagePath = PackagePath;
+	Levels[0].WorldPath = Contents.WorldPath;
+	Levels[0].File = SourceName;
+	Levels[0].Sources.push_back(FActorSource{SourceName, PackagePath});
+	Levels[0].Actors.reserve(Contents.Actors.size());
+	for (FLevelActor& Actor : Contents.Actors)
+	{
+		Levels[0].Actors.push_back(FLoadedActor{std::move(Actor), 0});
+	}
+	Out.Files.push_back(SourceName);
+	return BuildLevelScene(std::move(Levels), Out, OutError);
 }
