@@ -39,7 +39,9 @@ namespace SnapshotWriterPrivate
 	/** How the objects of a snapshot are laid out (see LodexSnapshot::Write and WriteObjects). */
 	enum class ELayout : std::uint8_t
 	{
+		/** Each object on a line of its own, its fields separated by ", ": the editor's export. */
 		ObjectPerLine,
+		/** Each field and each array element on a line of its own, indented one blank a level: `lodex level`. */
 		ValuePerLine,
 	};
 
@@ -152,6 +154,7 @@ namespace SnapshotWriterPrivate
 		Out += '"';
 	}
 
+	/** A number with all the digits a double needs to read back the same; `null` for one that is not finite. */
 	void AppendNumberPrinted(std::string& Out, double Value)
 	{
 		if (!std::isfinite(Value))
