@@ -36,8 +36,7 @@ namespace
 		}
 	}
 
-	/** Writes a number as the JSON reader of snapshots gives it back: the shortest text that reads as the same double.
-	 */
+	/** A number as the JSON library writes it: the shortest text that reads back as the same double. */
 	void AppendJsonNumber(std::string& Out, double Value)
 	{
 		Out += FJson(Value).dump();
