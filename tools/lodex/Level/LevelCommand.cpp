@@ -75,7 +75,11 @@ namespace
 		{
 			if (Object.Kind == "other" && Object.Outer == nullptr)
 			{
-				Level = &Root.Add("level " + (Object.Package.empty() ? Object.Name : Object.Package));
+				Level = &Root.Add(Object.InstancedBy.empty()
+						? "level " + (Object.Package.empty() ? Object.Name : Object.Package)
+						: "level " + Object.Id.substr(0, Object.Id.find_first_of(".:")) + " (a Level Instance of " +
+							Object.Package + ", by " + Object.InstancedBy.substr(Object.InstancedBy.rfind('.') + 1) +
+							")");
 			}
 			else if (Object.Kind == "actor")
 			{
@@ -139,6 +143,10 @@ namespace
 			if (Object.bStreamedOnDemand)
 			{
 				Entry["streamedOnDemand"] = true;
+			}
+			if (!Object.InstancedBy.empty())
+			{
+				Entry["instancedBy"] = Object.InstancedBy;
 			}
 			if (!Object.Package.empty())
 			{

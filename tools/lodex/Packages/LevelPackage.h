@@ -54,6 +54,12 @@ struct FLevelActor
 	double Location[3] = {0, 0, 0};
 	/** Flagged not-for-client and not-for-server: only the editor loads it (a BSP brush, an editor helper). */
 	bool bEditorOnly = false;
+	/**
+	 * The world the actor saves as its `WorldAsset` (`/Game/Houses/House.House`), as a Level Instance does
+	 * (ALevelInstance::WorldAsset); empty when it saves none. Whether the game loads that world depends on the
+	 * actor's class, which the reader of the level tells.
+	 */
+	std::string InstancedWorld;
 };
 
 /** What a map package holds: a level, or a redirector to one. */
