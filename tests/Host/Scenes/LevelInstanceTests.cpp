@@ -292,4 +292,30 @@ namespace
 			EXPECT_NE(Lint.Out.find("(in " + HouseB + ")\n"), std::string::npos) << Lint.Out;
 		}
 	}
+
+	TEST_F(LevelInstances, InAWorldPartitionMapTheyAreSaidToMoveIntoTheMapsCells)
+	{
+		FTestMap Main;
+		FTestActor Settings = Actor("WorldSettings");
+		Settings.Components = {{"WorldPartition", "WorldPartition"}};
+		Main.Actors = {Settings, Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA)};
+		Write("Maps/Main.umap", WriteTestMap(Main));
+		Write("__ExternalActors__/Maps/Main/A/ZZ/First.uasset",
+			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", Actor("Boat")));
+		FTestMap House;
+		House.PackagePath = "/Game/Houses/House";
+		House.Actors = {Actor("Lamp")};
+		Write("Houses/House.umap", WriteTestMap(House));
+
+		FLevelScene Scene;
+		const std::vector<std::string> Lines = Read("Maps/Main.umap", Scene);
+		EXPECT_EQ(Lines.size(), 6u); // the map's level and three actors, the instance's level and its lamp
+		EXPECT_EQ(Scene.Notes,
+			std::vector<std::string>{"the Level Instance /Game/Maps/Main.Main:PersistentLevel."
+									 "LevelInstance_1 of /Game/Houses/House lies in the World "
+									 "Partition map " +
+				Temp.Path +
+				"/Content/Maps/Main.umap: the game moves its actors into the map's own streaming "
+				"cells; shown in a level of its own"});
+	}
 }
