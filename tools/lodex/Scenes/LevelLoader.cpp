@@ -44,6 +44,11 @@ namespace
 		std::string SuperPath;
 	};
 
+	bool IsGamePackage(const std::string& PackagePath)
+	{
+		return PackagePath.rfind("/Game/", 0) == 0;
+	}
+
 	/** The reader's state: where Content is, what has been read, and what to tell. */
 	class FLevelLoader
 	{
@@ -61,6 +66,11 @@ namespace
 		void FindGameContentOfPlugin();
 		void NoteMissingExternalActors(const FLoadedLevel& Level);
 		std::string FileOfPackage(const std::string& PackagePath) const;
+		/** Whether a package is one of the project's content, mounted at `/Game/` or at ContentRoot's mount point. */
+		bool IsContentPackage(const std::string& PackagePath) const
+		{
+			return IsGamePackage(PackagePath) || PackagePath.rfind(MountPoint, 0) == 0;
+		}
 		bool ReadPackage(
 			const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage, std::string& OutError);
 		bool LoadLevel(std::string File, std::string PackagePath, std::vector<FLoadedLevel>& Levels,
@@ -117,11 +127,6 @@ namespace
 	std::string ShownPath(const fs::path& Path)
 	{
 		return Path.lexically_normal().generic_string();
-	}
-
-	bool IsGamePackage(const std::string& PackagePath)
-	{
-		return PackagePath.rfind("/Game/", 0) == 0;
 	}
 
 	/**
@@ -482,7 +487,7 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 {
 	std::string ClassPath = Actor.ClassPath;
 	std::set<std::string> Seen;
-	for (std::size_t Depth = 0; !Actor.bHasTags && Depth < ClassDepthLimit && IsGamePackage(ClassPath); ++Depth)
+	for (std::size_t Depth = 0; !Actor.bHasTags && Depth < ClassDepthLimit && IsContentPackage(ClassPath); ++Depth)
 	{
 		if (!Seen.insert(ClassPath).second || ClassPath.find('.') == std::string::npos)
 		{
@@ -571,7 +576,7 @@ bool FLevelLoader::IsComponentClass(const std::string& ClassPath, bool& bOutComp
 			bOutComponent = true;
 			break;
 		}
-		if (Dot == std::string::npos || !IsGamePackage(Path))
+		if (Dot == std::string::npos || !IsContentPackage(Path))
 		{
 			break;
 		}
