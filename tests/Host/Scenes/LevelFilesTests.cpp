@@ -78,6 +78,33 @@ namespace
 			std::vector<std::string>{"the sub-level /Other/Maps/Far is not under " + Plugin + "/Content; left out"});
 	}
 
+	TEST(LevelFiles, APluginsLevelTakesDefaultTagsAndComponentsFromBlueprintClassesOfThePlugin)
+	{
+		FTempDir Temp;
+		const std::string Plugin = Temp.Path + "/Plugins/Rivers";
+		WriteTestFile(Plugin, "Rivers.uplugin", "{}");
+		FTestMap Map;
+		Map.PackagePath = "/Rivers/Maps/Main";
+		FTestActor Boat = NamedActor("Boat");
+		Boat.Class = "/Rivers/BP/BP_Boat.BP_Boat_C";
+		Boat.Components = {{"Oar", "/Rivers/BP/BP_Oar.BP_Oar_C"}};
+		Map.Actors = {Boat};
+		WriteTestFile(Plugin + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+		WriteTestFile(Plugin + "/Content", "BP/BP_Boat.uasset",
+			WriteTestBlueprint("/Rivers/BP/BP_Boat", "BP_Boat_C", "/Script/Engine.StaticMeshActor", true, {"vessel"}));
+		WriteTestFile(Plugin + "/Content", "BP/BP_Oar.uasset",
+			WriteTestBlueprint("/Rivers/BP/BP_Oar", "BP_Oar_C", "/Script/Engine.ActorComponent", false, {}));
+
+		FLevelScene Scene;
+		std::string Error;
+		ASSERT_TRUE(ReadLevelScene(Plugin + "/Content/Maps/Main.umap", FLevelReadOptions(), Scene, Error)) << Error;
+		const std::vector<FSceneObject>& Objects = Scene.Scene.GetObjects();
+		ASSERT_EQ(Objects.size(), 3u) << "the level, the boat and its oar";
+		EXPECT_EQ(Objects[1].Tags.Get(), std::vector<std::string>{"vessel"});
+		EXPECT_EQ(Objects[2].Name, "Oar");
+		EXPECT_EQ(Scene.Notes, std::vector<std::string>{});
+	}
+
 	TEST(LevelFiles, AWorldPartitionMapWithoutActorPackagesSaysSo)
 	{
 		FTempDir Temp;

@@ -17,7 +17,7 @@ namespace
 	std::int32_t ClassOf(FTestPackage& Package, const std::string& Class)
 	{
 		const std::size_t Dot = Class.find('.');
-		if (Class.rfind("/Game/", 0) == 0 && Dot != std::string::npos)
+		if (Class.rfind('/', 0) == 0 && Dot != std::string::npos) // a Blueprint class of /Game/ or of a plug-in
 		{
 			return Package.ImportPath(Class, "BlueprintGeneratedClass");
 		}

@@ -65,7 +65,10 @@ namespace
 			{
 				continue;
 			}
-			FTextTreeNode& LevelNode = Root.Add("level " + (Level.Package.empty() ? Level.Name : Level.Package));
+			FTextTreeNode& LevelNode = Root.Add(Level.InstancedBy.empty()
+					? "level " + (Level.Package.empty() ? Level.Name : Level.Package)
+					: "level " + Level.Id.substr(0, Level.Id.find_first_of(".:")) + " (a Level Instance of " +
+						Level.Package + ", by " + Level.InstancedBy.substr(Level.InstancedBy.rfind('.') + 1) + ")");
 			for (const FSceneObject* Actor : Level.Inners)
 			{
 				if (Actor->Kind != ELodexSnapshotKind::Actor)

@@ -266,6 +266,18 @@ namespace
 				return false;
 			}
 		}
+		const FTaggedProperty* World = Properties.Find(Package, "WorldAsset");
+		if (World != nullptr && Package.NameIs(World->Type, "SoftObjectProperty"))
+		{
+			if (!PropertyValues::ReadSoftObjectPath(Package, *World, Out.InstancedWorld, OutError))
+			{
+				return false;
+			}
+			if (Out.InstancedWorld == "None")
+			{
+				Out.InstancedWorld.clear();
+			}
+		}
 		std::int32_t RootComponent = 0;
 		if (const FTaggedProperty* Root = Properties.Find(Package, "RootComponent"))
 		{

@@ -51,6 +51,12 @@ struct FLevelActor : FLodexSavedObject
 	 * attached to nothing. It may lie in another package (World Partition actors attach across packages).
 	 */
 	std::string AttachParentPath;
+	/**
+	 * The world the actor saves as its `WorldAsset` (`/Game/Houses/House.House`), as a Level Instance does
+	 * (ALevelInstance::WorldAsset); empty when it saves none. Whether the game loads that world depends on the
+	 * actor's class, which the reader of the level tells.
+	 */
+	std::string InstancedWorld;
 };
 
 /** What a map package holds: a level, or a redirector to one. */

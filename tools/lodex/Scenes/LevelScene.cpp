@@ -4,6 +4,7 @@
 #include "LevelScene.h"
 
 #include "ContentFiles.h"
+#include "LevelInstanceNames.h"
 #include "LoadedLevel.h"
 #include "Packages/TaggedProperties.h"
 #include "Packages/UnrealPackage.h"
@@ -26,6 +27,8 @@ namespace
 
 	constexpr std::size_t RedirectLimit = 8;
 	constexpr std::size_t ClassDepthLimit = 32;
+	/** The deepest Level Instances are followed inside one another. */
+	constexpr std::size_t InstanceDepthLimit = 16;
 	/** From this many notes of one kind on, they are summed up in one line. */
 	constexpr std::size_t GroupedFrom = 3;
 
@@ -44,6 +47,11 @@ namespace
 		std::string SuperPath;
 	};
 
+	bool IsGamePackage(const std::string& PackagePath)
+	{
+		return PackagePath.rfind("/Game/", 0) == 0;
+	}
+
 	/** The reader's state: where Content is, what has been read, and what to tell. */
 	class FLevelLoader
 	{
@@ -61,6 +69,11 @@ namespace
 		void FindGameContentOfPlugin();
 		void NoteMissingExternalActors(const FLoadedLevel& Level);
 		std::string FileOfPackage(const std::string& PackagePath) const;
+		/** Whether a package is one of the project's content, mounted at `/Game/` or at ContentRoot's mount point. */
+		bool IsContentPackage(const std::string& PackagePath) const
+		{
+			return IsGamePackage(PackagePath) || PackagePath.rfind(MountPoint, 0) == 0;
+		}
 		bool ReadPackage(
 			const std::string& File, const std::string& PackagePath, FUnrealPackage& OutPackage, std::string& OutError);
 		bool LoadLevel(std::string File, std::string PackagePath, std::vector<FLoadedLevel>& Levels,
@@ -68,6 +81,14 @@ namespace
 		/** Each external actor package of the level; one that cannot be read is a note. */
 		void LoadExternalActors(FLoadedLevel& Level);
 		bool FillClassDefaultTags(FLevelActor& Actor, std::string& OutError);
+		/** The defaults of a Blueprint class, read once; null when its package is not under Content or (bOutFailed,
+		 * OutError) cannot be read. */
+		const FClassDefaults* DefaultsOf(const std::string& ClassPath, std::string& OutError, bool& bOutFailed);
+		/** Whether the class at ClassPath is the engine's class Target or derives from it, as its packages show. */
+		bool DerivesFrom(const std::string& ClassPath, const std::string& Target, bool& bOut, std::string& OutError);
+		/** The levels of the Level Instances of each level read, and of theirs, each appended to Levels. */
+		void LoadLevelInstances(std::vector<FLoadedLevel>& Levels);
+		void LoadLevelInstance(std::vector<FLoadedLevel>& Levels, std::size_t Host, const FLevelActor& Actor);
 		const FReadPackage* FindClassPackage(const std::string& PackagePath, std::string& OutError, bool& bOutFailed);
 		/** A part of the level (Kind: an external actor package, a sub-level, a Blueprint class) that could not be
 		 * read: Error names its file and why. */
@@ -109,11 +130,6 @@ namespace
 	std::string ShownPath(const fs::path& Path)
 	{
 		return Path.lexically_normal().generic_string();
-	}
-
-	bool IsGamePackage(const std::string& PackagePath)
-	{
-		return PackagePath.rfind("/Game/", 0) == 0;
 	}
 
 	/**
@@ -306,11 +322,15 @@ bool FLevelLoader::LoadLevel(std::string File, std::string PackagePath, std::vec
 		PackagePath = Target;
 	}
 	ReadLevels.insert(PackagePath);
-	Out.Files.push_back(File);
+	if (std::find(Out.Files.begin(), Out.Files.end(), File) == Out.Files.end())
+	{
+		Out.Files.push_back(File); // a level instanced many times is one file
+	}
 	FLoadedLevel Level;
 	Level.PackagePath = PackagePath;
 	Level.WorldPath = Contents.WorldPath;
 	Level.File = File;
+	Level.bWorldPartition = bPartitioned;
 	Level.Sources.push_back(FActorSource{File, PackagePath});
 	Level.Actors.reserve(Contents.Actors.size());
 	for (FLevelActor& Actor : Contents.Actors)
@@ -436,31 +456,55 @@ const FReadPackage* FLevelLoader::FindClassPackage(
 	return Slot.get();
 }
 
+const FClassDefaults* FLevelLoader::DefaultsOf(const std::string& ClassPath, std::string& OutError, bool& bOutFailed)
+{
+	bOutFailed = false;
+	const auto Known = ClassDefaults.find(ClassPath);
+	if (Known != ClassDefaults.end())
+	{
+		return &Known->second;
+	}
+	const std::size_t Dot = ClassPath.find('.');
+	if (Dot == std::string::npos)
+	{
+		return nullptr;
+	}
+	const FReadPackage* Class = FindClassPackage(ClassPath.substr(0, Dot), OutError, bOutFailed);
+	if (Class == nullptr)
+	{
+		return nullptr;
+	}
+	FPackageError Error;
+	FClassDefaults Defaults;
+	if (!ReadClassDefaults(
+			Class->Package, ClassPath.substr(Dot + 1), Defaults.bHasTags, Defaults.Tags, Defaults.SuperPath, Error))
+	{
+		OutError = Error.Describe(Class->File);
+		bOutFailed = true;
+		return nullptr;
+	}
+	return &ClassDefaults.emplace(ClassPath, std::move(Defaults)).first->second;
+}
+
 bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutError)
 {
 	std::string ClassPath = Actor.ClassPath;
 	std::set<std::string> Seen;
-	for (std::size_t Depth = 0; !Actor.bHasTags && Depth < ClassDepthLimit && IsGamePackage(ClassPath); ++Depth)
+	for (std::size_t Depth = 0; !Actor.bHasTags && Depth < ClassDepthLimit && IsContentPackage(ClassPath); ++Depth)
 	{
-		if (!Seen.insert(ClassPath).second)
+		if (!Seen.insert(ClassPath).second || ClassPath.find('.') == std::string::npos)
 		{
 			break;
 		}
-		const std::size_t Dot = ClassPath.find('.');
-		if (Dot == std::string::npos)
-		{
-			break;
-		}
-		const std::string PackagePath = ClassPath.substr(0, Dot);
-		const std::string ClassName = ClassPath.substr(Dot + 1);
 		bool bFailed = false;
-		const FReadPackage* Class = FindClassPackage(PackagePath, OutError, bFailed);
+		const FClassDefaults* Defaults = DefaultsOf(ClassPath, OutError, bFailed);
 		if (bFailed)
 		{
 			return false;
 		}
-		if (Class == nullptr)
+		if (Defaults == nullptr)
 		{
+			const std::string PackagePath = ClassPath.substr(0, ClassPath.find('.'));
 			if (MissingClasses.insert(PackagePath).second)
 			{
 				const std::string Where =
@@ -472,25 +516,40 @@ bool FLevelLoader::FillClassDefaultTags(FLevelActor& Actor, std::string& OutErro
 			}
 			break;
 		}
-		auto Found = ClassDefaults.find(ClassPath);
-		if (Found == ClassDefaults.end())
-		{
-			FPackageError Error;
-			FClassDefaults Defaults;
-			if (!ReadClassDefaults(
-					Class->Package, ClassName, Defaults.bHasTags, Defaults.Tags, Defaults.SuperPath, Error))
-			{
-				OutError = Error.Describe(Class->File);
-				return false;
-			}
-			Found = ClassDefaults.emplace(ClassPath, std::move(Defaults)).first;
-		}
-		if (Found->second.bHasTags)
+		if (Defaults->bHasTags)
 		{
 			Actor.bHasTags = true;
-			Actor.Tags = Found->second.Tags;
+			Actor.Tags = Defaults->Tags;
 		}
-		ClassPath = Found->second.SuperPath;
+		ClassPath = Defaults->SuperPath;
+	}
+	return true;
+}
+
+bool FLevelLoader::DerivesFrom(
+	const std::string& ClassPath, const std::string& Target, bool& bOut, std::string& OutError)
+{
+	bOut = false;
+	std::string Path = ClassPath;
+	std::set<std::string> Seen;
+	for (std::size_t Depth = 0; Depth < ClassDepthLimit && Seen.insert(Path).second; ++Depth)
+	{
+		if (Path == Target)
+		{
+			bOut = true;
+			return true;
+		}
+		if (Path.empty() || Path.rfind("/Script/", 0) == 0)
+		{
+			return true; // an engine class other than Target
+		}
+		bool bFailed = false;
+		const FClassDefaults* Defaults = DefaultsOf(Path, OutError, bFailed);
+		if (Defaults == nullptr)
+		{
+			return !bFailed;
+		}
+		Path = Defaults->SuperPath;
 	}
 	return true;
 }
@@ -520,7 +579,7 @@ bool FLevelLoader::IsComponentClass(const std::string& ClassPath, bool& bOutComp
 			bOutComponent = true;
 			break;
 		}
-		if (Dot == std::string::npos || !IsGamePackage(Path))
+		if (Dot == std::string::npos || !IsContentPackage(Path))
 		{
 			break;
 		}
@@ -638,8 +697,119 @@ bool FLevelLoader::Load(const std::string& Path, std::string& OutError)
 		Pending.insert(Pending.end(), More.begin(), More.end());
 	}
 	MarkLevelsStreamedOnDemand(Levels);
+	LoadLevelInstances(Levels);
 	FlushGroupedNotes();
 	return BuildLevelScene(std::move(Levels), Out, OutError);
+}
+
+void FLevelLoader::LoadLevelInstances(std::vector<FLoadedLevel>& Levels)
+{
+	// Levels grows as instances are read: the levels of instances inside instances are read in turn.
+	for (std::size_t Host = 0; Host < Levels.size(); ++Host)
+	{
+		for (std::size_t Index = 0; Index < Levels[Host].Actors.size(); ++Index)
+		{
+			const FLevelActor& Actor = Levels[Host].Actors[Index].Actor;
+			if (Actor.InstancedWorld.empty() || Actor.bEditorOnly)
+			{
+				continue;
+			}
+			bool bInstance = false;
+			std::string ClassError;
+			if (!DerivesFrom(Actor.ClassPath, "/Script/Engine.LevelInstance", bInstance, ClassError))
+			{
+				NoteUnreadable("Blueprint class", ClassError);
+				continue;
+			}
+			if (bInstance)
+			{
+				const FLevelActor Instance = Actor; // Levels may grow, and move its actors, below
+				LoadLevelInstance(Levels, Host, Instance);
+			}
+		}
+	}
+}
+
+void FLevelLoader::LoadLevelInstance(std::vector<FLoadedLevel>& Levels, std::size_t Host, const FLevelActor& Actor)
+{
+	const std::string World = Actor.InstancedWorld.substr(0, Actor.InstancedWorld.find('.'));
+	const std::string Named = "the Level Instance " + Actor.Path + " of " + World;
+	std::vector<std::string> Guids{Actor.Guid};
+	std::size_t Depth = 1;
+	for (std::size_t Up = Host;; Up = Levels[Up].InstanceHost, ++Depth)
+	{
+		// The engine refuses to load a level inside itself (ALevelInstance::CheckForLoop).
+		if (Levels[Up].Sources.front().Package == World || Depth > InstanceDepthLimit)
+		{
+			Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Named +
+				(Depth > InstanceDepthLimit ? " lies " + std::to_string(InstanceDepthLimit) + " instances deep"
+											: " lies inside that level itself") +
+				"; its level is not read again"));
+			return;
+		}
+		if (Levels[Up].InstanceActor.empty())
+		{
+			break;
+		}
+		Guids.push_back(Levels[Up].InstanceGuid);
+	}
+	const std::string File = FileOfPackage(World);
+	if (File.empty())
+	{
+		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Named + ": its level is not under " +
+			(ContentRoot.empty() ? std::string("a Content folder") : ShownPath(ContentRoot)) + "; left out"));
+		return;
+	}
+	std::vector<std::string> Streaming; // a Level Instance's level is loaded without its streaming levels
+	std::string Error;
+	const std::size_t Count = Levels.size();
+	if (!LoadLevel(File, World, Levels, Streaming, Error))
+	{
+		NoteUnreadable("Level Instance level", Error);
+		return;
+	}
+	FLoadedLevel& Level = Levels[Count];
+	std::string Loaded = LevelInstancePackageName(Level.PackagePath, Guids);
+	if (Loaded.empty())
+	{
+		// The game gives an actor saved without a GUID a new one each time it runs, and so its level a new name.
+		Loaded = "/Temp" + Level.PackagePath + "_LevelInstance_" + Actor.Name;
+		Out.Notes.push_back(LodexText::EscapeControlsAndIllFormed(Named + " (or an instance it lies in) saves no " +
+			"ActorGuid: the game names its level anew each time it runs; shown as " + Loaded));
+	}
+	if (Levels[Host].bWorldPartition)
+	{
+		NoteGrouped("Level Instances lie in World Partition maps: the game moves their actors into the map's own "
+					"streaming cells; shown in levels of their own",
+			LodexText::EscapeControlsAndIllFormed(Named + " lies in the World Partition map " + Levels[Host].File +
+				": the game moves its actors into the map's own streaming cells; shown in a level of its own"));
+	}
+	// Every object path of the level starts with its package: the game's objects start with the instance's.
+	const std::string From = Level.PackagePath + ".";
+	const std::string To = Loaded + ".";
+	const auto Rename = [&From, &To](std::string& Path)
+	{
+		if (Path.compare(0, From.size(), From) == 0)
+		{
+			Path.replace(0, From.size(), To);
+		}
+	};
+	Rename(Level.WorldPath);
+	for (FLoadedActor& Entry : Level.Actors)
+	{
+		Rename(Entry.Actor.Path);
+		Rename(Entry.Actor.AttachParentPath);
+		for (FLevelComponent& Component : Entry.Actor.Components)
+		{
+			Rename(Component.Path);
+		}
+	}
+	Level.PackagePath = Loaded;
+	Level.InstanceActor = Actor.Path;
+	Level.InstanceGuid = Actor.Guid;
+	Level.InstanceHost = Host;
+	Level.bStreamedOnDemand = Levels[Host].bStreamedOnDemand;
+	++Out.LevelInstanceCount;
 }
 
 void FLevelLoader::NoteUnreadable(const std::string& Kind, const std::string& Error)

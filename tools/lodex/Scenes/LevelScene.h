@@ -35,7 +35,8 @@ struct FLevelReadOptions
 struct FLevelScene
 {
 	/**
-	 * The objects of every level read, each level's in turn (the map's, then its sub-levels'): the level
+	 * The objects of every level read, each level's in turn (the map's, its sub-levels', then the levels of its
+	 * Level Instances, one level for each instance, named as the game names it): the level
 	 * ("PersistentLevel", kind Other), the actors of its `Actors` array in order, then its external actors;
 	 * each actor followed by its components. A level's Inners are its actors, an actor's its components. Ids are
 	 * object paths, unique across levels; every object's Origin is Placed, its Package the package it was read
@@ -51,6 +52,7 @@ struct FLevelScene
 	std::vector<std::string> Files;
 	std::size_t ExternalActorCount = 0;
 	std::size_t SubLevelCount = 0;
+	std::size_t LevelInstanceCount = 0;
 };
 
 /** Whether Bytes start like an Unreal package (its tag, in either byte order), whatever the file's name. */

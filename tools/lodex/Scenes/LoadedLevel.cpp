@@ -49,8 +49,9 @@ bool BuildLevelScene(std::vector<FLoadedLevel> Levels, FLevelScene& Out, std::st
 		LevelObject.Kind = ELodexSnapshotKind::Other;
 		LevelObject.Name = "PersistentLevel";
 		LevelObject.ClassName = "Level";
-		LevelObject.Package = Level.PackagePath;
+		LevelObject.Package = Level.Sources.front().Package; // a Level Instance is loaded as another package
 		LevelObject.bStreamedOnDemand = Level.bStreamedOnDemand;
+		LevelObject.InstancedBy = std::move(Level.InstanceActor);
 		const std::size_t LevelIndex = Add(std::move(LevelObject), FSceneObjectLinks::NoObject);
 		ActorByPath.reserve(ActorByPath.size() + Level.Actors.size());
 		for (FLoadedActor& Loaded : Level.Actors)

@@ -36,6 +36,15 @@ struct FLoadedLevel
 	std::vector<FActorSource> Sources;
 	/** Whether the game loads the level only when it streams it in. */
 	bool bStreamedOnDemand = false;
+	/** Whether the level is a World Partition map's (it saves a WorldPartition object). */
+	bool bWorldPartition = false;
+	/**
+	 * For a Level Instance's level: the id and ActorGuid of the actor that instances it, and the index (in the
+	 * levels read) of the level that actor lies in. PackagePath is then the package the game loads the level as.
+	 */
+	std::string InstanceActor;
+	std::string InstanceGuid;
+	std::size_t InstanceHost = 0;
 };
 
 /**

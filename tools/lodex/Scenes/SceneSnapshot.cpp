@@ -180,7 +180,8 @@ bool FSceneSnapshot::ReadObjects(
 			return true;
 		};
 		if (!ReadString("guid", Object.Guid, false) || !ReadFlag("editorOnly", Object.bEditorOnly) ||
-			!ReadFlag("streamedOnDemand", Object.bStreamedOnDemand))
+			!ReadFlag("streamedOnDemand", Object.bStreamedOnDemand) ||
+			!ReadString("instancedBy", Object.InstancedBy, false))
 		{
 			return false;
 		}
@@ -392,6 +393,7 @@ std::string FSceneSnapshot::Write() const
 		Entry.Placement = Object.Origin;
 		Entry.Saved = &Object;
 		Entry.bStreamedOnDemand = Object.bStreamedOnDemand;
+		Entry.InstancedBy = Object.InstancedBy;
 		Entry.Package = Object.Package;
 	}
 	return LodexSnapshot::WriteObjects(Written, &AppendJsonNumber);
@@ -541,8 +543,10 @@ std::string FSceneSnapshot::GetLevelName(FLodexObject Object) const
 	{
 		return std::string();
 	}
-	// The level's package: as read, or from its object path (`/Game/Maps/Sub.Sub:PersistentLevel`).
-	return !Level->Package.empty() ? Level->Package : Level->Id.substr(0, Level->Id.find_first_of(".:"));
+	// The level's package: as read, or from its object path (`/Game/Maps/Sub.Sub:PersistentLevel`); a Level
+	// Instance's level by the package the game loads it as, which tells one instance from another.
+	return !Level->Package.empty() && Level->InstancedBy.empty() ? Level->Package
+																 : Level->Id.substr(0, Level->Id.find_first_of(".:"));
 }
 
 bool FSceneSnapshot::IsInLevelStreamedOnDemand(FLodexObject Object) const

@@ -39,6 +39,8 @@ struct FSceneObject : FLodexSavedObject
 	std::string Package;
 	/** For a level: the game loads it only when it streams it in (a dynamic streaming level not loaded at start). */
 	bool bStreamedOnDemand = false;
+	/** For a level loaded as a Level Instance: the id of the actor that instances it; empty otherwise. */
+	std::string InstancedBy;
 };
 
 /** The references of one object built in code, by index into the same list; NoObject for none. */

@@ -326,6 +326,10 @@ namespace SnapshotWriterPrivate
 		{
 			Text.Bool("streamedOnDemand", true);
 		}
+		if (!Object.InstancedBy.empty())
+		{
+			Text.String("instancedBy", Object.InstancedBy);
+		}
 		if (!Object.Package.empty())
 		{
 			Text.String("package", Object.Package);

@@ -36,6 +36,8 @@ struct FLodexSnapshotObject
 	const FLodexSavedObject* Saved = nullptr;
 	/** For a level: the game loads it only when it streams it in. */
 	bool bStreamedOnDemand = false;
+	/** For a level loaded as a Level Instance: the id of the actor that instances it; empty otherwise. */
+	std::string InstancedBy;
 	/** The package the object was read from; empty when unknown. */
 	std::string Package;
 	/** Its class, by its name among the snapshot's classes; empty for none. */
