@@ -53,17 +53,6 @@ namespace
 	}
 }
 
-const std::vector<std::string>& FSceneSnapshot::GetKinds()
-{
-	static const std::vector<std::string> Kinds{LodexSnapshot::GetKindName(ELodexSnapshotKind::Actor),
-		LodexSnapshot::GetKindName(ELodexSnapshotKind::WidgetTree),
-		LodexSnapshot::GetKindName(ELodexSnapshotKind::Widget),
-		LodexSnapshot::GetKindName(ELodexSnapshotKind::UserWidget),
-		LodexSnapshot::GetKindName(ELodexSnapshotKind::Component),
-		LodexSnapshot::GetKindName(ELodexSnapshotKind::Other)};
-	return Kinds;
-}
-
 bool FSceneSnapshot::Parse(
 	const std::string& Text, const std::string& SourceName, FSceneSnapshot& Out, std::string& OutError)
 {

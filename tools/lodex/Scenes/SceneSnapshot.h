@@ -89,9 +89,6 @@ public:
 	/** Reads and parses a snapshot file. */
 	static bool LoadFile(const std::string& Path, FSceneSnapshot& Out, std::string& OutError);
 
-	/** The kinds a snapshot object may have. */
-	static const std::vector<std::string>& GetKinds();
-
 	const std::vector<FSceneObject>& GetObjects() const { return Objects; }
 
 	/** The classes of the file's "classes" (see SceneClasses.h); empty for a file without reflection. */
