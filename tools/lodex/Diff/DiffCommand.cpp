@@ -5,6 +5,7 @@
 #include "LevelDiff.h"
 #include "LodexTool.h"
 #include "RevisionScene.h"
+#include "Scenes/SceneOptions.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
@@ -192,6 +193,9 @@ std::string FormatLevelDiffJson(const FLevelDiff& Diff, const std::string& OldNa
 
 namespace
 {
+	/** Both scenes are positionals of diff's own (a file, or REV:PATH): only how a level is read is declared. */
+	constexpr FSceneOptionSpec DiffSceneSpec{nullptr, nullptr, 0};
+
 	class FDiffCommand final : public ILodexCommand
 	{
 	public:
@@ -203,7 +207,7 @@ namespace
 			Sub->add_option("old", Old.Path, "The earlier version: a file, or REV:PATH (the file at a git revision)")
 				->required();
 			Sub->add_option("new", New.Path, "The later version: a file, or REV:PATH")->required();
-			Sub->add_flag("--no-sublevels", bNoSubLevels, LodexNoSubLevelsHelp);
+			LevelFlags.Declare(*Sub);
 			Sub->add_flag("--exit-code", bExitCode, "Exit with 1 when something changed, as git diff --exit-code does");
 			Sub->add_option("--format", Format, "text (one line per change, grouped by kind) or json")
 				->check(CLI::IsMember({"text", "json"}))
@@ -213,8 +217,8 @@ namespace
 
 		int Run(FLodexCliIo& Io) override
 		{
-			Old.bNoSubLevels = bNoSubLevels;
-			New.bNoSubLevels = bNoSubLevels;
+			Old.bNoSubLevels = LevelFlags.File.bNoSubLevels;
+			New.bNoSubLevels = LevelFlags.File.bNoSubLevels;
 			FSceneFile OldScene;
 			FSceneFile NewScene;
 			std::string Error;
@@ -223,13 +227,8 @@ namespace
 				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
-			for (const FSceneFile* Side : {&OldScene, &NewScene})
-			{
-				for (const std::string& Note : Side->Notes)
-				{
-					Io.Err << "lodex: note: " << Note << "\n";
-				}
-			}
+			WriteSceneNotes(OldScene, Io.Err);
+			WriteSceneNotes(NewScene, Io.Err);
 			const FLevelDiff Diff = DiffLevelScenes(OldScene.Scene, NewScene.Scene);
 			Io.Out << (Format == "json" ? FormatLevelDiffJson(Diff, Old.Path, New.Path)
 										: FormatLevelDiffText(Diff, Old.Path, New.Path));
@@ -239,7 +238,7 @@ namespace
 	private:
 		FSceneFileOptions Old;
 		FSceneFileOptions New;
-		bool bNoSubLevels = false;
+		FCommandSceneOptions LevelFlags{DiffSceneSpec};
 		bool bExitCode = false;
 		std::string Format = "text";
 	};
@@ -266,10 +265,7 @@ bool LoadSceneSideFor(const FSceneFileOptions& Options, FSceneFile& Out, std::os
 		Err << "lodex: " << Error << "\n";
 		return false;
 	}
-	for (const std::string& Note : Out.Notes)
-	{
-		Err << "lodex: note: " << Note << "\n";
-	}
+	WriteSceneNotes(Out, Err);
 	return true;
 }
 

@@ -81,9 +81,14 @@ bool LoadSceneFileFor(const FSceneFileOptions& Options, FSceneFile& Out, std::os
 		Err << "lodex: " << Error << "\n";
 		return false;
 	}
-	for (const std::string& Note : Out.Notes)
+	WriteSceneNotes(Out, Err);
+	return true;
+}
+
+void WriteSceneNotes(const FSceneFile& Read, std::ostream& Err)
+{
+	for (const std::string& Note : Read.Notes)
 	{
 		Err << "lodex: note: " << Note << "\n";
 	}
-	return true;
 }
