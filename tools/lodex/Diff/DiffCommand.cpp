@@ -114,7 +114,7 @@ std::string FormatLevelDiffText(const FLevelDiff& Diff, const std::string& OldNa
 	}
 	else
 	{
-		std::string Counts;
+		std::vector<std::string> Counts;
 		for (std::size_t Index = 0; Index < Diff.Changes.size();)
 		{
 			std::size_t End = Index;
@@ -122,11 +122,10 @@ std::string FormatLevelDiffText(const FLevelDiff& Diff, const std::string& OldNa
 			{
 				++End;
 			}
-			Counts += (Counts.empty() ? "" : ", ") + std::to_string(End - Index) + " " +
-				LevelChangeName(Diff.Changes[Index].Kind);
+			Counts.push_back(std::to_string(End - Index) + " " + LevelChangeName(Diff.Changes[Index].Kind));
 			Index = End;
 		}
-		Text += Counts;
+		Text += LodexText::Join(Counts, ", ");
 	}
 	Text += " (" + PairingSummary(Diff) + ")\n";
 	if (Diff.bNoSharedGuid)
@@ -227,8 +226,8 @@ namespace
 				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
-			WriteSceneNotes(OldScene, Io.Err);
-			WriteSceneNotes(NewScene, Io.Err);
+			WriteLodexNotes(OldScene.Notes, Io.Err);
+			WriteLodexNotes(NewScene.Notes, Io.Err);
 			const FLevelDiff Diff = DiffLevelScenes(OldScene.Scene, NewScene.Scene);
 			Io.Out << (Format == "json" ? FormatLevelDiffJson(Diff, Old.Path, New.Path)
 										: FormatLevelDiffText(Diff, Old.Path, New.Path));
@@ -265,7 +264,7 @@ bool LoadSceneSideFor(const FSceneFileOptions& Options, FSceneFile& Out, std::os
 		Err << "lodex: " << Error << "\n";
 		return false;
 	}
-	WriteSceneNotes(Out, Err);
+	WriteLodexNotes(Out.Notes, Err);
 	return true;
 }
 

@@ -428,10 +428,7 @@ namespace
 			std::vector<std::string> Notes;
 			std::string Error;
 			const bool bOk = LintProjectFiles(Files, ProjectOptions, Scene, Report, Notes, Error);
-			for (const std::string& Note : Notes)
-			{
-				Io.Err << "lodex: note: " << Note << "\n";
-			}
+			WriteLodexNotes(Notes, Io.Err);
 			if (!bOk)
 			{
 				Io.Err << "lodex: " << Error << "\n";
@@ -461,10 +458,7 @@ namespace
 			std::vector<std::string> Written;
 			for (const FLintFileRepair& Repair : RepairLintFiles(Check.GetBroken(), Paths, Texts))
 			{
-				for (const std::string& Skipped : Repair.Skipped)
-				{
-					Io.Err << "lodex: note: " << Skipped << "\n";
-				}
+				WriteLodexNotes(Repair.Skipped, Io.Err);
 				if (Repair.Repairs == 0)
 				{
 					continue;

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #include "SceneFile.h"
 
+#include "Cli/LodexCli.h"
 #include "Cli/WholeFile.h"
 #include "LevelScene.h"
 
@@ -81,14 +82,6 @@ bool LoadSceneFileFor(const FSceneFileOptions& Options, FSceneFile& Out, std::os
 		Err << "lodex: " << Error << "\n";
 		return false;
 	}
-	WriteSceneNotes(Out, Err);
+	WriteLodexNotes(Out.Notes, Err);
 	return true;
-}
-
-void WriteSceneNotes(const FSceneFile& Read, std::ostream& Err)
-{
-	for (const std::string& Note : Read.Notes)
-	{
-		Err << "lodex: note: " << Note << "\n";
-	}
 }

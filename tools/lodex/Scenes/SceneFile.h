@@ -43,6 +43,3 @@ bool LoadSceneFile(const FSceneFileOptions& Options, FSceneFile& Out, std::strin
  * false.
  */
 bool LoadSceneFileFor(const FSceneFileOptions& Options, FSceneFile& Out, std::ostream& Err);
-
-/** The reading's notes, each a "lodex: note: ..." line on Err. */
-void WriteSceneNotes(const FSceneFile& Read, std::ostream& Err);
