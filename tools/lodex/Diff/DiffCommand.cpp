@@ -216,8 +216,8 @@ namespace
 
 		int Run(FLodexCliIo& Io) override
 		{
-			Old.bNoSubLevels = LevelFlags.File.bNoSubLevels;
-			New.bNoSubLevels = LevelFlags.File.bNoSubLevels;
+			Old.bNoSubLevels = LevelFlags.bNoSubLevels;
+			New.bNoSubLevels = LevelFlags.bNoSubLevels;
 			FSceneFile OldScene;
 			FSceneFile NewScene;
 			std::string Error;

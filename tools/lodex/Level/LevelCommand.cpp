@@ -179,13 +179,12 @@ namespace
 			}
 			if (!Read.bIsLevel)
 			{
-				Io.Err << "lodex: " << SceneFile.File.Path
-					   << ": not a level saved by Unreal Engine (a scene snapshot, or "
+				Io.Err << "lodex: " << SceneFile.Path << ": not a level saved by Unreal Engine (a scene snapshot, or "
 					   << "another kind of file); lodex level reads .umap files\n";
 				return LodexExitFailure;
 			}
 			Io.Out << (Format == "json" ? RenderLevelSnapshot(Read.Scene)
-										: RenderLevelTree(SceneFile.File.Path, Read.Scene));
+										: RenderLevelTree(SceneFile.Path, Read.Scene));
 			return LodexExitOk;
 		}
 

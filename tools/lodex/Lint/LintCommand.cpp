@@ -349,7 +349,7 @@ namespace
 			std::unique_ptr<FLintBaselineCheck> BaselineCheck;
 			if (!Baseline.empty())
 			{
-				FSceneFileOptions BaselineFile = SceneFile.File;
+				FSceneFileOptions BaselineFile = SceneFile;
 				BaselineFile.Path = Baseline;
 				if (!LoadSceneSideFor(BaselineFile, BaselineRead, Io.Err))
 				{
@@ -421,8 +421,8 @@ namespace
 			}
 			FLodexLintProjectOptions ProjectOptions;
 			ProjectOptions.Project = Project;
-			ProjectOptions.bNoSubLevels = SceneFile.File.bNoSubLevels;
-			ProjectOptions.bVerbose = SceneFile.File.bVerbose;
+			ProjectOptions.bNoSubLevels = SceneFile.bNoSubLevels;
+			ProjectOptions.bVerbose = SceneFile.bVerbose;
 			ProjectOptions.Jobs = Jobs > 0 ? Jobs : std::max(1u, std::thread::hardware_concurrency());
 			ProjectOptions.Lint = Options;
 			std::vector<std::string> Notes;

@@ -38,7 +38,7 @@ namespace
 			const FLodexObject Object = OutFile.Scene.FindObject(Name, Error);
 			if (!Object)
 			{
-				Io.Err << "lodex: " << SceneFile.File.Path << ": " << Error << "\n";
+				Io.Err << "lodex: " << SceneFile.Path << ": " << Error << "\n";
 				return false;
 			}
 			OutObjects.push_back(Object);

@@ -439,7 +439,7 @@ std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexSessionOptions& 
 {
 	if (Options.SceneFile.IsGiven() || Options.EvaluatorFile.empty())
 	{
-		return MakeLodexSceneEvaluator(Options.SceneFile.File, Err);
+		return MakeLodexSceneEvaluator(Options.SceneFile, Err);
 	}
 	std::string Text;
 	std::string Error;

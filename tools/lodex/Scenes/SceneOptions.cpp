@@ -15,7 +15,7 @@ void FCommandSceneOptions::DeclareScene(CLI::App& Command)
 	{
 		return;
 	}
-	CLI::Option* Scene = Command.add_option(Spec.Name, File.Path, Spec.Help);
+	CLI::Option* Scene = Command.add_option(Spec.Name, Path, Spec.Help);
 	if ((Spec.Flags & SceneRequired) != 0)
 	{
 		Scene->required();
@@ -24,14 +24,14 @@ void FCommandSceneOptions::DeclareScene(CLI::App& Command)
 
 void FCommandSceneOptions::DeclareLevelFlags(CLI::App& Command)
 {
-	Command.add_flag("--no-sublevels", File.bNoSubLevels, LodexNoSubLevelsHelp);
+	Command.add_flag("--no-sublevels", bNoSubLevels, LodexNoSubLevelsHelp);
 	if ((Spec.Flags & SceneVerboseNotes) != 0)
 	{
-		Command.add_flag("--verbose", File.bVerbose, LodexVerboseNotesHelp);
+		Command.add_flag("--verbose", bVerbose, LodexVerboseNotesHelp);
 	}
 }
 
 bool FCommandSceneOptions::Load(FSceneFile& Out, std::ostream& Err) const
 {
-	return LoadSceneFileFor(File, Out, Err);
+	return LoadSceneFileFor(*this, Out, Err);
 }

@@ -44,8 +44,11 @@ struct FSceneOptionSpec
 	unsigned Flags;
 };
 
-/** A command's scene options: declared on the command as its spec says, then the scene they name loaded. */
-class FCommandSceneOptions
+/**
+ * A command's scene options: declared on the command as its spec says, and once parsed the options of the reading,
+ * which loads the scene they name.
+ */
+class FCommandSceneOptions : public FSceneFileOptions
 {
 public:
 	explicit FCommandSceneOptions(const FSceneOptionSpec& InSpec)
@@ -63,13 +66,10 @@ public:
 	void DeclareLevelFlags(CLI::App& Command);
 
 	/** Whether a scene was named. */
-	bool IsGiven() const { return !File.Path.empty(); }
+	bool IsGiven() const { return !Path.empty(); }
 
 	/** LoadSceneFileFor with the options given: notes and a failure written to Err. */
 	bool Load(FSceneFile& Out, std::ostream& Err) const;
-
-	/** What the options hold once parsed. */
-	FSceneFileOptions File;
 
 private:
 	FSceneOptionSpec Spec;
