@@ -22,14 +22,13 @@ namespace
 		return "'" + LodexText::EscapeControlsAndIllFormed(Text) + "'";
 	}
 
-	std::string JoinNames(const std::vector<std::string>& Names, const char* Prefix)
+	/** Each name quoted after the prefix, added to Out. */
+	void AddQuotedNames(std::vector<std::string>& Out, const std::vector<std::string>& Names, const char* Prefix)
 	{
-		std::string Out;
 		for (const std::string& Name : Names)
 		{
-			Out += (Out.empty() ? "" : " ") + std::string(Prefix) + Quoted(Name);
+			Out.push_back(Prefix + Quoted(Name));
 		}
-		return Out;
 	}
 
 	std::string JoinPlain(const std::vector<std::string>& Names)
@@ -64,8 +63,12 @@ namespace
 			case ELevelChange::Reattached:
 				return DescribeLevelActor(Actor) + ": " + OrNothing(Change.Before) + " -> " + OrNothing(Change.After);
 			case ELevelChange::Retagged:
-				return DescribeLevelActor(Actor) + ": " + JoinNames(Change.Removed, "-") +
-					(Change.Removed.empty() || Change.Added.empty() ? "" : " ") + JoinNames(Change.Added, "+");
+			{
+				std::vector<std::string> Tags;
+				AddQuotedNames(Tags, Change.Removed, "-");
+				AddQuotedNames(Tags, Change.Added, "+");
+				return DescribeLevelActor(Actor) + ": " + LodexText::Join(Tags, " ");
+			}
 			case ELevelChange::ClassChanged:
 			case ELevelChange::Moved:
 				return DescribeLevelActor(Actor) + ": " + Change.Before + " -> " + Change.After;
