@@ -196,7 +196,7 @@ std::string FormatLevelDiffJson(const FLevelDiff& Diff, const std::string& OldNa
 namespace
 {
 	/** Both scenes are positionals of diff's own (a file, or REV:PATH): only how a level is read is declared. */
-	constexpr FSceneOptionSpec DiffSceneSpec{nullptr, nullptr, 0};
+	constexpr FSceneOptionLayout DiffSceneLayout{nullptr, nullptr, 0};
 
 	class FDiffCommand final : public ILodexCommand
 	{
@@ -240,7 +240,7 @@ namespace
 	private:
 		FSceneFileOptions Old;
 		FSceneFileOptions New;
-		FCommandSceneOptions LevelFlags{DiffSceneSpec};
+		FCommandSceneOptions LevelFlags{DiffSceneLayout};
 		bool bExitCode = false;
 		std::string Format = "text";
 	};

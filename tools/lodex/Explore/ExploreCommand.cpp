@@ -10,7 +10,7 @@
 
 namespace
 {
-	constexpr FSceneOptionSpec ExploreSceneSpec{"--scene",
+	constexpr FSceneOptionLayout ExploreSceneLayout{"--scene",
 		"Scene file: a snapshot (JSON) with classes, or a level (.umap, which holds no classes)",
 		SceneRequired | SceneVerboseNotes};
 
@@ -62,7 +62,7 @@ namespace
 		}
 
 	private:
-		FCommandSceneOptions SceneFile{ExploreSceneSpec};
+		FCommandSceneOptions SceneFile{ExploreSceneLayout};
 	};
 }
 

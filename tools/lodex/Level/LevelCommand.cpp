@@ -160,7 +160,7 @@ namespace
 		return Root.dump(1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 	}
 
-	constexpr FSceneOptionSpec LevelSceneSpec{
+	constexpr FSceneOptionLayout LevelSceneLayout{
 		"level", "A level saved by Unreal Engine 5.0 (.umap)", SceneRequired | SceneVerboseNotes};
 
 	class FLevelCommand final : public ILodexCommand
@@ -197,7 +197,7 @@ namespace
 		}
 
 	private:
-		FCommandSceneOptions SceneFile{LevelSceneSpec};
+		FCommandSceneOptions SceneFile{LevelSceneLayout};
 		std::string Format = "text";
 	};
 }

@@ -241,7 +241,7 @@ namespace
 	}
 
 	/** The scene is optional: --project names the levels instead. */
-	constexpr FSceneOptionSpec LintSceneSpec{"--scene", LodexSceneFileHelp, SceneVerboseNotes};
+	constexpr FSceneOptionLayout LintSceneLayout{"--scene", LodexSceneFileHelp, SceneVerboseNotes};
 
 	class FLintCommand final : public ILodexCommand
 	{
@@ -495,7 +495,7 @@ namespace
 
 		std::string Baseline;
 		std::string Fix;
-		FCommandSceneOptions SceneFile{LintSceneSpec};
+		FCommandSceneOptions SceneFile{LintSceneLayout};
 		std::string Project;
 		std::vector<std::string> Tests;
 		bool bStrict = false;

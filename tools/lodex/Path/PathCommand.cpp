@@ -22,7 +22,7 @@ namespace
 	constexpr const char* BestMode = "best";
 
 	/** The scene of `lodex path` and `lodex copy`. */
-	constexpr FSceneOptionSpec PathSceneSpec{"--scene", LodexSceneFileHelp, SceneRequired | SceneVerboseNotes};
+	constexpr FSceneOptionLayout PathSceneLayout{"--scene", LodexSceneFileHelp, SceneRequired | SceneVerboseNotes};
 
 	/** Loads the scene and resolves the named objects; on failure writes one line and returns false. */
 	bool LoadSceneAndObjects(const FCommandSceneOptions& SceneFile, const std::vector<std::string>& Names,
@@ -105,7 +105,7 @@ namespace
 		}
 
 	private:
-		FCommandSceneOptions SceneFile{PathSceneSpec};
+		FCommandSceneOptions SceneFile{PathSceneLayout};
 		std::string Mode = LodestringModes::Absolute;
 		std::vector<std::string> Objects;
 	};
@@ -172,7 +172,7 @@ namespace
 		}
 
 	private:
-		FCommandSceneOptions SceneFile{PathSceneSpec};
+		FCommandSceneOptions SceneFile{PathSceneLayout};
 		std::string Mode;
 		std::string ClipboardFile;
 		std::vector<std::string> Objects;

@@ -16,7 +16,7 @@
 
 namespace
 {
-	constexpr FSceneOptionSpec RecordSceneSpec{"--scene",
+	constexpr FSceneOptionLayout RecordSceneLayout{"--scene",
 		"Scene file (a snapshot or a level) in which the log's buttons find their objects", SceneVerboseNotes};
 
 	/**
@@ -84,7 +84,7 @@ namespace
 	private:
 		std::string InputPath;
 		bool bForceFps = false;
-		FCommandSceneOptions SceneFile{RecordSceneSpec};
+		FCommandSceneOptions SceneFile{RecordSceneLayout};
 		std::string OutPath;
 	};
 }

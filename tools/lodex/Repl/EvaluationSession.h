@@ -12,14 +12,14 @@
 #include <string>
 
 /** The scene of `lodex repl` and `lodex debug`: one of the evaluators, which the command requires one of. */
-inline constexpr FSceneOptionSpec LodexSessionSceneSpec{
+inline constexpr FSceneOptionLayout LodexSessionSceneLayout{
 	"--scene", "A scene file, a snapshot (JSON) or a level (.umap), on which the native evaluator answers", 0};
 
 /** The options `lodex repl` and `lodex debug` share: which evaluator answers, and the game's state. */
 struct FLodexSessionOptions
 {
 	/** A scene file (a snapshot or a level) the native evaluator answers on (see docs/lodestring.md). */
-	FCommandSceneOptions SceneFile{LodexSessionSceneSpec};
+	FCommandSceneOptions SceneFile{LodexSessionSceneLayout};
 	/** Canned answers for the scripted evaluator (see docs/scripted-evaluator.md). */
 	std::string EvaluatorFile;
 	bool bGameNotRunning = false;

@@ -11,12 +11,12 @@ void FCommandSceneOptions::Declare(CLI::App& Command)
 
 void FCommandSceneOptions::DeclareScene(CLI::App& Command)
 {
-	if (Spec.Name == nullptr)
+	if (Layout.Name == nullptr)
 	{
 		return;
 	}
-	CLI::Option* Scene = Command.add_option(Spec.Name, Path, Spec.Help);
-	if ((Spec.Flags & SceneRequired) != 0)
+	CLI::Option* Scene = Command.add_option(Layout.Name, Path, Layout.Help);
+	if ((Layout.Flags & SceneRequired) != 0)
 	{
 		Scene->required();
 	}
@@ -25,7 +25,7 @@ void FCommandSceneOptions::DeclareScene(CLI::App& Command)
 void FCommandSceneOptions::DeclareLevelFlags(CLI::App& Command)
 {
 	Command.add_flag("--no-sublevels", bNoSubLevels, LodexNoSubLevelsHelp);
-	if ((Spec.Flags & SceneVerboseNotes) != 0)
+	if ((Layout.Flags & SceneVerboseNotes) != 0)
 	{
 		Command.add_flag("--verbose", bVerbose, LodexVerboseNotesHelp);
 	}

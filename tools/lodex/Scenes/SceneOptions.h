@@ -23,7 +23,7 @@ inline constexpr const char* LodexVerboseNotesHelp =
 /** The help text of `--scene` for a command that says no more about its scene. */
 inline constexpr const char* LodexSceneFileHelp = "Scene file: a snapshot (JSON) or a level (.umap)";
 
-/** What a command's scene options hold besides the scene itself, each a bit of FSceneOptionSpec::Flags. */
+/** What a command's scene options hold besides the scene itself, each a bit of FSceneOptionLayout::Flags. */
 enum ESceneOptionFlags : unsigned
 {
 	/** The scene must be given. */
@@ -36,7 +36,7 @@ enum ESceneOptionFlags : unsigned
  * How a command takes its scene, one line in the command's code: the option or positional that names the scene,
  * its help text, and the flags. Every command that reads a scene takes `--no-sublevels`.
  */
-struct FSceneOptionSpec
+struct FSceneOptionLayout
 {
 	/** "--scene", or the name of a positional ("level"); null for a command that names its scenes itself. */
 	const char* Name;
@@ -45,14 +45,14 @@ struct FSceneOptionSpec
 };
 
 /**
- * A command's scene options: declared on the command as its spec says, and once parsed the options of the reading,
+ * A command's scene options: declared on the command as its layout says, and once parsed the options of the reading,
  * which loads the scene they name.
  */
 class FCommandSceneOptions : public FSceneFileOptions
 {
 public:
-	explicit FCommandSceneOptions(const FSceneOptionSpec& InSpec)
-		: Spec(InSpec)
+	explicit FCommandSceneOptions(const FSceneOptionLayout& InLayout)
+		: Layout(InLayout)
 	{
 	}
 
@@ -62,7 +62,7 @@ public:
 	/** The scene's option alone: on a group of options, or before options of the command's own. */
 	void DeclareScene(CLI::App& Command);
 
-	/** `--no-sublevels`, then `--verbose` when the spec takes it. */
+	/** `--no-sublevels`, then `--verbose` when the layout takes it. */
 	void DeclareLevelFlags(CLI::App& Command);
 
 	/** Whether a scene was named. */
@@ -72,5 +72,5 @@ public:
 	bool Load(FSceneFile& Out, std::ostream& Err) const;
 
 private:
-	FSceneOptionSpec Spec;
+	FSceneOptionLayout Layout;
 };
