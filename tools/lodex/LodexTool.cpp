@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #include "LodexTool.h"
 
+#include "LodexDebugger/Core/Text/LodexText.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -67,12 +69,14 @@ static int RunLodexCliWithInput(
 		std::none_of(Subcommands.begin(), Subcommands.end(),
 			[&](const CLI::App* Sub) { return Sub->get_name() == Args.front(); }))
 	{
-		std::string Names;
+		std::vector<std::string> Names;
 		for (const CLI::App* Sub : Subcommands)
 		{
-			Names += (Names.empty() ? "" : ", ") + Sub->get_name();
+			Names.push_back(Sub->get_name());
 		}
-		Err << "lodex: unknown command '" << Args.front() << "' (the commands are " << Names << ")\n" << App.help();
+		Err << "lodex: unknown command '" << Args.front() << "' (the commands are " << LodexText::Join(Names, ", ")
+			<< ")\n"
+			<< App.help();
 		return LodexExitUsage;
 	}
 

@@ -23,6 +23,15 @@ enum ELodexExit : int
 	LodexExitUsage = 2,
 };
 
+/** Each note as a "lodex: note: ..." line on Err. */
+inline void WriteLodexNotes(const std::vector<std::string>& Notes, std::ostream& Err)
+{
+	for (const std::string& Note : Notes)
+	{
+		Err << "lodex: note: " << Note << "\n";
+	}
+}
+
 /** The streams a command writes to, and the one it reads user actions from. */
 struct FLodexCliIo
 {

@@ -51,7 +51,7 @@ namespace
 		const FLodexCommandSetInfo& Set = GetMenuToolCommandSet();
 		const FLodexCommandInfo* Command = FindCommandForMode(Set, LodestringModes::Absolute);
 		std::vector<FLodexObject> Selection;
-		std::string SelectionNames;
+		std::vector<std::string> SelectionNames;
 		for (const char* Id : {"door", "lamp"})
 		{
 			std::string Error;
@@ -61,13 +61,12 @@ namespace
 				Io.Err << "lodex: the embedded sample level: " << Error << "\n";
 				return false;
 			}
-			SelectionNames += SelectionNames.empty() ? "" : ", ";
-			SelectionNames += FSceneSnapshot::Resolve(Object).Name;
+			SelectionNames.push_back(FSceneSnapshot::Resolve(Object).Name);
 			Selection.push_back(Object);
 		}
 
 		Io.Out << "\n\"" << Command->Label << "\" (" << Set.ContextName << "." << Command->CommandId
-			   << ") on the selection " << SelectionNames << "\n\n";
+			   << ") on the selection " << LodexText::Join(SelectionNames, ", ") << "\n\n";
 		FHostOutput Output(Io.Out, Io.Err, EClipboardTarget::Memory);
 		PrintSelectedActorLodestrings(Scene, FListSelection(std::move(Selection)), Output, Command->Mode);
 		Io.Out << "\nClipboard: " << Output.GetClipboardText() << "\n";
@@ -128,12 +127,12 @@ namespace
 				   << "    Context:   " << (Context.empty() ? std::string("(none)") : LodexText::Join(Context, ", "))
 				   << "\n";
 		}
-		std::string OverStops;
+		std::vector<std::string> OverStops;
 		for (std::size_t Step = 0; Step < Trace.Steps.size(); Step = NextLodexTraceStep(Trace, Step, true))
 		{
-			OverStops += (OverStops.empty() ? "" : ", ") + std::to_string(Step + 1);
+			OverStops.push_back(std::to_string(Step + 1));
 		}
-		Io.Out << "\nStep Over from the start stops at " << OverStops
+		Io.Out << "\nStep Over from the start stops at " << LodexText::Join(OverStops, ", ")
 			   << "; past the last step the evaluation finishes.\n";
 		return true;
 	}

@@ -5,6 +5,7 @@
 #include "LevelDiff.h"
 #include "LodexTool.h"
 #include "RevisionScene.h"
+#include "Scenes/SceneOptions.h"
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
@@ -21,14 +22,13 @@ namespace
 		return "'" + LodexText::EscapeControlsAndIllFormed(Text) + "'";
 	}
 
-	std::string JoinNames(const std::vector<std::string>& Names, const char* Prefix)
+	/** Each name quoted after the prefix, added to Out. */
+	void AddQuotedNames(std::vector<std::string>& Out, const std::vector<std::string>& Names, const char* Prefix)
 	{
-		std::string Out;
 		for (const std::string& Name : Names)
 		{
-			Out += (Out.empty() ? "" : " ") + std::string(Prefix) + Quoted(Name);
+			Out.push_back(Prefix + Quoted(Name));
 		}
-		return Out;
 	}
 
 	std::string JoinPlain(const std::vector<std::string>& Names)
@@ -63,8 +63,12 @@ namespace
 			case ELevelChange::Reattached:
 				return DescribeLevelActor(Actor) + ": " + OrNothing(Change.Before) + " -> " + OrNothing(Change.After);
 			case ELevelChange::Retagged:
-				return DescribeLevelActor(Actor) + ": " + JoinNames(Change.Removed, "-") +
-					(Change.Removed.empty() || Change.Added.empty() ? "" : " ") + JoinNames(Change.Added, "+");
+			{
+				std::vector<std::string> Tags;
+				AddQuotedNames(Tags, Change.Removed, "-");
+				AddQuotedNames(Tags, Change.Added, "+");
+				return DescribeLevelActor(Actor) + ": " + LodexText::Join(Tags, " ");
+			}
 			case ELevelChange::ClassChanged:
 			case ELevelChange::Moved:
 				return DescribeLevelActor(Actor) + ": " + Change.Before + " -> " + Change.After;
@@ -113,7 +117,7 @@ std::string FormatLevelDiffText(const FLevelDiff& Diff, const std::string& OldNa
 	}
 	else
 	{
-		std::string Counts;
+		std::vector<std::string> Counts;
 		for (std::size_t Index = 0; Index < Diff.Changes.size();)
 		{
 			std::size_t End = Index;
@@ -121,11 +125,10 @@ std::string FormatLevelDiffText(const FLevelDiff& Diff, const std::string& OldNa
 			{
 				++End;
 			}
-			Counts += (Counts.empty() ? "" : ", ") + std::to_string(End - Index) + " " +
-				LevelChangeName(Diff.Changes[Index].Kind);
+			Counts.push_back(std::to_string(End - Index) + " " + LevelChangeName(Diff.Changes[Index].Kind));
 			Index = End;
 		}
-		Text += Counts;
+		Text += LodexText::Join(Counts, ", ");
 	}
 	Text += " (" + PairingSummary(Diff) + ")\n";
 	if (Diff.bNoSharedGuid)
@@ -192,6 +195,9 @@ std::string FormatLevelDiffJson(const FLevelDiff& Diff, const std::string& OldNa
 
 namespace
 {
+	/** Both scenes are positionals of diff's own (a file, or REV:PATH): only how a level is read is declared. */
+	constexpr FSceneOptionLayout DiffSceneLayout{nullptr, nullptr, 0};
+
 	class FDiffCommand final : public ILodexCommand
 	{
 	public:
@@ -203,7 +209,7 @@ namespace
 			Sub->add_option("old", Old.Path, "The earlier version: a file, or REV:PATH (the file at a git revision)")
 				->required();
 			Sub->add_option("new", New.Path, "The later version: a file, or REV:PATH")->required();
-			Sub->add_flag("--no-sublevels", bNoSubLevels, LodexNoSubLevelsHelp);
+			LevelFlags.Declare(*Sub);
 			Sub->add_flag("--exit-code", bExitCode, "Exit with 1 when something changed, as git diff --exit-code does");
 			Sub->add_option("--format", Format, "text (one line per change, grouped by kind) or json")
 				->check(CLI::IsMember({"text", "json"}))
@@ -213,8 +219,8 @@ namespace
 
 		int Run(FLodexCliIo& Io) override
 		{
-			Old.bNoSubLevels = bNoSubLevels;
-			New.bNoSubLevels = bNoSubLevels;
+			Old.bNoSubLevels = LevelFlags.bNoSubLevels;
+			New.bNoSubLevels = LevelFlags.bNoSubLevels;
 			FSceneFile OldScene;
 			FSceneFile NewScene;
 			std::string Error;
@@ -223,13 +229,8 @@ namespace
 				Io.Err << "lodex: " << Error << "\n";
 				return LodexExitFailure;
 			}
-			for (const FSceneFile* Side : {&OldScene, &NewScene})
-			{
-				for (const std::string& Note : Side->Notes)
-				{
-					Io.Err << "lodex: note: " << Note << "\n";
-				}
-			}
+			WriteLodexNotes(OldScene.Notes, Io.Err);
+			WriteLodexNotes(NewScene.Notes, Io.Err);
 			const FLevelDiff Diff = DiffLevelScenes(OldScene.Scene, NewScene.Scene);
 			Io.Out << (Format == "json" ? FormatLevelDiffJson(Diff, Old.Path, New.Path)
 										: FormatLevelDiffText(Diff, Old.Path, New.Path));
@@ -239,7 +240,7 @@ namespace
 	private:
 		FSceneFileOptions Old;
 		FSceneFileOptions New;
-		bool bNoSubLevels = false;
+		FCommandSceneOptions LevelFlags{DiffSceneLayout};
 		bool bExitCode = false;
 		std::string Format = "text";
 	};
@@ -266,10 +267,7 @@ bool LoadSceneSideFor(const FSceneFileOptions& Options, FSceneFile& Out, std::os
 		Err << "lodex: " << Error << "\n";
 		return false;
 	}
-	for (const std::string& Note : Out.Notes)
-	{
-		Err << "lodex: note: " << Note << "\n";
-	}
+	WriteLodexNotes(Out.Notes, Err);
 	return true;
 }
 

@@ -2,7 +2,7 @@
 #include "ExplorerHost.h"
 #include "Cli/LodexCli.h"
 #include "LodexTool.h"
-#include "Scenes/SceneFile.h"
+#include "Scenes/SceneOptions.h"
 
 #include <CLI/CLI.hpp>
 
@@ -10,6 +10,10 @@
 
 namespace
 {
+	constexpr FSceneOptionLayout ExploreSceneLayout{"--scene",
+		"Scene file: a snapshot (JSON) with classes, or a level (.umap, which holds no classes)",
+		SceneRequired | SceneVerboseNotes};
+
 	class FExploreCommand final : public ILodexCommand
 	{
 	public:
@@ -18,18 +22,14 @@ namespace
 			CLI::App* Sub = Parent.add_subcommand("explore",
 				"Open the Object Explorer on a scene: user actions from standard input, one a line (\"help\" lists "
 				"them); what the panel shows, its log lines and the clipboard on standard output");
-			Sub->add_option("--scene", SceneFile.Path,
-				   "Scene file: a snapshot (JSON) with classes, or a level (.umap, which holds no classes)")
-				->required();
-			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
-			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
+			SceneFile.Declare(*Sub);
 			return Sub;
 		}
 
 		int Run(FLodexCliIo& Io) override
 		{
 			FSceneFile SceneRead;
-			if (!LoadSceneFileFor(SceneFile, SceneRead, Io.Err))
+			if (!SceneFile.Load(SceneRead, Io.Err))
 			{
 				return LodexExitFailure;
 			}
@@ -62,7 +62,7 @@ namespace
 		}
 
 	private:
-		FSceneFileOptions SceneFile;
+		FCommandSceneOptions SceneFile{ExploreSceneLayout};
 	};
 }
 

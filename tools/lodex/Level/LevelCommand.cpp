@@ -4,7 +4,7 @@
 #include "Cli/TextTree.h"
 #include "LodexTool.h"
 #include "Scenes/SceneEvaluation.h"
-#include "Scenes/SceneFile.h"
+#include "Scenes/SceneOptions.h"
 
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
 #include "LodexDebugger/Core/Lodestring/LodexMatchNotice.h"
@@ -89,6 +89,9 @@ namespace
 		return RenderTextTree(Root);
 	}
 
+	constexpr FSceneOptionLayout LevelSceneLayout{
+		"level", "A level saved by Unreal Engine 5.0 (.umap)", SceneRequired | SceneVerboseNotes};
+
 	class FLevelCommand final : public ILodexCommand
 	{
 	public:
@@ -97,9 +100,7 @@ namespace
 			CLI::App* Sub = Parent.add_subcommand("level",
 				"Show what a level holds: each actor with its label, class, tags and best Lodestring, its components "
 				"below it (--format json: the level as a scene snapshot)");
-			Sub->add_option("level", SceneFile.Path, "A level saved by Unreal Engine 5.0 (.umap)")->required();
-			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
-			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
+			SceneFile.Declare(*Sub);
 			Sub->add_option("--format", Format, "text (a tree) or json (a scene snapshot)")
 				->check(CLI::IsMember({"text", "json"}))
 				->default_val(Format);
@@ -109,7 +110,7 @@ namespace
 		int Run(FLodexCliIo& Io) override
 		{
 			FSceneFile Read;
-			if (!LoadSceneFileFor(SceneFile, Read, Io.Err))
+			if (!SceneFile.Load(Read, Io.Err))
 			{
 				return LodexExitFailure;
 			}
@@ -124,7 +125,7 @@ namespace
 		}
 
 	private:
-		FSceneFileOptions SceneFile;
+		FCommandSceneOptions SceneFile{LevelSceneLayout};
 		std::string Format = "text";
 	};
 }

@@ -16,45 +16,6 @@ namespace
 			Char == '_' || Byte >= 0x80;
 	}
 
-	/** UTF-16 code units from escapes, with surrogate pairs joined; a lone surrogate becomes U+FFFD. */
-	class FUtf16Joiner
-	{
-	public:
-		explicit FUtf16Joiner(std::string& InOut)
-			: Out(InOut)
-		{
-		}
-		void Unit(std::uint32_t Value)
-		{
-			if (Value >= 0xDC00 && Value <= 0xDFFF && High != 0)
-			{
-				LodexText::AppendUtf8(Out, 0x10000 + ((High - 0xD800) << 10) + (Value - 0xDC00));
-				High = 0;
-				return;
-			}
-			Flush();
-			if (Value >= 0xD800 && Value <= 0xDBFF)
-			{
-				High = Value;
-				return;
-			}
-			LodexText::AppendUtf8(Out, (Value >= 0xDC00 && Value <= 0xDFFF) ? 0xFFFD : Value);
-		}
-		bool IsHolding() const { return High != 0; }
-		void Flush()
-		{
-			if (High != 0)
-			{
-				LodexText::AppendUtf8(Out, 0xFFFD);
-				High = 0;
-			}
-		}
-
-	private:
-		std::string& Out;
-		std::uint32_t High = 0;
-	};
-
 	/** How deep interpolated strings nest in holes before the holes are passed over unread. */
 	constexpr std::size_t CSharpHoleDepthLimit = 256;
 
@@ -285,7 +246,7 @@ namespace
 		std::string ReadRegular(std::vector<std::uint32_t>& Offsets)
 		{
 			std::string Value;
-			FUtf16Joiner Joiner(Value);
+			LodexText::FUtf16Decoder Decoder(Value);
 			Advance();
 			// A surrogate pair's bytes come out with its second half: they point at the first.
 			constexpr std::size_t NoPending = static_cast<std::size_t>(-1);
@@ -296,7 +257,7 @@ namespace
 				const std::size_t Origin = Pending != NoPending ? Pending : From;
 				if (At() != '\\')
 				{
-					Joiner.Flush();
+					Decoder.Flush();
 					Value += At();
 					Advance();
 					MarkFrom(Value, Offsets, Origin);
@@ -305,51 +266,51 @@ namespace
 				}
 				const char Escape = BreakAt(Pos + 1) == 0 ? At(1) : '\0';
 				Advance(Escape != '\0' ? 2 : 1);
-				ReadEscape(Escape, Value, Joiner);
+				ReadEscape(Escape, Value, Decoder);
 				MarkFrom(Value, Offsets, Origin);
-				Pending = Joiner.IsHolding() ? From : NoPending;
+				Pending = Decoder.IsHolding() ? From : NoPending;
 			}
-			Joiner.Flush();
+			Decoder.Flush();
 			MarkFrom(Value, Offsets, Pending != NoPending ? Pending : Pos);
 			Advance(At() == '"' ? 1 : 0); // the closing quote
 			return Value;
 		}
 
-		void ReadEscape(char Escape, std::string& Value, FUtf16Joiner& Joiner)
+		void ReadEscape(char Escape, std::string& Value, LodexText::FUtf16Decoder& Decoder)
 		{
 			switch (Escape)
 			{
 				case '\'':
 				case '"':
 				case '\\':
-					Joiner.Unit(static_cast<unsigned char>(Escape));
+					Decoder.Unit(static_cast<unsigned char>(Escape));
 					break;
 				case '0':
-					Joiner.Unit(0);
+					Decoder.Unit(0);
 					break;
 				case 'a':
-					Joiner.Unit(7);
+					Decoder.Unit(7);
 					break;
 				case 'b':
-					Joiner.Unit(8);
+					Decoder.Unit(8);
 					break;
 				case 'e':
-					Joiner.Unit(27);
+					Decoder.Unit(27);
 					break;
 				case 'f':
-					Joiner.Unit(12);
+					Decoder.Unit(12);
 					break;
 				case 'n':
-					Joiner.Unit(10);
+					Decoder.Unit(10);
 					break;
 				case 'r':
-					Joiner.Unit(13);
+					Decoder.Unit(13);
 					break;
 				case 't':
-					Joiner.Unit(9);
+					Decoder.Unit(9);
 					break;
 				case 'v':
-					Joiner.Unit(11);
+					Decoder.Unit(11);
 					break;
 				case 'x':
 				case 'u':
@@ -366,18 +327,18 @@ namespace
 					}
 					if (Escape == 'U' && Code > 0xFFFF)
 					{
-						Joiner.Flush();
+						Decoder.Flush();
 						LodexText::AppendUtf8(Value, Code <= 0x10FFFF ? Code : 0xFFFD);
 					}
 					else
 					{
-						Joiner.Unit(Code);
+						Decoder.Unit(Code);
 					}
 					break;
 				}
 				default:
 					// Not C#; kept as written.
-					Joiner.Flush();
+					Decoder.Flush();
 					Value += '\\';
 					if (Escape != '\0')
 					{

@@ -291,42 +291,7 @@ std::string DecodeCSharpSourceBytes(const std::string& Bytes)
 	}
 	std::string Text;
 	Text.reserve(Bytes.size() * 3 / 2);
-	std::uint32_t High = 0;
-	auto Unit = [&](std::size_t At)
-	{
-		const std::uint32_t First = static_cast<unsigned char>(Bytes[At]);
-		const std::uint32_t Second = static_cast<unsigned char>(Bytes[At + 1]);
-		return bLittle ? First | (Second << 8) : (First << 8) | Second;
-	};
-	for (std::size_t At = 2; At < Bytes.size(); At += 2)
-	{
-		if (At + 1 >= Bytes.size())
-		{
-			LodexText::AppendUtf8(Text, 0xFFFD); // an odd last byte
-			break;
-		}
-		const std::uint32_t Code = Unit(At);
-		if (High != 0 && Code >= 0xDC00 && Code <= 0xDFFF)
-		{
-			LodexText::AppendUtf8(Text, 0x10000 + ((High - 0xD800) << 10) + (Code - 0xDC00));
-			High = 0;
-			continue;
-		}
-		if (High != 0)
-		{
-			LodexText::AppendUtf8(Text, 0xFFFD);
-			High = 0;
-		}
-		if (Code >= 0xD800 && Code <= 0xDBFF)
-		{
-			High = Code;
-			continue;
-		}
-		LodexText::AppendUtf8(Text, Code >= 0xDC00 && Code <= 0xDFFF ? 0xFFFD : Code);
-	}
-	if (High != 0)
-	{
-		LodexText::AppendUtf8(Text, 0xFFFD);
-	}
+	LodexText::AppendUtf16AsUtf8(Text, Bytes.data() + 2, Bytes.size() - 2,
+		bLittle ? LodexText::EUtf16ByteOrder::LittleEndian : LodexText::EUtf16ByteOrder::BigEndian);
 	return Text;
 }

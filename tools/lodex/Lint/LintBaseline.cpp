@@ -9,6 +9,7 @@
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
 #include "LodexDebugger/Core/Lodestring/LodexMatchNotice.h"
 #include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -130,31 +131,27 @@ std::vector<std::string> FLintBaselineCheck::Causes(const FSceneObject& Object, 
 
 std::string FLintBaselineCheck::DescribeOthers(const std::vector<const FSceneObject*>& Others) const
 {
-	std::string Text;
+	std::vector<std::string> Parts;
 	for (const FSceneObject* Other : Others)
 	{
 		const FSceneObject* Actor = OwningActor(Other);
 		const FSceneObject* Before = Actor != nullptr ? Diff.OldOf(Actor) : nullptr;
-		std::string What;
-		if (Before == nullptr)
+		std::string What = "added";
+		if (Before != nullptr)
 		{
-			What = "added";
-		}
-		else
-		{
+			std::vector<std::string> Kinds;
 			const auto Changed = ChangesOf.find(Before);
 			for (std::size_t Index = 0; Changed != ChangesOf.end() && Index < Changed->second.size(); ++Index)
 			{
-				What += (What.empty() ? "" : ", ") +
-					std::string(LevelChangeName(Diff.Changes[Changed->second[Index]].Kind));
+				Kinds.emplace_back(LevelChangeName(Diff.Changes[Changed->second[Index]].Kind));
 			}
-			What = What.empty() ? "there before" : What;
+			What = Kinds.empty() ? "there before" : LodexText::Join(Kinds, ", ");
 		}
-		Text += (Text.empty() ? "" : ", ") + Other->Name + " (" + What + ")";
+		Parts.push_back(Other->Name + " (" + What + ")");
 	}
 	return (Others.size() == 1 ? "a second object now matches: "
 							   : std::to_string(Others.size()) + " more objects now match: ") +
-		Text;
+		LodexText::Join(Parts, ", ");
 }
 
 void FLintBaselineCheck::FindCandidates(const FSceneObject& Actor, std::vector<FLintRepairCandidate>& Out) const

@@ -15,7 +15,7 @@
 #include "LintSarif.h"
 #include "LodexTool.h"
 #include "Scenes/SceneEvaluation.h"
-#include "Scenes/SceneFile.h"
+#include "Scenes/SceneOptions.h"
 
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
 #include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
@@ -240,6 +240,9 @@ namespace
 		return Path.generic_string();
 	}
 
+	/** The scene is optional: --project names the levels instead. */
+	constexpr FSceneOptionLayout LintSceneLayout{"--scene", LodexSceneFileHelp, SceneVerboseNotes};
+
 	class FLintCommand final : public ILodexCommand
 	{
 	public:
@@ -248,11 +251,10 @@ namespace
 			CLI::App* Sub = Parent.add_subcommand("lint",
 				"Check the Lodestrings that C# tests pass to api calls: each must match exactly one object of the "
 				"scene, or of the level the test loads");
-			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)");
+			SceneFile.DeclareScene(*Sub);
 			Sub->add_option("--project", Project,
 				"Game project folder: each test is checked against the levels its api.LoadLevel calls name");
-			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
-			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
+			SceneFile.DeclareLevelFlags(*Sub);
 			Sub->add_option("tests", Tests, "C# files, or folders searched for .cs files");
 			Sub->add_flag("--strict", bStrict, "Warnings fail the run as errors do");
 			Sub->add_option("--max-depth", Options.MaxAbsoluteDepth,
@@ -289,11 +291,11 @@ namespace
 					{
 						return;
 					}
-					if (SceneFile.Path.empty() && Project.empty())
+					if (!SceneFile.IsGiven() && Project.empty())
 					{
 						throw CLI::RequiredError("--scene (or --project)");
 					}
-					if (!Baseline.empty() && SceneFile.Path.empty())
+					if (!Baseline.empty() && !SceneFile.IsGiven())
 					{
 						throw CLI::ValidationError("--baseline", "needs --scene: the level after the change");
 					}
@@ -320,9 +322,9 @@ namespace
 			std::unique_ptr<FLodexSceneIndex> SceneIndex;
 			std::unique_ptr<FLodexBestLocatorFinder> SceneFinder;
 			FLodexLintTarget SceneTarget;
-			if (!SceneFile.Path.empty())
+			if (SceneFile.IsGiven())
 			{
-				if (!LoadSceneFileFor(SceneFile, SceneRead, Io.Err))
+				if (!SceneFile.Load(SceneRead, Io.Err))
 				{
 					return LodexExitFailure;
 				}
@@ -426,10 +428,7 @@ namespace
 			std::vector<std::string> Notes;
 			std::string Error;
 			const bool bOk = LintProjectFiles(Files, ProjectOptions, Scene, Report, Notes, Error);
-			for (const std::string& Note : Notes)
-			{
-				Io.Err << "lodex: note: " << Note << "\n";
-			}
+			WriteLodexNotes(Notes, Io.Err);
 			if (!bOk)
 			{
 				Io.Err << "lodex: " << Error << "\n";
@@ -459,10 +458,7 @@ namespace
 			std::vector<std::string> Written;
 			for (const FLintFileRepair& Repair : RepairLintFiles(Check.GetBroken(), Paths, Texts))
 			{
-				for (const std::string& Skipped : Repair.Skipped)
-				{
-					Io.Err << "lodex: note: " << Skipped << "\n";
-				}
+				WriteLodexNotes(Repair.Skipped, Io.Err);
 				if (Repair.Repairs == 0)
 				{
 					continue;
@@ -499,7 +495,7 @@ namespace
 
 		std::string Baseline;
 		std::string Fix;
-		FSceneFileOptions SceneFile;
+		FCommandSceneOptions SceneFile{LintSceneLayout};
 		std::string Project;
 		std::vector<std::string> Tests;
 		bool bStrict = false;

@@ -158,15 +158,6 @@ bool FPackageCursor::Skip(std::size_t Count)
 	return true;
 }
 
-void AppendUtf8CodePoint(std::string& Out, std::uint32_t CodePoint)
-{
-	if ((CodePoint >= 0xD800 && CodePoint <= 0xDFFF) || CodePoint > 0x10FFFF)
-	{
-		CodePoint = 0xFFFD;
-	}
-	LodexText::AppendUtf8(Out, CodePoint);
-}
-
 bool FPackageCursor::ReadString(std::string& Out)
 {
 	const std::size_t Start = Position;
@@ -194,41 +185,14 @@ bool FPackageCursor::ReadString(std::string& Out)
 	{
 		for (std::uint64_t Index = 0; Index + 1 < Characters; ++Index)
 		{
-			AppendUtf8CodePoint(Out, static_cast<unsigned char>(Bytes[Position + Index]));
+			LodexText::AppendUtf8(Out, static_cast<unsigned char>(Bytes[Position + Index]));
 		}
 		Position += static_cast<std::size_t>(Size);
 		return true;
 	}
-	std::uint32_t Pending = 0;
-	for (std::uint64_t Index = 0; Index + 1 < Characters; ++Index)
-	{
-		const std::uint32_t Unit = static_cast<std::uint32_t>(ReadLittleEndian(2));
-		if (Unit >= 0xD800 && Unit <= 0xDBFF)
-		{
-			if (Pending != 0)
-			{
-				AppendUtf8CodePoint(Out, 0xFFFD);
-			}
-			Pending = Unit;
-			continue;
-		}
-		if (Unit >= 0xDC00 && Unit <= 0xDFFF && Pending != 0)
-		{
-			AppendUtf8CodePoint(Out, 0x10000 + ((Pending - 0xD800) << 10) + (Unit - 0xDC00));
-			Pending = 0;
-			continue;
-		}
-		if (Pending != 0)
-		{
-			AppendUtf8CodePoint(Out, 0xFFFD);
-			Pending = 0;
-		}
-		AppendUtf8CodePoint(Out, Unit);
-	}
-	if (Pending != 0)
-	{
-		AppendUtf8CodePoint(Out, 0xFFFD);
-	}
-	Position += 2; // the terminating NUL
+	// The characters, then the terminating NUL.
+	LodexText::AppendUtf16AsUtf8(
+		Out, Bytes.data() + Position, static_cast<std::size_t>(Size) - 2, LodexText::EUtf16ByteOrder::LittleEndian);
+	Position += static_cast<std::size_t>(Size);
 	return true;
 }

@@ -62,6 +62,3 @@ private:
 	bool bFailed = false;
 	FPackageError Error;
 };
-
-/** Appends the UTF-8 form of a code point (U+FFFD for surrogates and values past U+10FFFF). */
-void AppendUtf8CodePoint(std::string& Out, std::uint32_t CodePoint);

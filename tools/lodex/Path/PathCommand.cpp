@@ -4,7 +4,7 @@
 #include "Cli/LodexCli.h"
 #include "LodexTool.h"
 #include "Scenes/SceneEvaluation.h"
-#include "Scenes/SceneFile.h"
+#include "Scenes/SceneOptions.h"
 
 #include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Paths/LodexBestCopy.h"
@@ -21,11 +21,14 @@ namespace
 	/** The mode of `lodex path` and `lodex copy` that gives each object's best Lodestring. */
 	constexpr const char* BestMode = "best";
 
+	/** The scene of `lodex path` and `lodex copy`. */
+	constexpr FSceneOptionLayout PathSceneLayout{"--scene", LodexSceneFileHelp, SceneRequired | SceneVerboseNotes};
+
 	/** Loads the scene and resolves the named objects; on failure writes one line and returns false. */
-	bool LoadSceneAndObjects(const FSceneFileOptions& SceneFile, const std::vector<std::string>& Names,
+	bool LoadSceneAndObjects(const FCommandSceneOptions& SceneFile, const std::vector<std::string>& Names,
 		FSceneFile& OutFile, std::vector<FLodexObject>& OutObjects, FLodexCliIo& Io)
 	{
-		if (!LoadSceneFileFor(SceneFile, OutFile, Io.Err))
+		if (!SceneFile.Load(OutFile, Io.Err))
 		{
 			return false;
 		}
@@ -49,9 +52,7 @@ namespace
 		CLI::App* Register(CLI::App& Parent) override
 		{
 			CLI::App* Sub = Parent.add_subcommand("path", "Print the Lodestring of each object, one a line");
-			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)")->required();
-			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
-			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
+			SceneFile.Declare(*Sub);
 			Sub->add_option("--mode", Mode,
 				   "Absolute, Relative or Tag (exact case), or best: the shortest, most stable Lodestring "
 				   "that finds the object alone; any other text gives no node steps")
@@ -104,7 +105,7 @@ namespace
 		}
 
 	private:
-		FSceneFileOptions SceneFile;
+		FCommandSceneOptions SceneFile{PathSceneLayout};
 		std::string Mode = LodestringModes::Absolute;
 		std::vector<std::string> Objects;
 	};
@@ -116,9 +117,7 @@ namespace
 		{
 			CLI::App* Sub = Parent.add_subcommand(
 				"copy", "Run a \"MenuTool\" command on a selection: log each Lodestring, copy it to the clipboard");
-			Sub->add_option("--scene", SceneFile.Path, "Scene file: a snapshot (JSON) or a level (.umap)")->required();
-			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
-			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
+			SceneFile.Declare(*Sub);
 			std::vector<std::string> Modes;
 			for (const FLodexCommandInfo& Command : GetMenuToolCommandSet().Commands)
 			{
@@ -173,7 +172,7 @@ namespace
 		}
 
 	private:
-		FSceneFileOptions SceneFile;
+		FCommandSceneOptions SceneFile{PathSceneLayout};
 		std::string Mode;
 		std::string ClipboardFile;
 		std::vector<std::string> Objects;

@@ -6,7 +6,7 @@
 #include "Cli/LodexCli.h"
 #include "LodexTool.h"
 #include "SampleSession.h"
-#include "Scenes/SceneFile.h"
+#include "Scenes/SceneOptions.h"
 #include "Cli/WholeFile.h"
 
 #include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"
@@ -16,6 +16,9 @@
 
 namespace
 {
+	constexpr FSceneOptionLayout RecordSceneLayout{"--scene",
+		"Scene file (a snapshot or a level) in which the log's buttons find their objects", SceneVerboseNotes};
+
 	/**
 	 * Saves the script as Download does with the output area as Stop left it (the log holds no edits of the area):
 	 * the area's text, whole, under a unique name beside the target, then renamed over it.
@@ -34,10 +37,7 @@ namespace
 				"record", "Turn an input log into the script the Input Recorder holds after Stop");
 			Sub->add_option("--input", InputPath, "Input log (JSON Lines)")->required();
 			Sub->add_flag("--fps", bForceFps, "Write every duration in the FPS form, as with \"Use FPS\" checked");
-			Sub->add_option("--scene", SceneFile.Path,
-				"Scene file (a snapshot or a level) in which the log's buttons find their objects");
-			Sub->add_flag("--no-sublevels", SceneFile.bNoSubLevels, LodexNoSubLevelsHelp);
-			Sub->add_flag("--verbose", SceneFile.bVerbose, LodexVerboseNotesHelp);
+			SceneFile.Declare(*Sub);
 			Sub->add_option("--out", OutPath, "Save the script to this file instead of printing it");
 			return Sub;
 		}
@@ -54,9 +54,9 @@ namespace
 			FSceneFile SceneRead;
 			FInputLogReplayOptions Options;
 			Options.bForceFps = bForceFps;
-			if (!SceneFile.Path.empty())
+			if (SceneFile.IsGiven())
 			{
-				if (!LoadSceneFileFor(SceneFile, SceneRead, Io.Err))
+				if (!SceneFile.Load(SceneRead, Io.Err))
 				{
 					return LodexExitFailure;
 				}
@@ -84,7 +84,7 @@ namespace
 	private:
 		std::string InputPath;
 		bool bForceFps = false;
-		FSceneFileOptions SceneFile;
+		FCommandSceneOptions SceneFile{RecordSceneLayout};
 		std::string OutPath;
 	};
 }

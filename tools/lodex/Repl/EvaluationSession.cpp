@@ -413,12 +413,11 @@ void AddLodexEvaluationOptions(CLI::App& Command, FLodexSessionOptions& Options)
 {
 	// Exactly one evaluator: the native one over a scene, or the scripted one.
 	CLI::Option_group* Evaluator = Command.add_option_group("evaluator", "Which evaluator answers (one of them)");
-	Evaluator->add_option("--scene", Options.SceneFile,
-		"A scene file, a snapshot (JSON) or a level (.umap), on which the native evaluator answers");
+	Options.SceneFile.DeclareScene(*Evaluator);
 	Evaluator->add_option("--evaluator", Options.EvaluatorFile,
 		"Canned answers for the scripted evaluator instead (text; see docs/scripted-evaluator.md)");
 	Evaluator->require_option(1);
-	Command.add_flag("--no-sublevels", Options.bNoSubLevels, LodexNoSubLevelsHelp);
+	Options.SceneFile.DeclareLevelFlags(Command);
 	Command.add_flag("--game-not-running", Options.bGameNotRunning,
 		"The editor plays no game: requests are refused as in the editor");
 }
@@ -438,9 +437,9 @@ std::unique_ptr<ILodexEvaluator> MakeLodexScriptedEvaluator(
 
 std::unique_ptr<ILodexEvaluator> MakeLodexEvaluator(const FLodexSessionOptions& Options, std::ostream& Err)
 {
-	if (!Options.SceneFile.empty() || Options.EvaluatorFile.empty())
+	if (Options.SceneFile.IsGiven() || Options.EvaluatorFile.empty())
 	{
-		return MakeLodexSceneEvaluator({Options.SceneFile, Options.bNoSubLevels}, Err);
+		return MakeLodexSceneEvaluator(Options.SceneFile, Err);
 	}
 	std::string Text;
 	std::string Error;

@@ -1,6 +1,8 @@
 // Copyright Lodex contributors.
 #pragma once
 
+#include "Scenes/SceneOptions.h"
+
 #include "LodexDebugger/Core/Evaluation/LodexEvaluator.h"
 #include "LodexDebugger/Core/Evaluation/LodexEvaluatorBridge.h"
 
@@ -9,18 +11,15 @@
 #include <ostream>
 #include <string>
 
-namespace CLI
-{
-	class App;
-}
+/** The scene of `lodex repl` and `lodex debug`: one of the evaluators, which the command requires one of. */
+inline constexpr FSceneOptionLayout LodexSessionSceneLayout{
+	"--scene", "A scene file, a snapshot (JSON) or a level (.umap), on which the native evaluator answers", 0};
 
 /** The options `lodex repl` and `lodex debug` share: which evaluator answers, and the game's state. */
 struct FLodexSessionOptions
 {
 	/** A scene file (a snapshot or a level) the native evaluator answers on (see docs/lodestring.md). */
-	std::string SceneFile;
-	/** For a level: leave out its streaming sub-levels. */
-	bool bNoSubLevels = false;
+	FCommandSceneOptions SceneFile{LodexSessionSceneLayout};
 	/** Canned answers for the scripted evaluator (see docs/scripted-evaluator.md). */
 	std::string EvaluatorFile;
 	bool bGameNotRunning = false;

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 #include "SceneFile.h"
 
+#include "Cli/LodexCli.h"
 #include "Cli/WholeFile.h"
 #include "LevelScene.h"
 
@@ -81,9 +82,6 @@ bool LoadSceneFileFor(const FSceneFileOptions& Options, FSceneFile& Out, std::os
 		Err << "lodex: " << Error << "\n";
 		return false;
 	}
-	for (const std::string& Note : Out.Notes)
-	{
-		Err << "lodex: note: " << Note << "\n";
-	}
+	WriteLodexNotes(Out.Notes, Err);
 	return true;
 }

@@ -31,15 +31,6 @@ struct FSceneFile
 	std::vector<std::string> Notes;
 };
 
-/** The help text of `--no-sublevels`, the same for every command that reads a scene. */
-inline constexpr const char* LodexNoSubLevelsHelp =
-	"For a level: read only the level itself, not the streaming sub-levels it names";
-
-/** The help text of `--verbose`, the same for every command that reads a scene. */
-inline constexpr const char* LodexVerboseNotesHelp =
-	"For a level: list each part that could not be read (external actor, sub-level, Blueprint class) in a note "
-	"of its own, rather than summing up three or more of a kind in one line";
-
 /**
  * Reads a scene file, told apart by its content, not its name: a file that starts like an Unreal package is read
  * as a level (docs/levels.md), any other as a scene snapshot (docs/scene-snapshot.md). On failure returns false

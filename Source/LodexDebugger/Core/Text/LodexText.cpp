@@ -287,6 +287,50 @@ namespace LodexText
 		}
 	}
 
+	void FUtf16Decoder::Unit(std::uint32_t Value)
+	{
+		if (High != 0 && Value >= 0xDC00 && Value <= 0xDFFF)
+		{
+			AppendUtf8(Out, 0x10000 + ((High - 0xD800) << 10) + (Value - 0xDC00));
+			High = 0;
+			return;
+		}
+		Flush();
+		if (Value >= 0xD800 && Value <= 0xDBFF)
+		{
+			High = Value;
+			return;
+		}
+		AppendUtf8(Out, Value >= 0xDC00 && Value <= 0xDFFF ? 0xFFFD : Value);
+	}
+
+	void FUtf16Decoder::Flush()
+	{
+		if (High != 0)
+		{
+			AppendUtf8(Out, 0xFFFD);
+			High = 0;
+		}
+	}
+
+	void AppendUtf16AsUtf8(std::string& Out, const char* Bytes, std::size_t Size, EUtf16ByteOrder Order)
+	{
+		const bool bLittle = Order == EUtf16ByteOrder::LittleEndian;
+		FUtf16Decoder Decoder(Out);
+		std::size_t At = 0;
+		for (; At + 1 < Size; At += 2)
+		{
+			const std::uint32_t First = static_cast<unsigned char>(Bytes[At]);
+			const std::uint32_t Second = static_cast<unsigned char>(Bytes[At + 1]);
+			Decoder.Unit(bLittle ? First | (Second << 8) : (First << 8) | Second);
+		}
+		Decoder.Flush();
+		if (At < Size)
+		{
+			AppendUtf8(Out, 0xFFFD); // an odd last byte
+		}
+	}
+
 	std::size_t Utf8SequenceLength(const std::string& Text, std::size_t Index)
 	{
 		std::uint32_t CodePoint = 0;

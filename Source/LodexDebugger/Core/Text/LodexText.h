@@ -124,6 +124,46 @@ namespace LodexText
 		}
 	}
 
+	/**
+	 * UTF-16 code units turned into UTF-8 as they come, appended to the text given: a surrogate pair gives its
+	 * character, and a surrogate without its other half gives U+FFFD (a high one once the unit after it, or
+	 * Flush, shows it alone). Every other unit, U+0000 included, gives its character.
+	 */
+	class FUtf16Decoder
+	{
+	public:
+		explicit FUtf16Decoder(std::string& InOut)
+			: Out(InOut)
+		{
+		}
+
+		/** Takes one code unit (0 to 0xFFFF). */
+		void Unit(std::uint32_t Value);
+
+		/** Whether a high surrogate waits for the unit after it. */
+		bool IsHolding() const { return High != 0; }
+
+		/** Ends a run of units: a high surrogate still waiting gives U+FFFD. */
+		void Flush();
+
+	private:
+		std::string& Out;
+		std::uint32_t High = 0;
+	};
+
+	/** The order of the two bytes of each UTF-16 code unit. */
+	enum class EUtf16ByteOrder
+	{
+		LittleEndian,
+		BigEndian
+	};
+
+	/**
+	 * Appends Size bytes of UTF-16 to Out as UTF-8, decoded as FUtf16Decoder decodes them and flushed at the
+	 * end; an odd last byte gives one more U+FFFD. A byte order mark is not looked for: it is a character.
+	 */
+	void AppendUtf16AsUtf8(std::string& Out, const char* Bytes, std::size_t Size, EUtf16ByteOrder Order);
+
 	/** The value of a hexadecimal digit (0-9, a-f, A-F), or -1 for any other character. */
 	int HexDigitValue(char Char);
 
