@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,71 @@ namespace
 		{
 			EXPECT_EQ(JsonString(Case.first), Case.second) << Case.first;
 		}
+	}
+
+	TEST(SnapshotWriter, ObjectsAsTheyAreWrittenGoOneValueALineWithEveryFieldALevelSaves)
+	{
+		FLodexSavedObject Saved;
+		Saved.ClassName = "StaticMeshActor";
+		Saved.Label = "Front\bdoor\f\xE7\x94!"; // a sequence cut short is one U+FFFD here
+		Saved.Guid = "0123ABCD4567EF0189AB2345CDEF6789";
+		Saved.bHasLocation = true;
+		Saved.Location[0] = 0.1;
+		Saved.Location[1] = -0.0;
+		Saved.Location[2] = std::nan("");
+		Saved.bEditorOnly = true;
+		const std::vector<std::string> Tags{"a", "b"};
+		std::vector<FLodexSnapshotObject> Objects(2);
+		Objects[0].Id = "/Game/M.M:PersistentLevel";
+		Objects[0].Name = "PersistentLevel";
+		Objects[0].Placement = ELodexPlacement::Placed;
+		Objects[0].bStreamedOnDemand = true;
+		Objects[0].InstancedBy = "/Game/X.X:PersistentLevel.LevelInstance_1";
+		Objects[0].Package = "/Game/M";
+		Objects[1].Id = "/Game/M.M:PersistentLevel.Door";
+		Objects[1].Kind = ELodexSnapshotKind::Actor;
+		Objects[1].Name = "Door";
+		Objects[1].Outer = 0;
+		Objects[1].Tags = &Tags;
+		Objects[1].Saved = &Saved;
+		Objects[1].Placement = ELodexPlacement::Spawned;
+		EXPECT_EQ(LodexSnapshot::WriteObjects(Objects),
+			R"({
+ "objects": [
+  {
+   "id": "/Game/M.M:PersistentLevel",
+   "kind": "other",
+   "name": "PersistentLevel",
+   "placed": true,
+   "streamedOnDemand": true,
+   "instancedBy": "/Game/X.X:PersistentLevel.LevelInstance_1",
+   "package": "/Game/M"
+  },
+  {
+   "id": "/Game/M.M:PersistentLevel.Door",
+   "kind": "actor",
+   "name": "Door",
+   "outer": "/Game/M.M:PersistentLevel",
+   "tags": [
+    "a",
+    "b"
+   ],
+   "className": "StaticMeshActor",
+   "label": "Front\bdoor\f)"
+			"\xEF\xBF\xBD"
+			R"(!",
+   "placed": false,
+   "guid": "0123ABCD4567EF0189AB2345CDEF6789",
+   "location": [
+    0.10000000000000001,
+    -0,
+    null
+   ],
+   "editorOnly": true
+  }
+ ]
+}
+)");
 	}
 
 	TEST(SnapshotWriter, WritesObjectsThenWhatTheyReferToThenEveryClassMet)
