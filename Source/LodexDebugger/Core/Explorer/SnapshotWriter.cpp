@@ -89,10 +89,15 @@ namespace SnapshotWriterPrivate
 		return Read;
 	}
 
-	/** Appends the text as a JSON string literal the way ValuePerLine writes text (see WriteObjects). */
-	void AppendJsonTextBySubparts(std::string& Out, const std::string& Text)
+	/**
+	 * Appends the text as a JSON string literal, quotes included, as Layout writes text: ObjectPerLine with one U+FFFD
+	 * for each byte that is not part of well-formed UTF-8; ValuePerLine with the short escapes `\b` and `\f` too and
+	 * one U+FFFD for each ill-formed part of a sequence (see WriteObjects).
+	 */
+	void AppendJsonText(std::string& Out, const std::string& Text, ELayout Layout)
 	{
 		static const char HexDigits[] = "0123456789abcdef";
+		const bool bValuePerLine = Layout == ELayout::ValuePerLine;
 		Out += '"';
 		std::size_t Index = 0;
 		while (Index < Text.size())
@@ -101,7 +106,10 @@ namespace SnapshotWriterPrivate
 			if (Char >= 0x80)
 			{
 				bool bWellFormed = false;
-				const std::size_t Length = MeasureUtf8Sequence(Text, Index, bWellFormed);
+				std::uint32_t CodePoint = 0;
+				const std::size_t Length = bValuePerLine ? MeasureUtf8Sequence(Text, Index, bWellFormed)
+														 : LodexText::Utf8SequenceLength(Text, Index, CodePoint);
+				bWellFormed = bValuePerLine ? bWellFormed : Length != 0;
 				if (bWellFormed)
 				{
 					Out.append(Text, Index, Length);
@@ -110,45 +118,31 @@ namespace SnapshotWriterPrivate
 				{
 					Out += "\xEF\xBF\xBD";
 				}
-				Index += Length;
+				Index += Length == 0 ? 1 : Length;
 				continue;
 			}
 			++Index;
-			switch (Char)
+			const char* Escape = Char == '"'    ? "\\\""
+				: Char == '\\'                  ? "\\\\"
+				: Char == '\n'                  ? "\\n"
+				: Char == '\r'                  ? "\\r"
+				: Char == '\t'                  ? "\\t"
+				: Char == '\b' && bValuePerLine ? "\\b"
+				: Char == '\f' && bValuePerLine ? "\\f"
+												: nullptr;
+			if (Escape != nullptr)
 			{
-				case '"':
-					Out += "\\\"";
-					break;
-				case '\\':
-					Out += "\\\\";
-					break;
-				case '\b':
-					Out += "\\b";
-					break;
-				case '\f':
-					Out += "\\f";
-					break;
-				case '\n':
-					Out += "\\n";
-					break;
-				case '\r':
-					Out += "\\r";
-					break;
-				case '\t':
-					Out += "\\t";
-					break;
-				default:
-					if (Char < 0x20)
-					{
-						Out += "\\u00";
-						Out += HexDigits[Char >> 4];
-						Out += HexDigits[Char & 0x0F];
-					}
-					else
-					{
-						Out += static_cast<char>(Char);
-					}
-					break;
+				Out += Escape;
+			}
+			else if (Char < 0x20)
+			{
+				Out += "\\u00";
+				Out += HexDigits[Char >> 4];
+				Out += HexDigits[Char & 0x0F];
+			}
+			else
+			{
+				Out += static_cast<char>(Char);
 			}
 		}
 		Out += '"';
@@ -247,17 +241,7 @@ namespace SnapshotWriterPrivate
 
 		void EndArray(std::size_t Count) { Out += Layout == ELayout::ObjectPerLine || Count == 0 ? "]" : "\n   ]"; }
 
-		void Text(const std::string& Value)
-		{
-			if (Layout == ELayout::ObjectPerLine)
-			{
-				LodexSnapshot::AppendJsonString(Out, Value);
-			}
-			else
-			{
-				AppendJsonTextBySubparts(Out, Value);
-			}
-		}
+		void Text(const std::string& Value) { AppendJsonText(Out, Value, Layout); }
 
 		std::string& Out;
 		ELayout Layout;
@@ -447,57 +431,7 @@ namespace LodexSnapshot
 {
 	void AppendJsonString(std::string& Out, const std::string& Text)
 	{
-		static const char HexDigits[] = "0123456789abcdef";
-		Out += '"';
-		std::size_t Index = 0;
-		while (Index < Text.size())
-		{
-			const unsigned char Char = static_cast<unsigned char>(Text[Index]);
-			switch (Char)
-			{
-				case '"':
-					Out += "\\\"";
-					++Index;
-					continue;
-				case '\\':
-					Out += "\\\\";
-					++Index;
-					continue;
-				case '\n':
-					Out += "\\n";
-					++Index;
-					continue;
-				case '\r':
-					Out += "\\r";
-					++Index;
-					continue;
-				case '\t':
-					Out += "\\t";
-					++Index;
-					continue;
-				default:
-					break;
-			}
-			if (Char < 0x20)
-			{
-				Out += "\\u00";
-				Out += HexDigits[Char >> 4];
-				Out += HexDigits[Char & 0x0F];
-				++Index;
-				continue;
-			}
-			std::uint32_t CodePoint = 0;
-			const std::size_t Length = LodexText::Utf8SequenceLength(Text, Index, CodePoint);
-			if (Length == 0)
-			{
-				Out += "\xEF\xBF\xBD";
-				++Index;
-				continue;
-			}
-			Out.append(Text, Index, Length);
-			Index += Length;
-		}
-		Out += '"';
+		SnapshotWriterPrivate::AppendJsonText(Out, Text, SnapshotWriterPrivate::ELayout::ObjectPerLine);
 	}
 
 	std::string Write(const ILodexObjectGraph& Graph, const ILodexReflection& Reflection,
