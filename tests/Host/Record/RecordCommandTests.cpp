@@ -147,18 +147,12 @@ namespace
 			std::string Value;
 			std::string Error;
 		} Rows[] = {
+			// The scene reader's test covers the other rejections: the same routine words them.
 			{"1e999}", "2:49: number out of the range of a double: 1e999"},
-			{"[0, -1e999]}", "2:53: number out of the range of a double: -1e999"},
-			{std::string(400, '7') + "}",
-				"2:49: number out of the range of a double: 77777777777777777777... (400 characters)"},
+			{std::string("0}\0{\"frame\": 0}", 15), "2:51: a NUL byte; the file must be UTF-8 text"},
 			{"\"\\ud800\"}",
 				"2:56: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF must be "
 				"followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'"},
-			{std::string("\"a\0b\"}", 6), "2:51: a NUL byte; the file must be UTF-8 text"},
-			{std::string("0}\0{\"frame\": 0}", 15), "2:51: a NUL byte; the file must be UTF-8 text"},
-			{"\"\xFF\"}",
-				"2:50: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last read: "
-				"'\"\\xFF'"},
 		};
 		for (const auto& Row : Rows)
 		{
