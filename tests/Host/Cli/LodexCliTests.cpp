@@ -129,6 +129,9 @@ namespace
 			{{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", "", "door"},
 				"lodex: --clipboard: needs a file name", "Usage: lodex copy [OPTIONS] [objects...]"},
 			{{"install"}, "lodex: --project is required", "Usage: lodex install [OPTIONS]"},
+			{{"record", "--fps"}, "lodex: --input is required", "Usage: lodex record [OPTIONS]"},
+			{{"lint", "Tests"}, "lodex: --scene (or --project) is required", "Usage: lodex lint [OPTIONS] [tests...]"},
+			{{"lint", "--scene", ScenePath}, "lodex: tests is required", "Usage: lodex lint [OPTIONS] [tests...]"},
 		};
 		for (const auto& Row : Rows)
 		{

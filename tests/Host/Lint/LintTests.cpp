@@ -184,10 +184,6 @@ namespace
 		const FLodexRun NoScene = RunLodex({"lint", "--scene", Dir.File("absent.json"), Good});
 		EXPECT_EQ(NoScene.Exit, 1);
 		EXPECT_EQ(NoScene.Err, "lodex: " + Dir.File("absent.json") + ": cannot open the file\n");
-
-		const FLodexRun Usage = RunLodex({"lint", "--scene", ScenePath});
-		EXPECT_EQ(Usage.Exit, 2);
-		EXPECT_NE(Usage.Err.find("Usage:"), std::string::npos);
 	}
 
 	/** A test class that passes a locator of each kind of brittleness, and one that is sound, to `api`. */

@@ -165,14 +165,6 @@ namespace
 		}
 	}
 
-	TEST(LodexRecord, WithoutAnInputLogItIsAUsageError)
-	{
-		const FLodexRun Run = RunLodex({"record", "--fps"});
-		EXPECT_EQ(Run.Exit, 2);
-		EXPECT_EQ(Run.Out, "");
-		EXPECT_NE(Run.Err.find("--input"), std::string::npos) << Run.Err;
-	}
-
 	TEST(LodexRecord, TheDemoShowsTheRecordedSampleSessionAndItsScript)
 	{
 		const FLodexRun Run = RunLodex({"demo"});
