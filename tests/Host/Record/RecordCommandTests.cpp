@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <sys/stat.h>
 
@@ -72,22 +71,16 @@ namespace
 	TEST(LodexRecord, AFailedSaveSaysSoInOneLineAndLeavesWhatWasThere)
 	{
 		FTempDir Dir;
-		// A folder where the file should go: refused before anything is written beside it.
+		// A folder where the file should go: refused before anything is written beside it. The other failures of a
+		// write are the clipboard file's tests', which go through the same routine.
 		ASSERT_EQ(mkdir(Dir.File("Taken").c_str(), 0755), 0);
 		Dir.Write("Taken/keep.txt", "kept");
 		const FLodexRun Taken = RunLodex({"record", "--input", SampleLog, "--out", Dir.File("Taken")});
 		EXPECT_EQ(Taken.Exit, 1);
 		EXPECT_EQ(Taken.Out, "");
 		EXPECT_EQ(Taken.Err, "lodex: " + Dir.File("Taken") + ": is a folder, not a file; nothing was written\n");
-		EXPECT_EQ(std::count(Taken.Err.begin(), Taken.Err.end(), '\n'), 1);
 		EXPECT_EQ(FTempDir::Read(Dir.File("Taken") + "/keep.txt"), "kept");
 		EXPECT_EQ(CountDirectoryEntries(Dir.File("")), 1u) << "nothing was left beside the folder";
-
-		const std::string Nowhere = Dir.File("no/such/folder/RecordedInput.txt");
-		const FLodexRun Missing = RunLodex({"record", "--input", SampleLog, "--out", Nowhere});
-		EXPECT_EQ(Missing.Exit, 1);
-		EXPECT_EQ(Missing.Err.rfind("lodex: " + Nowhere + ": cannot write the file (", 0), 0u) << Missing.Err;
-		EXPECT_EQ(std::count(Missing.Err.begin(), Missing.Err.end(), '\n'), 1);
 	}
 
 	TEST(LodexRecord, ABadLogOrSceneIsOneLineOnStandardErrorAndNothingOnStandardOutput)
@@ -96,24 +89,15 @@ namespace
 		const std::string Broken = Dir.Write("broken.jsonl",
 			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"tick\", \"delta\": 0.1}\n"
 			"{\"frame\": 2, \"type\": \"tick\", \"delta\": 0.1}\n");
-		const std::string Unknown =
-			Dir.Write("unknown.jsonl", "{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"tap\"}\n");
-		const std::string NeedsScene = Dir.Write("scene.jsonl",
-			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"button\", \"name\": "
-			"\"WaitForObject\", "
-			"\"object\": \"door\", \"mode\": \"Absolute\"}\n");
 		const std::string BadScene = Dir.Write("bad.json", "{\"objects\": 3}");
 		const struct
 		{
 			std::vector<std::string> Args;
 			std::string Error;
 		} Rows[] = {
+			// What the log reader says of a bad line is the input log tests' to pin; here it is one line, exit 1.
 			{{"record", "--input", Broken},
 				"lodex: " + Broken + ":3: frame 2 comes after frame 3: frames must never decrease\n"},
-			{{"record", "--input", Unknown}, "lodex: " + Unknown + ":2: unknown type 'tap'\n"},
-			{{"record", "--input", NeedsScene},
-				"lodex: " + NeedsScene +
-					":2: button 'WaitForObject' needs --scene FILE to find its object (or a 'lodestring' field)\n"},
 			{{"record", "--input", Dir.File("absent.jsonl")},
 				"lodex: " + Dir.File("absent.jsonl") + ": cannot open the file\n"},
 			// A folder opens but cannot be read: it is not taken for an empty log.
