@@ -109,17 +109,7 @@ namespace
 		}
 	}
 
-	TEST(LodexStyleContent, InfoIconIsResourcesInfoIconPngUnderThePluginsFolderFollowedByUnrealCLR)
-	{
-		// The engine's plugins folder ends in "/"; nothing is inserted or removed before "UnrealCLR".
-		const std::string Root = MakeLodexStyleContentRoot("/home/tester/My Game/Plugins/");
-		const FLodexBrushInfo* Info = FindLodexBrush("Icons.Info");
-		ASSERT_NE(Info, nullptr);
-		EXPECT_EQ(GetLodexBrushFilePath(Root, *Info), "/home/tester/My Game/Plugins/UnrealCLR/Resources/Info_icon.png");
-		EXPECT_EQ(MakeLodexStyleContentRoot("/p/Plugins"), "/p/PluginsUnrealCLR");
-	}
-
-	TEST(LodexPathAppend, JoinsAsTheEngineSlashOperator)
+	TEST(LodexPathAppend, JoinsAsTheEngineSlashOperatorAndEachBrushFileLiesBelowTheContentRoot)
 	{
 		const char* const Rows[][3] = {
 			{"root", "Resources/x", "root/Resources/x"},
@@ -136,6 +126,11 @@ namespace
 		{
 			EXPECT_EQ(LodexPathAppend(Row[0], Row[1]), Row[2]) << "'" << Row[0] << "' / '" << Row[1] << "'";
 		}
+		// The engine's plugins folder ends in "/"; nothing is inserted or removed before "UnrealCLR".
+		EXPECT_EQ(MakeLodexStyleContentRoot("/p/Plugins"), "/p/PluginsUnrealCLR");
+		const FLodexBrushInfo* Info = FindLodexBrush("Icons.Info");
+		ASSERT_NE(Info, nullptr);
+		EXPECT_EQ(GetLodexBrushFilePath("/p/", *Info), "/p/Resources/Info_icon.png");
 	}
 
 	std::uint32_t ReadBigEndian(const std::string& Bytes, std::size_t At)

@@ -98,32 +98,6 @@ namespace
 		EXPECT_EQ(Run.Err, "");
 	}
 
-	TEST(LodexExplore, MethodSnippetsOfEachParameterShape)
-	{
-		const FLodexRun Run = Explore("select door\n"
-									  "pick method TryUnlock\nmenu methods\nchoose Lodestring Relative\n"
-									  "pick method GetLockState\nmenu methods\nchoose Lodestring Relative\n"
-									  "pick method Open\nmenu methods\nchoose Lodestring Relative\n"
-									  "pick method Knock\nmenu methods\nchoose Lodestring Relative\n");
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		for (const char* Expected : {
-				 "LogTemp: Method : bool TryUnlock(FString &Code, int32 &AttemptsLeft)\n"
-				 "LogTemp: Sample usage: bool var = api.CallMethod<bool>(\"//Door\", \"TryUnlock\", new object[]{& "
-				 "FString, & int32});  //replace types with objects \n",
-				 "LogTemp: Method : int32 GetLockState(bool &bJammed)\n"
-				 "LogTemp: Sample usage: int32 var = api.CallMethod<int32>(\"//Door\", \"GetLockState\", new "
-				 "object[]{& bool});  //replace types with objects \n",
-				 "LogTemp: Method : void Open()\n"
-				 "LogTemp: Sample usage: api.CallMethod(\"//Door\", \"Open\", new object[]{});  //replace types with "
-				 "objects \n",
-				 // The Blueprint function's locals come after its parameters and are never read.
-				 "LogTemp: Method : bool Knock(float Strength)\n",
-			 })
-		{
-			EXPECT_TRUE(Contains(Run.Out, Expected)) << Expected << "\n" << Run.Out;
-		}
-	}
-
 	TEST(LodexExplore, PropertyAndObjectTargetsAndNothingWithoutAPick)
 	{
 		const FLodexRun Run = Explore("select door\nmenu properties\nchoose Lodestring Relative\n"
@@ -150,22 +124,19 @@ namespace
 			<< Object.Out;
 	}
 
-	TEST(LodexExplore, VoidInAnyCaseAndAComponentNamedAfterItsActorWhateverItsOwnPath)
+	TEST(LodexExplore, AVoidReturnIsVoidInAnyCase)
 	{
 		FTempDir Dir;
 		const std::string Scene = Dir.Write("door.json", R"({"objects": [
 			{"id": "lvl", "kind": "other", "name": "PersistentLevel"},
-			{"id": "door", "kind": "actor", "name": "Door", "outer": "lvl", "class": "Door_C"},
-			{"id": "lock", "kind": "component", "name": "Lock", "outer": "door"},
-			{"id": "latch", "kind": "component", "name": "Latch", "outer": "lock"}],
+			{"id": "door", "kind": "actor", "name": "Door", "outer": "lvl", "class": "Door_C"}],
 		  "classes": [{"name": "Door_C", "functions": [
 			{"name": "Shout", "properties": [{"name": "ReturnValue", "type": "VOID", "flags": ["parm", "out", "return"]},
 				{"name": "Word", "type": "FString", "flags": ["parm"]}, {"name": "Times", "type": "int32", "flags": ["parm", "out"]}]},
 			{"name": "Whisper", "properties": [{"name": "ReturnValue", "type": "Void", "flags": ["parm", "out", "return"]},
 				{"name": "Word", "type": "FString", "flags": ["parm"]}]}]}]})");
 		const FLodexRun Run = Explore("select door\npick method Shout\nmenu methods\nchoose Lodestring Relative\n"
-									  "pick method Whisper\nmenu methods\nchoose Lodestring Relative\n"
-									  "tree Latch\nmenu tree\nchoose Lodestring Relative\n",
+									  "pick method Whisper\nmenu methods\nchoose Lodestring Relative\n",
 			Scene);
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		for (const char* Expected : {
@@ -175,15 +146,10 @@ namespace
 				 "LogTemp: Method : Void Whisper(FString Word)\n"
 				 "LogTemp: Sample usage: api.CallMethod(\"//Door\", \"Whisper\", new object[]{FString});  //replace "
 				 "types with objects \n",
-				 // The latch's own Lodestring is //Door/fn:component('Lock')/fn:component('Latch').
-				 "> choose Lodestring Relative\nLogTemp: Lodestring : //Door/fn:component('Latch') \n",
 			 })
 		{
 			EXPECT_TRUE(Contains(Run.Out, Expected)) << Expected << "\n" << Run.Out;
 		}
-		const FLodexRun Path = RunLodex({"path", "--scene", Scene, "--mode", "Relative", "latch"}, "");
-		ASSERT_EQ(Path.Exit, 0);
-		EXPECT_EQ(Path.Out, "//Door/fn:component('Lock')/fn:component('Latch')\n");
 	}
 
 	TEST(LodexExplore, TypingLocKeepsRelativeLocationAndClearingTheBoxShowsEverythingAgain)
@@ -194,52 +160,6 @@ namespace
 		const FLodexRun Cleared = Explore("select hinge\nsearch properties loc\nsearch properties\nshow\n");
 		EXPECT_EQ(ShownRows(Cleared.Out, "Properties").size(), 9u);
 		EXPECT_TRUE(Contains(Cleared.Out, "\nProperties  [Search Properties] (hint)\n"));
-	}
-
-	TEST(LodexExplore, SelectingAComponentInTheTreeClearsBothBoxesAndRefillsBothLists)
-	{
-		const FLodexRun Run =
-			Explore("select door\nsearch properties open\nsearch methods lock\nshow\ntree Hinge\nshow\n");
-		EXPECT_EQ(ShownRows(Run.Out, "Properties").front(), "USceneComponent*|AttachParent");
-		EXPECT_EQ(ShownRows(Run.Out, "Methods").front(), "USceneComponent*|GetAttachParent()");
-		EXPECT_EQ(ShownField(Run.Out, "SelectedComponent"), "Hinge");
-		const std::size_t LastShow = Run.Out.rfind("> show");
-		EXPECT_EQ(Run.Out.find("[Search Properties] (hint)", LastShow) != std::string::npos &&
-				Run.Out.find("[open]", LastShow) == std::string::npos &&
-				Run.Out.find("[lock]", LastShow) == std::string::npos,
-			true)
-			<< Run.Out.substr(LastShow);
-	}
-
-	TEST(LodexExplore, EitherRowOfTwoSameNamedMethodsPicksTheFirstEntry)
-	{
-		const FLodexRun Run = Explore("select door\nsearch methods BeginPlay\npick method #2\nshow\n");
-		EXPECT_EQ(ShownRows(Run.Out, "Methods"),
-			(std::vector<std::string>{"void|ReceiveBeginPlay()", ">|void|ReceiveBeginPlay()"}));
-		EXPECT_EQ(ShownField(Run.Out, "SelectedFunction"), "ReceiveBeginPlay (declared by BP_Door_C)");
-	}
-
-	TEST(LodexExplore, TwoSelectedActorsLeaveThePanelAsItWas)
-	{
-		const FLodexRun Run =
-			Explore("select door\npick method Open\nsearch methods o\nshow\nselect door lamp\nshow\n");
-		const std::size_t Second = Run.Out.rfind("> show\n");
-		const std::size_t First = Run.Out.rfind("> show\n", Second - 1);
-		const std::string FirstShow = Run.Out.substr(First, Run.Out.find("> select door lamp") - First);
-		EXPECT_EQ(Run.Out.substr(Second), FirstShow);
-		EXPECT_EQ(ShownField(Run.Out, "SelectedFunction"), "Open (declared by LockableDoor)");
-	}
-
-	TEST(LodexExplore, AnObjectNeitherActorNorComponentIsLoggedAndLeavesTheListsEmpty)
-	{
-		const FLodexRun Run = Explore("select door\nselect level\nselect hud\nshow\n");
-		EXPECT_TRUE(Contains(Run.Out,
-			"> select level\nLogTemp: Unhandled thing clicked : PersistentLevel();\n"
-			"> select hud\nLogTemp: Unhandled thing clicked : WBP_HUD_C_0();\n"))
-			<< Run.Out;
-		EXPECT_TRUE(ShownRows(Run.Out, "Properties").empty());
-		EXPECT_TRUE(ShownRows(Run.Out, "Methods").empty());
-		EXPECT_EQ(ShownField(Run.Out, "SelectedActor"), "(none)");
 	}
 
 	TEST(LodexExplore, ListViewsLetGoOfARowTheyNoLongerShowAndThePanelHearsIt)

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <sys/stat.h>
 
@@ -72,22 +71,16 @@ namespace
 	TEST(LodexRecord, AFailedSaveSaysSoInOneLineAndLeavesWhatWasThere)
 	{
 		FTempDir Dir;
-		// A folder where the file should go: refused before anything is written beside it.
+		// A folder where the file should go: refused before anything is written beside it. The other failures of a
+		// write are the clipboard file's tests', which go through the same routine.
 		ASSERT_EQ(mkdir(Dir.File("Taken").c_str(), 0755), 0);
 		Dir.Write("Taken/keep.txt", "kept");
 		const FLodexRun Taken = RunLodex({"record", "--input", SampleLog, "--out", Dir.File("Taken")});
 		EXPECT_EQ(Taken.Exit, 1);
 		EXPECT_EQ(Taken.Out, "");
 		EXPECT_EQ(Taken.Err, "lodex: " + Dir.File("Taken") + ": is a folder, not a file; nothing was written\n");
-		EXPECT_EQ(std::count(Taken.Err.begin(), Taken.Err.end(), '\n'), 1);
 		EXPECT_EQ(FTempDir::Read(Dir.File("Taken") + "/keep.txt"), "kept");
 		EXPECT_EQ(CountDirectoryEntries(Dir.File("")), 1u) << "nothing was left beside the folder";
-
-		const std::string Nowhere = Dir.File("no/such/folder/RecordedInput.txt");
-		const FLodexRun Missing = RunLodex({"record", "--input", SampleLog, "--out", Nowhere});
-		EXPECT_EQ(Missing.Exit, 1);
-		EXPECT_EQ(Missing.Err.rfind("lodex: " + Nowhere + ": cannot write the file (", 0), 0u) << Missing.Err;
-		EXPECT_EQ(std::count(Missing.Err.begin(), Missing.Err.end(), '\n'), 1);
 	}
 
 	TEST(LodexRecord, ABadLogOrSceneIsOneLineOnStandardErrorAndNothingOnStandardOutput)
@@ -96,24 +89,15 @@ namespace
 		const std::string Broken = Dir.Write("broken.jsonl",
 			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"tick\", \"delta\": 0.1}\n"
 			"{\"frame\": 2, \"type\": \"tick\", \"delta\": 0.1}\n");
-		const std::string Unknown =
-			Dir.Write("unknown.jsonl", "{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"tap\"}\n");
-		const std::string NeedsScene = Dir.Write("scene.jsonl",
-			"{\"lodexInputLog\": 1, \"host\": \"h\"}\n{\"frame\": 3, \"type\": \"button\", \"name\": "
-			"\"WaitForObject\", "
-			"\"object\": \"door\", \"mode\": \"Absolute\"}\n");
 		const std::string BadScene = Dir.Write("bad.json", "{\"objects\": 3}");
 		const struct
 		{
 			std::vector<std::string> Args;
 			std::string Error;
 		} Rows[] = {
+			// What the log reader says of a bad line is the input log tests' to pin; here it is one line, exit 1.
 			{{"record", "--input", Broken},
 				"lodex: " + Broken + ":3: frame 2 comes after frame 3: frames must never decrease\n"},
-			{{"record", "--input", Unknown}, "lodex: " + Unknown + ":2: unknown type 'tap'\n"},
-			{{"record", "--input", NeedsScene},
-				"lodex: " + NeedsScene +
-					":2: button 'WaitForObject' needs --scene FILE to find its object (or a 'lodestring' field)\n"},
 			{{"record", "--input", Dir.File("absent.jsonl")},
 				"lodex: " + Dir.File("absent.jsonl") + ": cannot open the file\n"},
 			// A folder opens but cannot be read: it is not taken for an empty log.
@@ -147,18 +131,12 @@ namespace
 			std::string Value;
 			std::string Error;
 		} Rows[] = {
+			// The scene reader's test covers the other rejections: the same routine words them.
 			{"1e999}", "2:49: number out of the range of a double: 1e999"},
-			{"[0, -1e999]}", "2:53: number out of the range of a double: -1e999"},
-			{std::string(400, '7') + "}",
-				"2:49: number out of the range of a double: 77777777777777777777... (400 characters)"},
+			{std::string("0}\0{\"frame\": 0}", 15), "2:51: a NUL byte; the file must be UTF-8 text"},
 			{"\"\\ud800\"}",
 				"2:56: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF must be "
 				"followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'"},
-			{std::string("\"a\0b\"}", 6), "2:51: a NUL byte; the file must be UTF-8 text"},
-			{std::string("0}\0{\"frame\": 0}", 15), "2:51: a NUL byte; the file must be UTF-8 text"},
-			{"\"\xFF\"}",
-				"2:50: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last read: "
-				"'\"\\xFF'"},
 		};
 		for (const auto& Row : Rows)
 		{
@@ -169,14 +147,6 @@ namespace
 			EXPECT_EQ(Run.Out, "");
 			EXPECT_EQ(Run.Err, "lodex: " + Log + ":" + Row.Error + "\n") << Row.Value;
 		}
-	}
-
-	TEST(LodexRecord, WithoutAnInputLogItIsAUsageError)
-	{
-		const FLodexRun Run = RunLodex({"record", "--fps"});
-		EXPECT_EQ(Run.Exit, 2);
-		EXPECT_EQ(Run.Out, "");
-		EXPECT_NE(Run.Err.find("--input"), std::string::npos) << Run.Err;
 	}
 
 	TEST(LodexRecord, TheDemoShowsTheRecordedSampleSessionAndItsScript)

@@ -120,15 +120,6 @@ namespace
 		}
 	}
 
-	TEST(SceneSnapshot, MissingFileIsNamed)
-	{
-		FTempDir Dir;
-		FSceneSnapshot Scene;
-		std::string Error;
-		EXPECT_FALSE(FSceneSnapshot::LoadFile(Dir.File("absent.json"), Scene, Error));
-		EXPECT_EQ(Error, Dir.File("absent.json") + ": cannot open the file");
-	}
-
 	TEST(SceneSnapshot, ObjectsMayReferToObjectsListedLater)
 	{
 		FTempDir Dir;
