@@ -169,7 +169,7 @@ namespace
 		FRecordingOutput Output;
 		FLodexExplorerPanel Panel{Graph, Reflection, Output};
 		FTestReflection::FClass& Class = Reflection.Class("Gate");
-		const std::vector<std::string> Names{"Tür", "TÜR", "tür_2", "straße", "STRASSE", "用户Name", "x_Y"};
+		const std::vector<std::string> Names{"Tür", "TÜR", "tür_2", "straße", "STRASSE", "用户Name", "x_Y", "Zaun"};
 		for (const std::string& Name : Names)
 		{
 			Class.Property(Name, "int32");
@@ -178,7 +178,7 @@ namespace
 		Reflection.SetClass(Gate, Class);
 		const FTestSelection Selection{&Gate};
 		Panel.HandleSelectionChanged(&Selection);
-		for (const std::string Filter : {"tü", "TÜ", "ü", "Ü", "TÜR", "ss", "SS", "ß", "用户n", "_y", "_2"})
+		for (const std::string Filter : {"tü", "TÜ", "ü", "Ü", "TÜR", "ss", "SS", "ß", "用户n", "_y", "_2", "zAUN"})
 		{
 			Panel.HandleFilterTextChanged(EList::Properties, Filter);
 			std::vector<std::string> Expected;

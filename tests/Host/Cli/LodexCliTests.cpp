@@ -447,10 +447,13 @@ namespace
 			{"id": "crate", "kind": "actor", "name": "Crate_3", "outer": "level", "attachParent": "shelf", "tags": []},
 			{"id": "mesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "crate"},
 			{"id": "yard", "kind": "actor", "name": "Yard", "outer": "level", "tags": []},
-			{"id": "yardmesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "yard"}]})");
-		const FLodexRun Path = RunLodex({"path", "--scene", Scene, "--mode", "best", "mesh", "crate"});
+			{"id": "yardmesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "yard"},
+			{"id": "twin1", "kind": "actor", "name": "Twin", "outer": "level", "tags": []},
+			{"id": "twin2", "kind": "actor", "name": "Twin", "outer": "level", "tags": []}]})");
+		const FLodexRun Path = RunLodex({"path", "--scene", Scene, "--mode", "best", "mesh", "crate", "twin1"});
 		EXPECT_EQ(Path.Exit, 0) << Path.Err;
-		EXPECT_EQ(Path.Out, "//Warehouse//fn:component('StaticMeshComponent0')\n//Crate_3\n");
-		EXPECT_EQ(Path.Err, "");
+		EXPECT_EQ(Path.Out, "//Warehouse//fn:component('StaticMeshComponent0')\n//Crate_3\n/*[@name = 'Twin']\n");
+		// Two objects nothing tells apart: the best there is, and why it is not unique.
+		EXPECT_EQ(Path.Err, "lodex: /*[@name = 'Twin'] matches 2 objects: no Lodestring tells them apart\n");
 	}
 }

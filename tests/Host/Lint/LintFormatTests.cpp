@@ -188,7 +188,9 @@ namespace
 		const std::vector<std::string> Twice =
 			Fingerprints("api.Click(\"//Nobody\");\napi.Click(\"//Nobody\");\napi.Click(\"//Tw\\\"in\");\n");
 		ASSERT_EQ(Twice.size(), 3u);
-		EXPECT_NE(Twice[0], Twice[1]);
+		// The hash, then the count of such findings so far in the file: 1 for the first.
+		EXPECT_EQ(Twice[0].substr(Twice[0].size() - 2), ":1");
+		EXPECT_EQ(Twice[1], Twice[0].substr(0, Twice[0].size() - 2) + ":2");
 		EXPECT_EQ(Twice[2], Before[1]); // a regular literal or a verbatim one: the same Lodestring
 	}
 

@@ -43,6 +43,18 @@ namespace
 		EXPECT_EQ(Run.Out, SampleScript()) << "lines joined with \"\\r\\n\", nothing added at the end";
 	}
 
+	TEST(LodexRecord, AButtonThatTakesAnObjectFindsItInTheSceneGiven)
+	{
+		FTempDir Dir;
+		const std::string Log = Dir.Write("click.jsonl",
+			FTempDir::Read(SampleLog).substr(0, FTempDir::Read(SampleLog).find('\n') + 1) +
+				R"({"frame": 1017, "type": "button", "name": "ClickObject", "object": "knob", "mode": "Relative"})"
+				"\n");
+		const FLodexRun Run = RunLodex({"record", "--input", Log, "--scene", SampleScene});
+		EXPECT_EQ(Run.Exit, 0) << Run.Err;
+		EXPECT_NE(Run.Out.find("api.ClickObject(MouseButtons.LEFT, \"//Knob\", 10);"), std::string::npos) << Run.Out;
+	}
+
 	TEST(LodexRecord, FpsWritesEveryDurationInTheFpsForm)
 	{
 		const FLodexRun Run = RunLodex({"record", "--fps", "--input", SampleLog});
