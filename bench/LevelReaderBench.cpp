@@ -1,11 +1,12 @@
 // Copyright Lodex contributors.
-// Reading levels: a generated level of 100,000 actors with 3 components each, and any real levels named in
-// LODEX_BENCH_LEVELS (paths separated by ':'), each read as `lodex` reads a map.
+// Reading levels: a generated level of 100,000 actors with 3 components each, a town of 1,000 Level Instances of one
+// house, and any real levels named in LODEX_BENCH_LEVELS (paths separated by ':'), each read as `lodex` reads a map.
 #include "Scenes/LevelScene.h"
 #include "TestPackageWriter.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -93,6 +94,64 @@ namespace
 		ReadLevel(State, BigLevelFile(Actors), 1 + Actors * 4);
 	}
 	BENCHMARK(BM_ReadGeneratedLevel)->Arg(100000)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+	/**
+	 * Content/Maps/Town.umap in a temporary folder: Instances Level Instances of Content/Houses/House.umap, a level of
+	 * 100 actors with 2 components each, so that the house is read once per instance.
+	 */
+	const std::string& TownLevelFile(std::size_t Instances)
+	{
+		static FBenchFolder Folder;
+		static std::string File;
+		if (!File.empty())
+		{
+			return File;
+		}
+		std::string Root = (std::filesystem::temp_directory_path() / "lodex-bench-XXXXXX").string();
+		if (mkdtemp(Root.data()) == nullptr)
+		{
+			return File;
+		}
+		Folder.Path = Root;
+		FTestMap House;
+		House.PackagePath = "/Game/Houses/House";
+		for (std::size_t Index = 0; Index < 100; ++Index)
+		{
+			FTestActor Actor;
+			Actor.Name = "StaticMeshActor_" + std::to_string(Index);
+			Actor.Components = {{"Root", "SceneComponent", Index > 0 ? House.Actors.back().Name + ".Root" : ""},
+				{"Mesh", "StaticMeshComponent", ""}};
+			Actor.Root = "Root";
+			House.Actors.push_back(std::move(Actor));
+		}
+		FTestMap Town;
+		Town.PackagePath = "/Game/Maps/Town";
+		for (std::size_t Index = 0; Index < Instances; ++Index)
+		{
+			FTestActor Instance;
+			Instance.Name = "LevelInstance_" + std::to_string(Index);
+			Instance.Class = "LevelInstance";
+			char Guid[33];
+			std::snprintf(Guid, sizeof(Guid), "%032zX", Index + 1);
+			Instance.Guid = Guid;
+			Instance.FirstProperties = [](FTestPackage::FData& Data)
+			{
+				Data.SoftObject("WorldAsset", "/Game/Houses/House.House");
+			};
+			Town.Actors.push_back(std::move(Instance));
+		}
+		WriteTestFile(Root + "/Content", "Houses/House.umap", WriteTestMap(House));
+		WriteTestFile(Root + "/Content", "Maps/Town.umap", WriteTestMap(Town));
+		File = Root + "/Content/Maps/Town.umap";
+		return File;
+	}
+
+	void BM_ReadLevelInstances(benchmark::State& State)
+	{
+		const std::size_t Instances = static_cast<std::size_t>(State.range(0));
+		ReadLevel(State, TownLevelFile(Instances), 1 + Instances + Instances * (1 + 100 * 3));
+	}
+	BENCHMARK(BM_ReadLevelInstances)->Arg(1000)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 	/** One benchmark per file of LODEX_BENCH_LEVELS. */
 	const bool bRealLevelsRegistered = []
