@@ -25,6 +25,13 @@ namespace
 				std::filesystem::remove_all(Path, Code);
 			}
 		}
+		/** Makes the folder; empty when it cannot be made. */
+		std::string Make()
+		{
+			std::string Made = (std::filesystem::temp_directory_path() / "lodex-bench-XXXXXX").string();
+			Path = mkdtemp(Made.data()) != nullptr ? Made : std::string();
+			return Path;
+		}
 		std::string Path;
 	};
 
@@ -33,16 +40,11 @@ namespace
 	{
 		static FBenchFolder Folder;
 		static std::string File;
-		if (!File.empty())
+		const std::string Root = File.empty() ? Folder.Make() : std::string();
+		if (Root.empty())
 		{
 			return File;
 		}
-		std::string Root = (std::filesystem::temp_directory_path() / "lodex-bench-XXXXXX").string();
-		if (mkdtemp(Root.data()) == nullptr)
-		{
-			return File;
-		}
-		Folder.Path = Root;
 		FTestMap Map;
 		Map.PackagePath = "/Game/Maps/Big";
 		Map.Actors.reserve(Actors);
@@ -103,16 +105,11 @@ namespace
 	{
 		static FBenchFolder Folder;
 		static std::string File;
-		if (!File.empty())
+		const std::string Root = File.empty() ? Folder.Make() : std::string();
+		if (Root.empty())
 		{
 			return File;
 		}
-		std::string Root = (std::filesystem::temp_directory_path() / "lodex-bench-XXXXXX").string();
-		if (mkdtemp(Root.data()) == nullptr)
-		{
-			return File;
-		}
-		Folder.Path = Root;
 		FTestMap House;
 		House.PackagePath = "/Game/Houses/House";
 		for (std::size_t Index = 0; Index < 100; ++Index)
