@@ -75,20 +75,23 @@ namespace
 		return Made;
 	}
 
-	struct FObjectSeen
-	{
-		std::string Id;
-		std::string InstancedBy;
-		std::string Level;
-		bool bStreamedOnDemand;
-	};
-
 	class LevelInstances : public ::testing::Test
 	{
 	protected:
 		void Write(const std::string& Relative, const std::string& Bytes)
 		{
 			WriteTestFile(Temp.Path + "/Content", Relative, Bytes);
+		}
+
+		/** The map of a /Game/ package, holding Actors and naming SubLevels as streamed in at play time. */
+		void WriteLevel(const std::string& PackagePath, const std::vector<FTestActor>& Actors,
+			const std::vector<std::string>& SubLevels = {})
+		{
+			FTestMap Map;
+			Map.PackagePath = PackagePath;
+			Map.Actors = Actors;
+			Map.SubLevels = SubLevels;
+			Write(PackagePath.substr(6) + ".umap", WriteTestMap(Map));
 		}
 
 		std::vector<std::string> Read(const std::string& Map, FLevelScene& Scene)
@@ -115,42 +118,30 @@ namespace
 
 	TEST_F(LevelInstances, EachInstanceReadsItsLevelUnderTheNameTheGameLoadsItAsAndInstancesInsideFollow)
 	{
-		FTestMap Main;
-		Main.Actors = {
-			Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA),
-			Instancing("LevelInstance_2", "LevelInstance", "/Game/Houses/House.House", GuidB),
-			// A Blueprint class deriving from LevelInstance is one; a packed level actor's level is not loaded in
-			// the game, and any other actor's WorldAsset is not a level to load.
-			Instancing("Tower_3", "/Game/BP/BP_Tower.BP_Tower_C", "/Game/Houses/Tower.Tower", GuidP),
-			Instancing("Packed_4", "/Game/BP/BPP_Shed.BPP_Shed_C", "/Game/Houses/Shed.Shed", GuidP),
-			Instancing("Portal_5", "StaticMeshActor", "/Game/Houses/Shed.Shed", GuidP),
-			Instancing("Nowhere_6", "LevelInstance", "/Game/Houses/Gone.Gone", GuidP),
-			Instancing("Unset_7", "LevelInstance", "None", GuidP),
-		};
-		Write("Maps/Main.umap", WriteTestMap(Main));
+		WriteLevel("/Game/Maps/Main",
+			{
+				Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA),
+				Instancing("LevelInstance_2", "LevelInstance", "/Game/Houses/House.House", GuidB),
+				// A Blueprint class deriving from LevelInstance is one; a packed level actor's level is not loaded in
+				// the game, and any other actor's WorldAsset is not a level to load.
+				Instancing("Tower_3", "/Game/BP/BP_Tower.BP_Tower_C", "/Game/Houses/Tower.Tower", GuidP),
+				Instancing("Packed_4", "/Game/BP/BPP_Shed.BPP_Shed_C", "/Game/Houses/Shed.Shed", GuidP),
+				Instancing("Portal_5", "StaticMeshActor", "/Game/Houses/Shed.Shed", GuidP),
+				Instancing("Nowhere_6", "LevelInstance", "/Game/Houses/Gone.Gone", GuidP),
+				Instancing("Unset_7", "LevelInstance", "None", GuidP),
+			});
 		Write("BP/BP_Tower.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Tower", "BP_Tower_C", "/Script/Engine.LevelInstance", false, {}));
 		Write("BP/BPP_Shed.uasset",
 			WriteTestBlueprint("/Game/BP/BPP_Shed", "BPP_Shed_C", "/Script/Engine.PackedLevelActor", false, {}));
-		FTestMap House;
-		House.PackagePath = "/Game/Houses/House";
 		FTestActor Lamp = Actor("Lamp");
 		Lamp.Components = {{"Bulb", "PointLightComponent"}};
 		Lamp.Root = "Bulb";
-		House.Actors = {Lamp, Instancing("Porch_1", "LevelInstance", "/Game/Houses/Porch.Porch", GuidP)};
-		Write("Houses/House.umap", WriteTestMap(House));
-		FTestMap Porch;
-		Porch.PackagePath = "/Game/Houses/Porch";
-		Porch.Actors = {Actor("Step")};
-		Write("Houses/Porch.umap", WriteTestMap(Porch));
-		FTestMap Tower;
-		Tower.PackagePath = "/Game/Houses/Tower";
-		Tower.Actors = {Actor("Bell")};
-		Write("Houses/Tower.umap", WriteTestMap(Tower));
-		FTestMap Shed;
-		Shed.PackagePath = "/Game/Houses/Shed";
-		Shed.Actors = {Actor("Rake")};
-		Write("Houses/Shed.umap", WriteTestMap(Shed));
+		WriteLevel(
+			"/Game/Houses/House", {Lamp, Instancing("Porch_1", "LevelInstance", "/Game/Houses/Porch.Porch", GuidP)});
+		WriteLevel("/Game/Houses/Porch", {Actor("Step")});
+		WriteLevel("/Game/Houses/Tower", {Actor("Bell")});
+		WriteLevel("/Game/Houses/Shed", {Actor("Rake")});
 
 		FLevelScene Scene;
 		const std::vector<std::string> Lines = Read("Maps/Main.umap", Scene);
@@ -209,22 +200,11 @@ namespace
 
 	TEST_F(LevelInstances, ALoopAnUnnamedInstanceAndAnOnDemandHostAreToldAndStillRead)
 	{
-		FTestMap Main;
-		Main.Actors = {Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House")};
-		Main.SubLevels = {"/Game/Maps/Far"};
-		Write("Maps/Main.umap", WriteTestMap(Main));
-		FTestMap House;
-		House.PackagePath = "/Game/Houses/House";
-		House.Actors = {Instancing("Again_1", "LevelInstance", "/Game/Houses/House.House", GuidA)};
-		Write("Houses/House.umap", WriteTestMap(House));
-		FTestMap Far;
-		Far.PackagePath = "/Game/Maps/Far";
-		Far.Actors = {Instancing("Hut_1", "LevelInstance", "/Game/Houses/Hut.Hut", GuidB)};
-		Write("Maps/Far.umap", WriteTestMap(Far));
-		FTestMap Hut;
-		Hut.PackagePath = "/Game/Houses/Hut";
-		Hut.Actors = {Actor("Door")};
-		Write("Houses/Hut.umap", WriteTestMap(Hut));
+		WriteLevel("/Game/Maps/Main", {Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House")},
+			{"/Game/Maps/Far"});
+		WriteLevel("/Game/Houses/House", {Instancing("Again_1", "LevelInstance", "/Game/Houses/House.House", GuidA)});
+		WriteLevel("/Game/Maps/Far", {Instancing("Hut_1", "LevelInstance", "/Game/Houses/Hut.Hut", GuidB)});
+		WriteLevel("/Game/Houses/Hut", {Actor("Door")});
 
 		FLevelScene Scene;
 		const std::vector<std::string> Lines = Read("Maps/Main.umap", Scene);
@@ -256,14 +236,10 @@ namespace
 
 	TEST_F(LevelInstances, TheCommandsShowTheInstanceAndTellItsMatchesApartByLevelThroughASnapshotToo)
 	{
-		FTestMap Main;
-		Main.Actors = {Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA),
-			Instancing("LevelInstance_2", "LevelInstance", "/Game/Houses/House.House", GuidB)};
-		Write("Maps/Main.umap", WriteTestMap(Main));
-		FTestMap House;
-		House.PackagePath = "/Game/Houses/House";
-		House.Actors = {Actor("Lamp")};
-		Write("Houses/House.umap", WriteTestMap(House));
+		WriteLevel("/Game/Maps/Main",
+			{Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA),
+				Instancing("LevelInstance_2", "LevelInstance", "/Game/Houses/House.House", GuidB)});
+		WriteLevel("/Game/Houses/House", {Actor("Lamp")});
 		const std::string Map = Temp.Path + "/Content/Maps/Main.umap";
 		const std::string HouseA = LevelInstancePackageName("/Game/Houses/House", {GuidA});
 		const std::string HouseB = LevelInstancePackageName("/Game/Houses/House", {GuidB});
@@ -295,17 +271,13 @@ namespace
 
 	TEST_F(LevelInstances, InAWorldPartitionMapTheyAreSaidToMoveIntoTheMapsCells)
 	{
-		FTestMap Main;
 		FTestActor Settings = Actor("WorldSettings");
 		Settings.Components = {{"WorldPartition", "WorldPartition"}};
-		Main.Actors = {Settings, Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA)};
-		Write("Maps/Main.umap", WriteTestMap(Main));
+		WriteLevel("/Game/Maps/Main",
+			{Settings, Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA)});
 		Write("__ExternalActors__/Maps/Main/A/ZZ/First.uasset",
 			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", Actor("Boat")));
-		FTestMap House;
-		House.PackagePath = "/Game/Houses/House";
-		House.Actors = {Actor("Lamp")};
-		Write("Houses/House.umap", WriteTestMap(House));
+		WriteLevel("/Game/Houses/House", {Actor("Lamp")});
 
 		FLevelScene Scene;
 		const std::vector<std::string> Lines = Read("Maps/Main.umap", Scene);
