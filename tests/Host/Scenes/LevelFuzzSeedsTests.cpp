@@ -39,7 +39,14 @@ namespace
 		Child.Class = "/Game/BP/BP_Door.BP_Door_C";
 		Child.Components = {{"Root", "SceneComponent", "Base_3.Mesh"}};
 		Child.Root = "Root";
-		Map.Actors = {Base, Child};
+		FTestActor Instance;
+		Instance.Name = "LevelInstance_2";
+		Instance.Class = "LevelInstance";
+		Instance.FirstProperties = [](FTestPackage::FData& Data)
+		{
+			Data.SoftObject("WorldAsset", "/Game/Maps/House.House");
+		};
+		Map.Actors = {Base, Child, Instance};
 		Map.SubLevels = {"/Game/Maps/Sub"};
 		Map.ImportedActors = {"/Game/Maps/Main.Main:PersistentLevel.External_UAID_1"};
 		Map.bNullActor = true;
