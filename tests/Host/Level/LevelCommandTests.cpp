@@ -217,6 +217,12 @@ namespace
 				":5:12: note: match 2 of 2: /*[@name = 'Twin'] (matches 2 objects: not unique) (in /Game/Maps/Cave)\n" +
 				"Checked 4 Lodestrings in 1 file: 1 error, 2 warnings, 2 notes\n");
 
+		// The tree says what the game does not have, and which level it streams in.
+		const FLodexRun Tree = RunLodex({"level", Map2});
+		EXPECT_NE(Tree.Out.find("Brush_0 (class Brush; editor only)"), std::string::npos) << Tree.Out;
+		EXPECT_NE(Tree.Out.find("level /Game/Maps/Cave (streamed in at play time)\n"), std::string::npos) << Tree.Out;
+		EXPECT_NE(Tree.Out.find("level /Game/Maps/Main\n"), std::string::npos) << Tree.Out;
+
 		// The level as a snapshot keeps both marks, and lint reads them back.
 		const FLodexRun Json = RunLodex({"level", Map2, "--format", "json"});
 		ASSERT_EQ(Json.Exit, 0) << Json.Err;

@@ -36,6 +36,10 @@ namespace
 		{
 			Facts.push_back("attached to " + Actor.AttachParent->Name);
 		}
+		if (Actor.bEditorOnly)
+		{
+			Facts.push_back("editor only");
+		}
 		if (!Facts.empty())
 		{
 			Line += " (" + LodexText::Join(Facts, "; ") + ")";
@@ -65,10 +69,21 @@ namespace
 			{
 				continue;
 			}
-			FTextTreeNode& LevelNode = Root.Add(Level.InstancedBy.empty()
-					? "level " + (Level.Package.empty() ? Level.Name : Level.Package)
-					: "level " + Level.Id.substr(0, Level.Id.find_first_of(".:")) + " (a Level Instance of " +
-						Level.Package + ", by " + Level.InstancedBy.substr(Level.InstancedBy.rfind('.') + 1) + ")");
+			std::vector<std::string> LevelFacts;
+			if (!Level.InstancedBy.empty())
+			{
+				LevelFacts.push_back("a Level Instance of " + Level.Package + ", by " +
+					Level.InstancedBy.substr(Level.InstancedBy.rfind('.') + 1));
+			}
+			if (Level.bStreamedOnDemand)
+			{
+				LevelFacts.push_back("streamed in at play time");
+			}
+			FTextTreeNode& LevelNode = Root.Add("level " +
+				(!Level.InstancedBy.empty()     ? Level.Id.substr(0, Level.Id.find_first_of(".:"))
+						: Level.Package.empty() ? Level.Name
+												: Level.Package) +
+				(LevelFacts.empty() ? "" : " (" + LodexText::Join(LevelFacts, "; ") + ")"));
 			for (const FSceneObject* Actor : Level.Inners)
 			{
 				if (Actor->Kind != ELodexSnapshotKind::Actor)
@@ -78,11 +93,21 @@ namespace
 				FTextTreeNode& ActorNode = LevelNode.Add(DescribeLevelActor(*Actor, *Index, Finder));
 				for (const FSceneObject* Component : Actor->Inners)
 				{
-					if (Component->Kind == ELodexSnapshotKind::Component)
+					if (Component->Kind != ELodexSnapshotKind::Component)
 					{
-						ActorNode.Add(
-							Component->Name + (Component->ClassName.empty() ? "" : " (" + Component->ClassName + ")"));
+						continue;
 					}
+					std::vector<std::string> ComponentFacts;
+					if (!Component->ClassName.empty())
+					{
+						ComponentFacts.push_back(Component->ClassName);
+					}
+					if (Component->bEditorOnly)
+					{
+						ComponentFacts.push_back("editor only");
+					}
+					ActorNode.Add(Component->Name +
+						(ComponentFacts.empty() ? "" : " (" + LodexText::Join(ComponentFacts, "; ") + ")"));
 				}
 			}
 		}
