@@ -36,20 +36,6 @@ std::string DescribeJsonParseReason(const std::string& ParserMessage)
 	return Bracket != std::string::npos ? ParserMessage.substr(Bracket + 2) : ParserMessage;
 }
 
-std::string FindControlCharacter(const std::string& Text)
-{
-	for (const char Char : Text)
-	{
-		const unsigned char Byte = static_cast<unsigned char>(Char);
-		if (Byte < 0x20)
-		{
-			static const char Hex[] = "0123456789ABCDEF";
-			return std::string("U+00") + Hex[Byte >> 4] + Hex[Byte & 0xF];
-		}
-	}
-	return std::string();
-}
-
 namespace
 {
 	/** The length of the valid UTF-8 sequence starting at Index, or 0. */

@@ -15,12 +15,6 @@ std::string DescribeJsonPosition(const std::string& Text, std::size_t ByteOffset
 /** The JSON library's reason without its "[json.exception...] parse error at line L, column C: " prefix. */
 std::string DescribeJsonParseReason(const std::string& ParserMessage);
 
-/**
- * The first control character (U+0000 to U+001F) of a text read from a file, as "U+000A"; empty when it has none.
- * Names and other text fields that end up in generated lines or in messages must be one line of text.
- */
-std::string FindControlCharacter(const std::string& Text);
-
 /** Where and why JSON text fails to parse: the byte the parser stopped at (from 1) and the reason. */
 struct FJsonTextError
 {

@@ -2,6 +2,7 @@
 #include "LevelPackage.h"
 
 #include "TaggedProperties.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -61,21 +62,6 @@ namespace
 		return Text.size() >= Tail.size() && Text.compare(Text.size() - Tail.size(), Tail.size(), Tail) == 0;
 	}
 
-	std::string ControlCharacterIn(const std::string& Text)
-	{
-		for (const char Character : Text)
-		{
-			if (static_cast<unsigned char>(Character) < 0x20)
-			{
-				char Code[8];
-				std::snprintf(
-					Code, sizeof(Code), "U+%04X", static_cast<unsigned>(static_cast<unsigned char>(Character)));
-				return Code;
-			}
-		}
-		return std::string();
-	}
-
 	/** An object's name never holds '.' or ':', which separate the names of an object path. */
 	bool CheckObjectName(const std::string& Name, std::size_t Offset, const std::string& What, FPackageError& OutError)
 	{
@@ -92,7 +78,7 @@ namespace
 	/** Names, labels and tags end up in one-line texts: a control character in one is an error at Offset. */
 	bool CheckOneLine(const std::string& Text, std::size_t Offset, const std::string& What, FPackageError& OutError)
 	{
-		const std::string Control = ControlCharacterIn(Text);
+		const std::string Control = LodexText::FindControlCharacter(Text);
 		if (Control.empty())
 		{
 			return true;

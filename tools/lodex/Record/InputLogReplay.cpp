@@ -7,6 +7,7 @@
 
 #include "LodexDebugger/Core/Recorder/LodexInputLog.h"
 #include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -117,7 +118,7 @@ namespace
 			{
 				return WrongType(Name, "a string", *Value);
 			}
-			const std::string ControlCharacter = FindControlCharacter(Value->get_ref<const std::string&>());
+			const std::string ControlCharacter = LodexText::FindControlCharacter(Value->get_ref<const std::string&>());
 			if (!ControlCharacter.empty())
 			{
 				return Fail(std::string("field '") + Name +

@@ -4,6 +4,7 @@
 #include "Cli/JsonErrors.h"
 
 #include "LodexDebugger/Core/Explorer/LodexReflection.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -76,7 +77,7 @@ namespace
 		/** Names and type texts end up in log lines and snippets: each is one line of text. */
 		bool CheckOneLine(const std::string& Where, const std::string& Field, const std::string& Value)
 		{
-			const std::string ControlCharacter = FindControlCharacter(Value);
+			const std::string ControlCharacter = LodexText::FindControlCharacter(Value);
 			return ControlCharacter.empty() ||
 				Fail(Where,
 					"field " + Field + " must be one line of text: it holds the control character " + ControlCharacter);

@@ -6,6 +6,7 @@
 #include "ContentFiles.h"
 
 #include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -127,7 +128,7 @@ bool FSceneSnapshot::ReadObjects(
 					JsonTypeName(*It));
 			}
 			OutValue = It->get<std::string>();
-			const std::string ControlCharacter = bOneLine ? FindControlCharacter(OutValue) : std::string();
+			const std::string ControlCharacter = bOneLine ? LodexText::FindControlCharacter(OutValue) : std::string();
 			if (!ControlCharacter.empty())
 			{
 				OutValue.clear();
@@ -235,7 +236,7 @@ bool FSceneSnapshot::ReadObjects(
 					return Fail(DescribeObject(Index, Object.Id) + ": field 'tags'[" + std::to_string(TagIndex) +
 						"] must be a string, found " + JsonTypeName(Tag));
 				}
-				const std::string ControlCharacter = FindControlCharacter(Tag.get_ref<const std::string&>());
+				const std::string ControlCharacter = LodexText::FindControlCharacter(Tag.get_ref<const std::string&>());
 				if (!ControlCharacter.empty())
 				{
 					return Fail(DescribeObject(Index, Object.Id) + ": field 'tags'[" + std::to_string(TagIndex) +
@@ -277,10 +278,11 @@ bool FSceneSnapshot::ReadObjects(
 			}
 			const std::string Target = It->get<std::string>();
 			const auto Found = IndexById.find(Target);
-			if (Found == IndexById.end() && !FindControlCharacter(Target).empty())
+			if (Found == IndexById.end() && !LodexText::FindControlCharacter(Target).empty())
 			{
 				return Fail(DescribeObject(Index, Object.Id) + ": field '" + Field.Name +
-					"' must be one line of text: it holds the control character " + FindControlCharacter(Target));
+					"' must be one line of text: it holds the control character " +
+					LodexText::FindControlCharacter(Target));
 			}
 			if (Found == IndexById.end())
 			{

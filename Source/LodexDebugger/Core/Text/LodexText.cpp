@@ -351,6 +351,20 @@ namespace LodexText
 		return true;
 	}
 
+	std::string FindControlCharacter(const std::string& Text)
+	{
+		for (const char Char : Text)
+		{
+			const unsigned char Byte = static_cast<unsigned char>(Char);
+			if (Byte < 0x20)
+			{
+				static const char Hex[] = "0123456789ABCDEF";
+				return std::string("U+00") + Hex[Byte >> 4] + Hex[Byte & 0xF];
+			}
+		}
+		return std::string();
+	}
+
 	std::string EscapeControlsAndIllFormed(const std::string& Text, std::size_t MaxBytes)
 	{
 		static const char Hex[] = "0123456789ABCDEF";

@@ -72,6 +72,12 @@ namespace LodexText
 	std::string EscapeControlsAndIllFormed(const std::string& Text, std::size_t MaxBytes = std::string::npos);
 
 	/**
+	 * The first control character (U+0000 to U+001F) of a text, as "U+000A"; empty when it has none. Names and other
+	 * texts that end up in generated lines or in messages must be one line of text.
+	 */
+	std::string FindControlCharacter(const std::string& Text);
+
+	/**
 	 * UTF-8 text converted to 8-bit text as the engine's TCHAR-to-ANSI conversion does it: the text is
 	 * taken as UTF-16 code units, and every unit above 0x7F becomes '?'. So "Tür" gives "T?r", and a
 	 * character outside the Basic Multilingual Plane (two units) gives "??". A byte that is not part of a
