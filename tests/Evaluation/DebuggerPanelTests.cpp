@@ -62,13 +62,6 @@ namespace
 									"Duration:1.5 (ms)\n"
 									"error 1, idle 0, colour (1, 0, 0, 1)\n";
 
-	TEST(DebuggerPanelPoll, FixtureStartsAsDescribed)
-	{
-		FDebuggerFixture Fixture;
-		EXPECT_EQ(RenderDebugger(Fixture.Panel), FixtureView);
-		EXPECT_EQ(Fixture.Host.Block.command, 5);
-	}
-
 	TEST(DebuggerPanelPoll, EveryStatusAsTheTableSays)
 	{
 		struct FRow
@@ -276,21 +269,6 @@ namespace
 			EXPECT_FALSE(Panel.IsIdle());
 			EXPECT_EQ(Panel.GetMessageText(), Row.Message) << Row.Command;
 		}
-	}
-
-	TEST(DebuggerPanelButtons, StepIntoTwiceWritesTheCodeTwice)
-	{
-		FTestEvaluatorHost Host;
-		FLodexDebuggerPanel Panel(Host);
-		Panel.OnPathTextChanged("/a");
-		Panel.OnStepIntoClicked();
-		EXPECT_EQ(Host.Block.command, 5);
-		Host.Block.command = 0;
-		Panel.OnStepIntoClicked();
-		EXPECT_EQ(Host.Block.command, 5);
-		Panel.OnStepOverClicked();
-		EXPECT_EQ(Host.Block.command, 6) << "the last press replaces a request not yet taken";
-		EXPECT_EQ(Host.LoadedModules.size(), 3u);
 	}
 
 	TEST(DebuggerPanelButtons, GameNotRunningShowsTheMessageAndRunLeavesTheIcon)

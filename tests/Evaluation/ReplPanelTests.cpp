@@ -58,7 +58,6 @@ namespace
 			{7, "5", false, true, Error, 0, "0", 7, 1},
 			{10, "5", false, true, Error, 0, "0", 10, 1},
 			{-1, "5", false, true, Error, 0, "0", -1, 1},
-			{42, "5", false, true, Error, 0, "0", 42, 1},
 		};
 		for (const FRow& Row : Rows)
 		{
@@ -75,18 +74,6 @@ namespace
 			EXPECT_EQ(Fixture.Host.Block.status, Row.StatusAfter) << Where;
 			EXPECT_EQ(Fixture.Host.Block.command, Row.CommandAfter) << Where;
 		}
-	}
-
-	TEST(ReplPanelPoll, UnknownStatusesAreReadAgainOnEveryTickAndNeverConsumed)
-	{
-		FReplFixture Fixture;
-		Fixture.Host.Publish(4, "3");
-		for (int Tick = 0; Tick < 100; ++Tick)
-		{
-			EXPECT_TRUE(Fixture.Panel.Tick(true));
-		}
-		EXPECT_EQ(Fixture.Host.Block.status, 4);
-		EXPECT_EQ(Fixture.Panel.GetCountText(), "0");
 	}
 
 	TEST(ReplPanelPoll, OnlyAFocusedPanelPollsAndAWaitingResultShowsOnFocus)

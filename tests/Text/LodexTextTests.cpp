@@ -108,35 +108,47 @@ TEST(LodexTextCount, LeadingIntegerAsAtoiReadsIt)
 	}
 }
 
-TEST(LodexTextUtf8, SequenceLengthAcceptsOnlyWellFormedSequences)
+TEST(LodexTextUtf8, WellFormedSequencesOnly)
 {
 	struct FRow
 	{
-		const char* Text;
+		std::string Text;
 		std::size_t Index;
 		std::size_t Length;
 		std::uint32_t CodePoint;
+		bool bUtf8;
 	};
 	const FRow Rows[] = {
-		{"A", 0, 1, 0x41},
-		{"T\xC3\xBCr", 1, 2, 0xFC},
-		{"T\xC3\xBCr", 2, 0, 0}, // a continuation byte starts nothing
-		{"\xE7\x94\xA8", 0, 3, 0x7528},
-		{"\xF0\x9F\x98\x80", 0, 4, 0x1F600},
-		{"\xF4\x8F\xBF\xBF", 0, 4, 0x10FFFF},
-		{"\xF4\x90\x80\x80", 0, 0, 0}, // beyond U+10FFFF
-		{"\xC0\xAF", 0, 0, 0}, // overlong
-		{"\xE0\x80\xAF", 0, 0, 0}, // overlong
-		{"\xED\xA0\x80", 0, 0, 0}, // a surrogate
-		{"\xE7\x94", 0, 0, 0}, // cut short by the end
-		{"\xE7\x41\xA8", 0, 0, 0}, // cut short by a plain byte
-		{"\xFF", 0, 0, 0},
+		{"", 0, 0, 0, true},
+		{std::string("\0x", 2), 0, 1, 0, true},
+		{"T\xC3\xBCr", 0, 1, 'T', true},
+		{"T\xC3\xBCr", 1, 2, 0xFC, true},
+		{"T\xC3\xBCr", 2, 0, 0, true}, // a continuation byte starts nothing
+		{"\xE7\x94\xA8", 0, 3, 0x7528, true},
+		{"\xF0\x9F\x98\x80", 0, 4, 0x1F600, true},
+		{"\xF4\x8F\xBF\xBF", 0, 4, 0x10FFFF, true},
+		{"\xF4\x90\x80\x80", 0, 0, 0, false}, // past U+10FFFF
+		{"\xC0\x80", 0, 0, 0, false}, // overlong NUL
+		{"\xE0\x80\xAF", 0, 0, 0, false}, // overlong '/'
+		{"\xED\xA0\x80", 0, 0, 0, false}, // a surrogate
+		{"\xC3", 0, 0, 0, false}, // cut short by the end
+		{"\xE7\x41\xA8", 0, 0, 0, false}, // cut short by a plain byte
+		{"\xC3\xC3", 0, 0, 0, false}, // cut short by a lead byte
+		{"\x80", 0, 0, 0, false}, // a stray continuation byte
+		{"\xFF", 0, 0, 0, false},
+		{"ok\xFF", 0, 1, 'o', false},
 	};
 	for (const FRow& Row : Rows)
 	{
-		std::uint32_t CodePoint = 0;
-		EXPECT_EQ(Utf8SequenceLength(Row.Text, Row.Index, CodePoint), Row.Length) << Row.Text << " at " << Row.Index;
-		EXPECT_EQ(CodePoint, Row.CodePoint) << Row.Text << " at " << Row.Index;
+		SCOPED_TRACE(Row.Text + " at " + std::to_string(Row.Index));
+		EXPECT_EQ(Utf8SequenceLength(Row.Text, Row.Index), Row.Length);
+		EXPECT_EQ(IsUtf8(Row.Text), Row.bUtf8);
+		if (Row.Index < Row.Text.size())
+		{
+			std::uint32_t CodePoint = 0;
+			EXPECT_EQ(Utf8SequenceLength(Row.Text, Row.Index, CodePoint), Row.Length);
+			EXPECT_EQ(CodePoint, Row.CodePoint);
+		}
 	}
 }
 
@@ -146,10 +158,7 @@ TEST(LodexTextAnsi, UnitsAboveAsciiBecomeQuestionMarks)
 	EXPECT_EQ(ToAnsi("T\xC3\xBCr"), "T?r");
 	EXPECT_EQ(ToAnsi("\xE7\x94\xA8\xE6\x88\xB7"), "??");
 	EXPECT_EQ(ToAnsi("a\xF0\x9F\x98\x80z"), "a??z");
-	// Malformed bytes: one mark each, the text around them kept.
-	EXPECT_EQ(ToAnsi("a\xFFz"), "a?z");
-	EXPECT_EQ(ToAnsi("a\xC3"), "a?");
-	EXPECT_EQ(ToAnsi("\xED\xA0\x80"), "???");
+	EXPECT_EQ(ToAnsi("a\xFFz"), "a?z") << "a malformed byte is one mark, as in the wide text";
 }
 
 TEST(LodexTextAnsi, EightBitTextReadsAsTheEngineWidensItsSignedCharacters)
@@ -222,38 +231,6 @@ TEST(LodexTextHex, DigitsOfEitherCaseAndNothingAroundThem)
 	}
 	EXPECT_EQ(Digits, "0123456789ABCDEFabcdef");
 	EXPECT_EQ(HexDigitValue('\0'), -1);
-}
-
-TEST(LodexTextUtf8, WellFormedSequencesOnly)
-{
-	struct FRow
-	{
-		std::string Text;
-		std::size_t FirstLength;
-		bool bUtf8;
-	};
-	const FRow Rows[] = {
-		{"", 0, true},
-		{std::string("\0x", 2), 1, true},
-		{"T\xC3\xBCr", 1, true},
-		{"\xC3\xBCr", 2, true},
-		{"\xE7\x94\xA8", 3, true},
-		{"\xF0\x9F\x98\x80", 4, true},
-		{"\xF4\x8F\xBF\xBF", 4, true}, // U+10FFFF
-		{"\xC3", 0, false}, // cut
-		{"\x80", 0, false}, // stray continuation
-		{"\xC0\x80", 0, false}, // overlong NUL
-		{"\xE0\x80\xAF", 0, false}, // overlong '/'
-		{"\xED\xA0\x80", 0, false}, // surrogate
-		{"\xF4\x90\x80\x80", 0, false}, // past U+10FFFF
-		{"\xFF", 0, false},
-		{"ok\xFF", 1, false},
-	};
-	for (const FRow& Row : Rows)
-	{
-		EXPECT_EQ(Utf8SequenceLength(Row.Text, 0), Row.FirstLength) << Row.Text;
-		EXPECT_EQ(IsUtf8(Row.Text), Row.bUtf8) << Row.Text;
-	}
 }
 
 TEST(LodexTextCase, AsciiCaseOnly)

@@ -188,10 +188,8 @@ namespace
 		EXPECT_EQ(FromPipe.Out, FromFile.Out);
 
 		FTestMap Map;
-		FTestActor Crate;
-		Crate.Name = "Crate_3";
-		Crate.Label = "Crate";
-		Map.Actors = {Crate};
+		Map.Actors = {TestActor("Crate_3")};
+		Map.Actors[0].Label = "Crate";
 		const std::string Level = WriteTestMap(Map);
 		const FLodexRun LevelFromFile =
 			RunLodex({"path", "--scene", Dir.Write("Main.umap", Level), "--mode", "best", "Crate"});

@@ -16,12 +16,9 @@ namespace
 
 	FTestActor Placed(const std::string& Name, const std::string& Guid, const std::string& Label)
 	{
-		FTestActor Made;
-		Made.Name = Name;
+		FTestActor Made = TestActor(Name, {{"Root", "SceneComponent"}}, "Root");
 		Made.Guid = Guid;
 		Made.Label = Label;
-		Made.Components = {{"Root", "SceneComponent"}};
-		Made.Root = "Root";
 		return Made;
 	}
 

@@ -15,12 +15,9 @@ namespace
 {
 	FTestActor Actor(const std::string& Name, const std::string& Guid, const std::string& Label)
 	{
-		FTestActor Made;
-		Made.Name = Name;
+		FTestActor Made = TestActor(Name, {{"Root", "SceneComponent"}}, "Root");
 		Made.Guid = Guid;
 		Made.Label = Label;
-		Made.Components = {{"Root", "SceneComponent"}};
-		Made.Root = "Root";
 		Made.bLocation = true;
 		return Made;
 	}

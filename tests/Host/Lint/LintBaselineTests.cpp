@@ -27,12 +27,9 @@ namespace
 {
 	FTestActor Actor(const std::string& Name, const std::string& Guid, std::vector<std::string> Tags = {})
 	{
-		FTestActor Made;
-		Made.Name = Name;
+		FTestActor Made = TestActor(Name, {{"Root", "SceneComponent"}}, "Root");
 		Made.Guid = Guid;
 		Made.Label = Name;
-		Made.Components = {{"Root", "SceneComponent"}};
-		Made.Root = "Root";
 		Made.bTags = true;
 		Made.Tags = std::move(Tags);
 		return Made;

@@ -31,10 +31,7 @@ namespace
 
 	FTestActor MakeActor(const std::string& Name, const std::string& Guid)
 	{
-		FTestActor Actor;
-		Actor.Name = Name;
-		Actor.Components = {{"Root", "SceneComponent"}};
-		Actor.Root = "Root";
+		FTestActor Actor = TestActor(Name, {{"Root", "SceneComponent"}}, "Root");
 		Actor.Guid = Guid;
 		return Actor;
 	}

@@ -17,26 +17,6 @@ namespace
 		"package file versions UE4 214 to 522 and UE5 1000 to 1004 (legacy versions -2 to -8), "
 		"as Unreal Engine 5.0 loads them";
 
-	/** A small valid map: two actors, one with a component attached to the other's, and a sub-level. */
-	FTestMap SmallMap()
-	{
-		FTestMap Map;
-		FTestActor Base;
-		Base.Name = "Base";
-		Base.Components = {{"Root", "SceneComponent"}};
-		Base.Root = "Root";
-		Base.Label = "Base";
-		Base.bTags = true;
-		Base.Tags = {"anchor"};
-		FTestActor Cube;
-		Cube.Name = "Cube_2";
-		Cube.Components = {{"Mesh", "StaticMeshComponent", "Base.Root"}};
-		Cube.Root = "Mesh";
-		Map.Actors = {Base, Cube};
-		Map.SubLevels = {"/Game/Maps/Sub"};
-		return Map;
-	}
-
 	std::string ReadError(const std::string& Bytes)
 	{
 		FLevelScene Scene;
@@ -154,13 +134,13 @@ namespace
 		};
 		for (const auto& Row : Rows)
 		{
-			EXPECT_EQ(ReadError(Build(SmallMap(), Row.Setup).Bytes), Row.Error);
+			EXPECT_EQ(ReadError(Build(SmallTestMap(), Row.Setup).Bytes), Row.Error);
 		}
 	}
 
 	TEST(BadLevel, CountsAndOffsetsPastTheFileAndIndicesOutsideTheTablesAreErrors)
 	{
-		const FBadMap Good = Build(SmallMap());
+		const FBadMap Good = Build(SmallTestMap());
 		const FTestPackage::FLayout& At = Good.Layout;
 		const std::string Size = std::to_string(Good.Bytes.size());
 		const std::size_t Export0 = At.ExportEntries[0];
@@ -246,10 +226,8 @@ namespace
 	FBadMap OneActor(const std::function<void(FTestPackage::FData&)>& First)
 	{
 		FTestMap Map;
-		FTestActor Cube;
-		Cube.Name = "Cube";
-		Cube.FirstProperties = First;
-		Map.Actors = {Cube};
+		Map.Actors = {TestActor("Cube")};
+		Map.Actors[0].FirstProperties = First;
 		return Build(Map);
 	}
 
@@ -388,11 +366,8 @@ namespace
 		// A component lies five objects deep (package, world, level, actor, component); past eight none does, and the
 		// path is not built.
 		FTestMap Map;
-		FTestActor Cube;
-		Cube.Name = "Cube";
-		Cube.Components = {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.A.B.C.D.E.F"}};
-		Cube.Root = "Root";
-		Map.Actors = {Cube};
+		Map.Actors = {TestActor(
+			"Cube", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.A.B.C.D.E.F"}}, "Root")};
 		const FBadMap Deep = Build(Map);
 		EXPECT_EQ(ReadError(Deep.Bytes),
 			"level.umap: byte " + std::to_string(Deep.Layout.ExportData[3] + 89 + 25) + // past RelativeLocation
@@ -408,19 +383,14 @@ namespace
 	TEST(BadLevel, NamesThatWouldMakeTwoObjectsOneAreErrors)
 	{
 		FTestMap Twins;
-		FTestActor Cube;
-		Cube.Name = "Cube";
-		Cube.Components = {{"Mesh"}, {"Mesh", "PointLightComponent"}};
-		Twins.Actors = {Cube};
+		Twins.Actors = {TestActor("Cube", {{"Mesh"}, {"Mesh", "PointLightComponent"}})};
 		const FBadMap TwinMap = Build(Twins);
 		EXPECT_EQ(ReadError(TwinMap.Bytes),
 			"level.umap: byte " + std::to_string(TwinMap.Layout.ExportEntries[4] + 16) +
 				": actor 'Cube' holds a second component named 'Mesh'");
 
 		FTestMap Dotted;
-		Cube.Name = "Cube.Mesh";
-		Cube.Components = {};
-		Dotted.Actors = {Cube};
+		Dotted.Actors = {TestActor("Cube.Mesh")};
 		const FBadMap DottedMap = Build(Dotted);
 		EXPECT_EQ(ReadError(DottedMap.Bytes),
 			"level.umap: byte " + std::to_string(DottedMap.Layout.ExportEntries[2] + 16) +
@@ -454,7 +424,7 @@ namespace
 
 	TEST(BadLevel, EveryTruncationAndEveryFlippedByteGivesOneLineNamingAByteOfTheFile)
 	{
-		const std::string Good = Build(SmallMap()).Bytes;
+		const std::string Good = Build(SmallTestMap()).Bytes;
 		for (std::size_t Length = 0; Length < Good.size(); ++Length)
 		{
 			ExpectOneLineInside(ReadError(Good.substr(0, Length)), Length, "cut at " + std::to_string(Length));
@@ -488,10 +458,8 @@ namespace
 
 		const std::string Cut = ": byte 24: the count of custom versions 1 does not fit in the file (40 bytes)";
 		FTestMap Map;
-		FTestActor Door;
-		Door.Name = "Door";
-		Door.Class = "/Game/BP/BP_Door.BP_Door_C";
-		Map.Actors = {Door};
+		Map.Actors = {TestActor("Door")};
+		Map.Actors[0].Class = "/Game/BP/BP_Door.BP_Door_C";
 		Map.SubLevels = {"/Game/Maps/Sub"};
 		// The map itself cannot be read: an error. A part of it: a note naming its file and why, and the rest read.
 		const struct

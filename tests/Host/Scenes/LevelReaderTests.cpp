@@ -73,15 +73,6 @@ namespace
 
 	const std::string Level = "/Game/Maps/Main.Main:PersistentLevel";
 
-	FTestActor Actor(const std::string& Name, std::vector<FTestComponent> Components = {}, const std::string& Root = "")
-	{
-		FTestActor Made;
-		Made.Name = Name;
-		Made.Components = std::move(Components);
-		Made.Root = Root;
-		return Made;
-	}
-
 	TEST_F(LevelReader, NamesAreRenderedFromTheStoredNumberMinusOne)
 	{
 		const struct
@@ -91,7 +82,7 @@ namespace
 		FTestMap Map;
 		for (const auto& Row : Rows)
 		{
-			Map.Actors.push_back(Actor(Row.Name));
+			Map.Actors.push_back(TestActor(Row.Name));
 		}
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Read();
@@ -104,9 +95,9 @@ namespace
 	TEST_F(LevelReader, ActorsComeInTheActorsArraysOrderEachFollowedByItsComponents)
 	{
 		FTestMap Map;
-		Map.Actors = {
-			Actor("A", {{"Root"}}, "Root"), Actor("B"), Actor("C", {{"Mesh"}, {"Light", "PointLightComponent"}})};
-		Map.Actors.push_back(Actor("Unlisted"));
+		Map.Actors = {TestActor("A", {{"Root"}}, "Root"), TestActor("B"),
+			TestActor("C", {{"Mesh"}, {"Light", "PointLightComponent"}})};
+		Map.Actors.push_back(TestActor("Unlisted"));
 		Map.Actors.back().bListed = false;
 		Map.Order = {2, 0, 1, 3};
 		Map.bNullActor = true;
@@ -133,7 +124,7 @@ namespace
 	TEST_F(LevelReader, EveryObjectIsPlacedAndSaysItsPackage)
 	{
 		FTestMap Map;
-		Map.Actors = {Actor("A", {{"Root"}}, "Root")};
+		Map.Actors = {TestActor("A", {{"Root"}}, "Root")};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Read();
 		ASSERT_EQ(Scene.Scene.GetObjects().size(), 3u);
@@ -149,12 +140,12 @@ namespace
 	TEST_F(LevelReader, ClassLabelAndTagsAreThoseTheLevelSaves)
 	{
 		FTestMap Map;
-		FTestActor Plain = Actor("Plain");
-		FTestActor Labelled = Actor("Labelled");
+		FTestActor Plain = TestActor("Plain");
+		FTestActor Labelled = TestActor("Labelled");
 		Labelled.Label = "Front door";
 		Labelled.bTags = true;
 		Labelled.Tags = {"locked", "red_2"};
-		FTestActor Wide = Actor("Wide");
+		FTestActor Wide = TestActor("Wide");
 		Wide.Class = "PointLight";
 		Wide.Label = "T\u00fcr \u7528\u6237 \U0001F600";
 		Wide.bTags = true;
@@ -185,7 +176,7 @@ namespace
 	TEST_F(LevelReader, ComponentsAreTheActorsSubobjectsOfComponentClassesOrThoseItLists)
 	{
 		FTestMap Map;
-		FTestActor Mixed = Actor("Mixed",
+		FTestActor Mixed = TestActor("Mixed",
 			{{"Mesh"}, {"Brush", "Model"}, {"Glow", "BP_Glow_C"}, {"Spare", "BP_Glow_C"}, {"Custom", "BP_Thing_C"}},
 			"Custom");
 		Mixed.InstanceComponents = {"Glow"};
@@ -206,17 +197,17 @@ namespace
 	{
 		FTestMap Map;
 		Map.Actors = {
-			Actor("Base", {{"Root"}, {"Socket"}}, "Root"),
+			TestActor("Base", {{"Root"}, {"Socket"}}, "Root"),
 			// The root attaches to the base's component: the base is the parent.
-			Actor("Child", {{"Root", "SceneComponent", "Base.Socket"}, {"Mesh", "StaticMeshComponent", "Child.Root"}},
-				"Root"),
+			TestActor("Child",
+				{{"Root", "SceneComponent", "Base.Socket"}, {"Mesh", "StaticMeshComponent", "Child.Root"}}, "Root"),
 			// A component other than the root attaches elsewhere: not the actor's attachment.
-			Actor("Loose", {{"Root"}, {"Arm", "SceneComponent", "Base.Root"}}, "Root"),
+			TestActor("Loose", {{"Root"}, {"Arm", "SceneComponent", "Base.Root"}}, "Root"),
 			// No root saved: the component attached outside the actor is its root.
-			Actor("Rootless",
+			TestActor("Rootless",
 				{{"Mesh", "StaticMeshComponent", "Rootless.Pivot"}, {"Pivot", "SceneComponent", "Child.Mesh"}}),
 			// Attached to its own component: no parent.
-			Actor("Self", {{"Root", "SceneComponent", "Self.Root"}}, "Root"),
+			TestActor("Self", {{"Root", "SceneComponent", "Self.Root"}}, "Root"),
 		};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Read();
@@ -234,8 +225,8 @@ namespace
 	TEST_F(LevelReader, AnAttachParentOutsideTheObjectsReadIsLeftOutWithANote)
 	{
 		FTestMap Map;
-		Map.Actors = {
-			Actor("Child", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root")};
+		Map.Actors = {TestActor(
+			"Child", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root")};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Read();
 		EXPECT_EQ(Object(Level + ".Child").AttachParent, nullptr);
@@ -249,12 +240,12 @@ namespace
 	TEST_F(LevelReader, WorldPartitionActorsAreReadFromTheirPackagesAfterTheLevelsOwnAndAttachAcrossThem)
 	{
 		FTestMap Map;
-		Map.Actors = {Actor("WorldSettings")};
+		Map.Actors = {TestActor("WorldSettings")};
 		Map.ImportedActors = {Level + ".Kept"};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		const std::string Folder = "__ExternalActors__/Maps/Main/";
-		FTestActor Base = Actor("Base_UAID_01", {{"Root", "SceneComponent"}}, "Root");
-		FTestActor Cube = Actor("Cube_UAID_02", {{"Root", "SceneComponent", Level + ".Base_UAID_01.Root"}}, "Root");
+		FTestActor Base = TestActor("Base_UAID_01", {{"Root", "SceneComponent"}}, "Root");
+		FTestActor Cube = TestActor("Cube_UAID_02", {{"Root", "SceneComponent", Level + ".Base_UAID_01.Root"}}, "Root");
 		Cube.Label = "Cube";
 		Write(Folder + "B/AA/Second.uasset",
 			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/B/AA/Second", Cube));
@@ -263,7 +254,7 @@ namespace
 		// An actor package of another map in the same folder tree is left out.
 		Write(Folder + "C/00/Stray.uasset",
 			WriteTestExternalActor(
-				"/Game/Maps/Other", "/Game/__ExternalActors__/Maps/Main/C/00/Stray", Actor("Stray")));
+				"/Game/Maps/Other", "/Game/__ExternalActors__/Maps/Main/C/00/Stray", TestActor("Stray")));
 		Write(Folder + "C/00/notes.txt", "not a package");
 		Read();
 		EXPECT_EQ(Listing(),
@@ -288,7 +279,7 @@ namespace
 	TEST_F(LevelReader, AnActorTheActorsArrayNamesTwiceIsReadOnceAndOneInTwoPackagesIsAnError)
 	{
 		FTestMap Map;
-		Map.Actors = {Actor("A"), Actor("B")};
+		Map.Actors = {TestActor("A"), TestActor("B")};
 		Map.Order = {1, 1};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Read();
@@ -296,7 +287,7 @@ namespace
 
 		const std::string External = "__ExternalActors__/Maps/Main/0/AB/CD.uasset";
 		const std::string Bytes =
-			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/0/AB/CD", Actor("B"));
+			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/0/AB/CD", TestActor("B"));
 		Write(External, Bytes);
 		// The actor is the external package's first export; the export map's offset follows its count.
 		FTestPackage Layout;
@@ -312,17 +303,17 @@ namespace
 	TEST_F(LevelReader, SubLevelsUnderTheSameContentAreReadAfterTheLevelWithTheirOwnIds)
 	{
 		FTestMap Map;
-		Map.Actors = {Actor("DirectionalLight_0")};
+		Map.Actors = {TestActor("DirectionalLight_0")};
 		Map.SubLevels = {"/Game/Maps/Sub", "/Game/Maps/Missing", "/Game/Maps/Sub", "/Plugin/Maps/Elsewhere"};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		FTestMap Sub;
 		Sub.PackagePath = "/Game/Maps/Sub";
-		Sub.Actors = {Actor("DirectionalLight_0", {{"Root"}}, "Root")};
+		Sub.Actors = {TestActor("DirectionalLight_0", {{"Root"}}, "Root")};
 		Sub.SubLevels = {"/Game/Maps/Main", "/Game/Maps/Deeper"};
 		Write("Maps/Sub.umap", WriteTestMap(Sub));
 		FTestMap Deeper;
 		Deeper.PackagePath = "/Game/Maps/Deeper";
-		Deeper.Actors = {Actor("Rock")};
+		Deeper.Actors = {TestActor("Rock")};
 		Write("Maps/Deeper.umap", WriteTestMap(Deeper));
 		Read();
 		const std::string SubLevel = "/Game/Maps/Sub.Sub:PersistentLevel";
@@ -362,12 +353,12 @@ namespace
 		Capture.bDefaultSubObject = true;
 		FTestComponent Sprite("Sprite", "BillboardComponent");
 		Sprite.bEditorOnly = true;
-		FTestActor Camera = Actor("SceneCapture2D_1",
+		FTestActor Camera = TestActor("SceneCapture2D_1",
 			{{"Root", "SceneComponent"}, Capture, {"Gizmo", "CaptureGizmo"}, {"Settings", "CaptureSettings"}, Sprite},
 			"Root");
 		Camera.Class = "SceneCapture2D";
 		Camera.AttachChildren = {"Gizmo"};
-		FTestActor Brush = Actor("Brush_0", {{"BrushComponent0", "BrushComponent"}});
+		FTestActor Brush = TestActor("Brush_0", {{"BrushComponent0", "BrushComponent"}});
 		Brush.Class = "Brush";
 		Brush.bEditorOnly = true;
 		FTestMap Map;
@@ -409,7 +400,7 @@ namespace
 		Write("BP/BP_Data.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Data", "BP_Data_C", "/Script/CoreUObject.Object", false, {}));
 		FTestMap Map;
-		Map.Actors = {Actor("Fan",
+		Map.Actors = {TestActor("Fan",
 			{{"Spinner", "/Game/BP/BP_Spinner.BP_Spinner_C"}, {"Fancy", "/Game/BP/BP_Fancy.BP_Fancy_C"},
 				{"Data", "/Game/BP/BP_Data.BP_Data_C"}, {"Lost", "/Game/BP/BP_Missing.BP_Missing_C"}})};
 		Write("Maps/Main.umap", WriteTestMap(Map));
@@ -430,7 +421,7 @@ namespace
 		{
 			FTestMap Sub;
 			Sub.PackagePath = std::string("/Game/Maps/") + Name;
-			Sub.Actors = {Actor("Rock")};
+			Sub.Actors = {TestActor("Rock")};
 			Write(std::string("Maps/") + Name + ".umap", WriteTestMap(Sub));
 		}
 		Read();
@@ -451,7 +442,7 @@ namespace
 	TEST_F(LevelReader, AStreamingLevelTheWorldListsTwiceIsReadOnce)
 	{
 		FTestMap Map;
-		Map.Actors = {Actor("Cube")};
+		Map.Actors = {TestActor("Cube")};
 		Map.SubLevels = {"/Game/Maps/Sub", "/Game/Maps/Other"};
 		FTestPackage Package;
 		std::string Bytes = WriteTestMap(Map, &Package);
@@ -471,7 +462,7 @@ namespace
 		Write("Maps/Main.umap", WriteTestRedirector("/Game/Maps/Main", "/Game/Maps/Renamed"));
 		FTestMap Renamed;
 		Renamed.PackagePath = "/Game/Maps/Renamed";
-		Renamed.Actors = {Actor("Cube")};
+		Renamed.Actors = {TestActor("Cube")};
 		Write("Maps/Renamed.umap", WriteTestMap(Renamed));
 		Read();
 		EXPECT_EQ(Listing(),
@@ -502,17 +493,17 @@ namespace
 	TEST_F(LevelReader, ABlueprintActorWithoutSavedTagsHasItsClassesDefaultTags)
 	{
 		FTestMap Map;
-		FTestActor Door = Actor("BP_Door_C_3");
+		FTestActor Door = TestActor("BP_Door_C_3");
 		Door.Class = "/Game/BP/BP_Door.BP_Door_C";
-		FTestActor Gate = Actor("BP_Gate_C_0");
+		FTestActor Gate = TestActor("BP_Gate_C_0");
 		Gate.Class = "/Game/BP/BP_Gate.BP_Gate_C"; // its class saves no tags: its super class does
-		FTestActor Own = Actor("BP_Door_C_4");
+		FTestActor Own = TestActor("BP_Door_C_4");
 		Own.Class = Door.Class;
 		Own.bTags = true;
 		Own.Tags = {"own"};
-		FTestActor Lost = Actor("BP_Lost_C_0");
+		FTestActor Lost = TestActor("BP_Lost_C_0");
 		Lost.Class = "/Game/BP/BP_Lost.BP_Lost_C";
-		FTestActor Plain = Actor("BP_Plain_C_0");
+		FTestActor Plain = TestActor("BP_Plain_C_0");
 		Plain.Class = "/Game/BP/BP_Plain.BP_Plain_C";
 		Map.Actors = {Door, Gate, Own, Lost, Plain};
 		Write("Maps/Main.umap", WriteTestMap(Map));
@@ -550,7 +541,7 @@ namespace
 	{
 		FTestMap Map;
 		Map.PackagePath = PackagePath;
-		Map.Actors = {Actor(ActorName)};
+		Map.Actors = {TestActor(ActorName)};
 		return Map;
 	}
 
@@ -562,7 +553,7 @@ namespace
 			WriteTestBlueprint("/Game/BP", "BP_C", "/Script/Engine.Actor", true, {"outside"}));
 		const std::string Outside = "/Game/" + Temp.Path + "/Outside";
 		FTestMap Map;
-		FTestActor Door = Actor("BP_C_0");
+		FTestActor Door = TestActor("BP_C_0");
 		Door.Class = Outside + "/BP.BP_C";
 		Map.Actors = {Door};
 		Map.SubLevels = {Outside + "/Sub", "/Game/Maps\\Sub"};
@@ -589,9 +580,9 @@ namespace
 	{
 		// Every class the engine saves is a top-level object; a path through another object names no class package.
 		FTestMap Map;
-		FTestActor Nested = Actor("BP_C_0");
+		FTestActor Nested = TestActor("BP_C_0");
 		Nested.Class = "/Game/BP/Deep.Outer.BP_C";
-		FTestActor Missing = Actor("BP_Gone_C_0");
+		FTestActor Missing = TestActor("BP_Gone_C_0");
 		Missing.Class = "/Game/BP/Gone.BP_Gone_C";
 		Map.Actors = {Nested, Missing};
 		Write("Maps/Main.umap", WriteTestMap(Map));
@@ -606,7 +597,7 @@ namespace
 	{
 		FTestMap Map;
 		Map.PackagePath = "/Game/Loose";
-		Map.Actors = {Actor("Cube")};
+		Map.Actors = {TestActor("Cube")};
 		Map.SubLevels = {"/Game/Sub"};
 		const std::string File = Temp.Write("Loose.umap", WriteTestMap(Map));
 		std::string Error;

@@ -18,23 +18,11 @@ namespace
 {
 	const std::string Level = "/Game/Maps/Main.Main:PersistentLevel";
 
-	/** Two actors, one attached to the other, with a label, tags, a soft sub-level reference and float vectors. */
+	/** Two actors, one attached to the other, with a label, two tags and a soft sub-level reference. */
 	FTestMap OlderMap()
 	{
-		FTestMap Map;
-		FTestActor Base;
-		Base.Name = "Base";
-		Base.Components = {{"Root", "SceneComponent"}};
-		Base.Root = "Root";
-		Base.Label = "Base Label";
-		Base.bTags = true;
-		Base.Tags = {"anchor", "old"};
-		FTestActor Cube;
-		Cube.Name = "Cube_2";
-		Cube.Components = {{"Mesh", "StaticMeshComponent", "Base.Root"}};
-		Cube.Root = "Mesh";
-		Map.Actors = {Base, Cube};
-		Map.SubLevels = {"/Game/Maps/Sub"};
+		FTestMap Map = SmallTestMap();
+		Map.Actors[0].Tags.push_back("old");
 		return Map;
 	}
 
@@ -211,10 +199,8 @@ namespace
 	TEST_F(OlderProject, ABlueprintClassSavedByUE4_517GivesItsDefaultTags)
 	{
 		FTestMap Map;
-		FTestActor Door;
-		Door.Name = "BP_Door_C_0";
-		Door.Class = "/Game/BP/BP_Door.BP_Door_C";
-		Map.Actors = {Door};
+		Map.Actors = {TestActor("BP_Door_C_0")};
+		Map.Actors[0].Class = "/Game/BP/BP_Door.BP_Door_C";
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		Write("BP/BP_Door.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door", "locked"},
@@ -230,23 +216,17 @@ namespace
 	TEST_F(OlderProject, AnUnreadableExternalActorIsANoteAndTheOthersAreRead)
 	{
 		FTestMap Map;
-		FTestActor Settings;
-		Settings.Name = "WorldSettings";
-		Map.Actors = {Settings};
+		Map.Actors = {TestActor("WorldSettings")};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		const std::string Folder = "__ExternalActors__/Maps/Main/";
 		const std::string Packages = "/Game/__ExternalActors__/Maps/Main/";
-		FTestActor First;
-		First.Name = "First_UAID_01";
-		FTestActor Second;
-		Second.Name = "Second_UAID_02";
 		Write(Folder + "A/AA/First.uasset",
-			WriteTestExternalActor("/Game/Maps/Main", Packages + "A/AA/First", First,
+			WriteTestExternalActor("/Game/Maps/Main", Packages + "A/AA/First", TestActor("First_UAID_01"),
 				[](FTestPackage& Package) {
 					Apply(Package, {-7, 522, 0, 40});
 				}));
-		Write(
-			Folder + "C/CC/Second.uasset", WriteTestExternalActor("/Game/Maps/Main", Packages + "C/CC/Second", Second));
+		Write(Folder + "C/CC/Second.uasset",
+			WriteTestExternalActor("/Game/Maps/Main", Packages + "C/CC/Second", TestActor("Second_UAID_02")));
 		Write(Folder + "B/BB/Bad.uasset", std::string("\xC1\x83\x2A\x9E\xF7\xFF\xFF\xFF", 8));
 		Read();
 		EXPECT_NE(Find(Level + ".First_UAID_01"), nullptr);
@@ -285,10 +265,8 @@ namespace
 		FTestMap Map;
 		for (const char* Class : {"BP_A", "BP_B", "BP_C"})
 		{
-			FTestActor Actor;
-			Actor.Name = std::string(Class) + "_C_0";
-			Actor.Class = "/Game/BP/" + std::string(Class) + "." + Class + "_C";
-			Map.Actors.push_back(Actor);
+			Map.Actors.push_back(TestActor(std::string(Class) + "_C_0"));
+			Map.Actors.back().Class = "/Game/BP/" + std::string(Class) + "." + Class + "_C";
 			Write("BP/" + std::string(Class) + ".uasset", "\xC1\x83\x2A\x9E");
 		}
 		Write("Maps/Main.umap", WriteTestMap(Map));

@@ -128,6 +128,27 @@ namespace
 	}
 }
 
+FTestActor TestActor(const std::string& Name, std::vector<FTestComponent> Components, const std::string& Root)
+{
+	FTestActor Made;
+	Made.Name = Name;
+	Made.Components = std::move(Components);
+	Made.Root = Root;
+	return Made;
+}
+
+FTestMap SmallTestMap()
+{
+	FTestMap Map;
+	FTestActor Base = TestActor("Base", {{"Root", "SceneComponent"}}, "Root");
+	Base.Label = "Base";
+	Base.bTags = true;
+	Base.Tags = {"anchor"};
+	Map.Actors = {Base, TestActor("Cube_2", {{"Mesh", "StaticMeshComponent", "Base.Root"}}, "Mesh")};
+	Map.SubLevels = {"/Game/Maps/Sub"};
+	return Map;
+}
+
 std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 {
 	FTestPackage Local(Map.PackagePath);

@@ -84,6 +84,16 @@ namespace
 			}
 		};
 	}
+
+	/** A struct property's tag fields: the struct's name and GUID. */
+	FWriter StructType(const std::string& StructName)
+	{
+		return [=](FTestPackage& Package, FTestBytes& Out)
+		{
+			Package.Name(Out, StructName);
+			Package.StructGuid(Out);
+		};
+	}
 }
 
 void FTestBytes::Raw(std::uint64_t Value, std::size_t Count)
@@ -203,51 +213,30 @@ FTestPackage::FData& FTestPackage::FData::SoftObject(const std::string& Name, co
 
 FTestPackage::FData& FTestPackage::FData::Bool(const std::string& Name, bool bValue)
 {
-	Properties.push_back(
-		[=](FTestPackage& Package, FTestBytes& Out)
-		{
-			Package.Name(Out, Name);
-			Package.Name(Out, "BoolProperty");
-			Out.Int32(0);
-			Out.Int32(0);
-			Out.UInt8(bValue ? 1 : 0);
-			Package.NoPropertyGuid(Out);
-		});
+	// The value is in the tag; the property's size is 0.
+	Properties.push_back(MakeProperty(
+		Name, "BoolProperty", [=](FTestPackage&, FTestBytes& Out) { Out.UInt8(bValue ? 1 : 0); }, nullptr));
 	return *this;
 }
 
 FTestPackage::FData& FTestPackage::FData::Guid(const std::string& Name, const std::string& Digits)
 {
-	Properties.push_back(
-		[=](FTestPackage& Package, FTestBytes& Out)
+	Properties.push_back(MakeProperty(Name, "StructProperty", StructType("Guid"),
+		[=](FTestPackage&, FTestBytes& Out)
 		{
-			Package.Name(Out, Name);
-			Package.Name(Out, "StructProperty");
-			Out.Int32(16);
-			Out.Int32(0);
-			Package.Name(Out, "Guid");
-			Package.StructGuid(Out);
-			Package.NoPropertyGuid(Out);
 			for (std::size_t Part = 0; Part < 4; ++Part)
 			{
 				Out.UInt32(static_cast<std::uint32_t>(std::stoul(Digits.substr(Part * 8, 8), nullptr, 16)));
 			}
-		});
+		}));
 	return *this;
 }
 
 FTestPackage::FData& FTestPackage::FData::Vector(const std::string& Name, double X, double Y, double Z, bool bDoubles)
 {
-	Properties.push_back(
-		[=](FTestPackage& Package, FTestBytes& Out)
+	Properties.push_back(MakeProperty(Name, "StructProperty", StructType("Vector"),
+		[=](FTestPackage&, FTestBytes& Out)
 		{
-			Package.Name(Out, Name);
-			Package.Name(Out, "StructProperty");
-			Out.Int32(bDoubles ? 24 : 12);
-			Out.Int32(0);
-			Package.Name(Out, "Vector");
-			Package.StructGuid(Out);
-			Package.NoPropertyGuid(Out);
 			for (const double Value : {X, Y, Z})
 			{
 				if (bDoubles)
@@ -264,7 +253,7 @@ FTestPackage::FData& FTestPackage::FData::Vector(const std::string& Name, double
 					Out.UInt32(Bits);
 				}
 			}
-		});
+		}));
 	return *this;
 }
 

@@ -204,6 +204,10 @@ struct FTestActor
 	std::vector<std::string> AttachChildren;
 };
 
+/** An actor of class StaticMeshActor with these components and this root component. */
+FTestActor TestActor(
+	const std::string& Name, std::vector<FTestComponent> Components = {}, const std::string& Root = "");
+
 /** A map package: a world, its persistent level and the level's Actors array, and streaming sub-levels. */
 struct FTestMap
 {
@@ -220,6 +224,12 @@ struct FTestMap
 	/** The Actors array's order as indices into Actors, when not theirs. */
 	std::vector<std::size_t> Order;
 };
+
+/**
+ * A small map: actor Base (label "Base", tag "anchor") with a root component, actor Cube_2 whose mesh is attached
+ * to it, and the sub-level /Game/Maps/Sub.
+ */
+FTestMap SmallTestMap();
 
 /** The map's package, laid out; Package (when given) receives the writer, to corrupt a known part. */
 std::string WriteTestMap(const FTestMap& Map, FTestPackage* Package = nullptr);
