@@ -49,6 +49,7 @@ namespace
 			{3, "  -4", false, false, LodexReplColors::Cleared, 1, "-4", 0, 0},
 			{5, "", false, false, LodexReplColors::Neutral, 1, "0", 0, 0},
 			{5, "0", false, true, LodexReplColors::Message, 1, "0", 0, 0},
+			{5, "1 object left", false, true, LodexReplColors::Message, 1, "1", 0, 0},
 			{5, "3 objects left", false, true, LodexReplColors::Several, 2, "3", 0, 0},
 			{8, "<VELT.Highlight>/a</>/b", false, false, Error, 0, "0", 0, 0},
 			{8, "7", false, false, Error, 0, "7", 0, 0},

@@ -131,6 +131,9 @@ namespace
 			{[](FTestPackage& P) { P.PackageFlags = 0x00002000u; },
 				"level.umap: byte 61: a cooked package (package flags 0x00002000); Lodex reads the editor's uncooked "
 				"packages, as they sit in a project's Content folder"},
+			{[](FTestPackage& P) { P.PackageFlags = 0x80000000u; },
+				"level.umap: byte 61: a cooked package (package flags 0x80000000); Lodex reads the editor's uncooked "
+				"packages, as they sit in a project's Content folder"},
 		};
 		for (const auto& Row : Rows)
 		{
@@ -166,6 +169,9 @@ namespace
 				"level.umap: byte " + std::to_string(At.NameOffset) +
 					": the name map's entry 0 has a length of 5000 "
 					"(a name holds 1 to 1024 characters with its NUL)"},
+			{[&](std::string& B) { PatchInt32(B, At.NameOffset, 0); },
+				"level.umap: byte " + std::to_string(At.NameOffset) +
+					": the name map's entry 0 has a length of 0 (a name holds 1 to 1024 characters with its NUL)"},
 			{[&](std::string& B) { PatchInt32(B, At.ImportOffset, 9999); },
 				"level.umap: byte " + std::to_string(At.ImportOffset) +
 					": an import's class package: name 9999 is not in "
