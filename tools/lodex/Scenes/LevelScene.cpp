@@ -584,25 +584,16 @@ bool FLevelLoader::IsComponentClass(const std::string& ClassPath, bool& bOutComp
 			break;
 		}
 		bool bFailed = false;
-		const FReadPackage* Class = FindClassPackage(Path.substr(0, Dot), OutError, bFailed);
+		const FClassDefaults* Defaults = DefaultsOf(Path, OutError, bFailed);
 		if (bFailed)
 		{
 			return false;
 		}
-		FPackageError Error;
-		bool bHasTags = false;
-		FSharedTags Tags;
-		std::string Super;
-		if (Class == nullptr || !ReadClassDefaults(Class->Package, Name, bHasTags, Tags, Super, Error))
+		if (Defaults == nullptr)
 		{
-			if (Class != nullptr)
-			{
-				OutError = Error.Describe(Class->File);
-				return false;
-			}
 			break;
 		}
-		Path = Super;
+		Path = Defaults->SuperPath;
 	}
 	ComponentClasses.emplace(ClassPath, bOutComponent);
 	return true;
