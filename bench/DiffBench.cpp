@@ -7,6 +7,7 @@
 #include "Lint/LintFix.h"
 #include "Scenes/LevelScene.h"
 #include "Scenes/SceneEvaluation.h"
+#include "BenchFolder.h"
 #include "TestPackageWriter.h"
 
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
@@ -20,19 +21,6 @@
 
 namespace
 {
-	struct FDiffBenchFolder
-	{
-		~FDiffBenchFolder()
-		{
-			std::error_code Code;
-			if (!Path.empty())
-			{
-				std::filesystem::remove_all(Path, Code);
-			}
-		}
-		std::string Path;
-	};
-
 	std::string BenchGuid(std::size_t Number)
 	{
 		char Text[40];
@@ -102,18 +90,17 @@ namespace
 
 	const std::pair<std::string, std::string>& LevelFiles(std::size_t Actors)
 	{
-		static FDiffBenchFolder Folder;
+		static FBenchFolder Folder;
 		static std::pair<std::string, std::string> Files;
 		if (!Files.first.empty())
 		{
 			return Files;
 		}
-		std::string Root = (std::filesystem::temp_directory_path() / "lodex-bench-XXXXXX").string();
-		if (mkdtemp(Root.data()) == nullptr)
+		const std::string Root = Folder.Make();
+		if (Root.empty())
 		{
 			return Files;
 		}
-		Folder.Path = Root;
 		FTestMap Old;
 		FTestMap New;
 		MakeLevelPair(Actors, Old, New);

@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 // Reading levels: a generated level of 100,000 actors with 3 components each, a town of 1,000 Level Instances of one
 // house, and any real levels named in LODEX_BENCH_LEVELS (paths separated by ':'), each read as `lodex` reads a map.
+#include "BenchFolder.h"
 #include "Scenes/LevelScene.h"
 #include "TestPackageWriter.h"
 
@@ -14,27 +15,6 @@
 
 namespace
 {
-	/** A temporary folder, removed with what it holds when the benchmarks end. */
-	struct FBenchFolder
-	{
-		~FBenchFolder()
-		{
-			std::error_code Code;
-			if (!Path.empty())
-			{
-				std::filesystem::remove_all(Path, Code);
-			}
-		}
-		/** Makes the folder; empty when it cannot be made. */
-		std::string Make()
-		{
-			std::string Made = (std::filesystem::temp_directory_path() / "lodex-bench-XXXXXX").string();
-			Path = mkdtemp(Made.data()) != nullptr ? Made : std::string();
-			return Path;
-		}
-		std::string Path;
-	};
-
 	/** Content/Maps/Big.umap in a temporary folder: a row of actors, each attached to the one before it. */
 	const std::string& BigLevelFile(std::size_t Actors)
 	{

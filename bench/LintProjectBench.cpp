@@ -1,6 +1,7 @@
 // Copyright Lodex contributors.
 // `lodex lint --project` on a generated project: 20 levels of 10,000 actors and 2,000 test files holding 20,000
 // Lodestrings, levels read included, with 1 and 2 jobs.
+#include "BenchFolder.h"
 #include "LodexTool.h"
 #include "TestPackageWriter.h"
 
@@ -23,12 +24,11 @@ namespace
 	{
 		FBenchProject()
 		{
-			std::string Root = (std::filesystem::temp_directory_path() / "lodex-lint-bench-XXXXXX").string();
-			if (mkdtemp(Root.data()) == nullptr)
+			const std::string Root = Folder.Make();
+			if (Root.empty())
 			{
 				return;
 			}
-			Path = Root;
 			for (std::size_t Level = 0; Level < BenchLevels; ++Level)
 			{
 				// Props in rows of ten, each with a mesh; every tenth tagged with its row.
@@ -69,15 +69,9 @@ namespace
 				WriteTestFile(Root, "Tests/Test" + std::to_string(File) + ".cs", Text + "\t}\n}\n");
 			}
 		}
-		~FBenchProject()
-		{
-			std::error_code Code;
-			if (!Path.empty())
-			{
-				std::filesystem::remove_all(Path, Code);
-			}
-		}
-		std::string Path;
+		FBenchFolder Folder;
+		/** The project's folder; empty when it could not be made. */
+		const std::string& Path = Folder.Path;
 	};
 
 	const FBenchProject& BenchProject()
