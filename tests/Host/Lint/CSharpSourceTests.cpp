@@ -2,6 +2,7 @@
 // C# source read as the compiler reads it: pre-processing directives, line breaks, UTF-16 files, and the calls on
 // `api` written with the null-forgiving operator or tuple type arguments.
 #include "Lint/CSharpLexer.h"
+#include "ApiStrings.h"
 #include "Lint/CSharpLiterals.h"
 
 #include <gtest/gtest.h>
@@ -11,17 +12,6 @@
 
 namespace
 {
-	std::string Found(const std::string& Source)
-	{
-		std::string Text;
-		for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
-		{
-			Text += std::to_string(Literal.Line) + ":" + std::to_string(Literal.Column) + " " + Literal.Method + " [" +
-				Literal.Value + "]\n";
-		}
-		return Text;
-	}
-
 	struct FSourceRow
 	{
 		std::string Source;
@@ -57,7 +47,7 @@ namespace
 		};
 		for (const FSourceRow& Row : Rows)
 		{
-			EXPECT_EQ(Found(Row.Source), Row.Expected) << Row.Source;
+			EXPECT_EQ(FoundApiStrings(Row.Source), Row.Expected) << Row.Source;
 		}
 	}
 
@@ -77,7 +67,7 @@ namespace
 		};
 		for (const FSourceRow& Row : Rows)
 		{
-			EXPECT_EQ(Found(Row.Source), Row.Expected) << Row.Source;
+			EXPECT_EQ(FoundApiStrings(Row.Source), Row.Expected) << Row.Source;
 		}
 	}
 
@@ -88,7 +78,7 @@ namespace
 		{
 			const std::string Source = "// a comment" + Break + "api.Find(\"//A\");" + Break + "#if false" + Break +
 				"api.Find(\"//B\");" + Break + "#endif" + Break + "  api.Find(\"//C" + Break + ", \"//D\");";
-			EXPECT_EQ(Found(Source), "2:10 Find [//A]\n6:12 Find [//C]\n7:3 Find [//D]\n") << Source;
+			EXPECT_EQ(FoundApiStrings(Source), "2:10 Find [//A]\n6:12 Find [//C]\n7:3 Find [//D]\n") << Source;
 		}
 	}
 

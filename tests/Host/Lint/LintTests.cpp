@@ -1,4 +1,5 @@
 // Copyright Lodex contributors.
+#include "ApiStrings.h"
 #include "Lint/CSharpLiterals.h"
 #include "LintLevel.h"
 #include "LodestringCases.h"
@@ -13,17 +14,6 @@
 
 namespace
 {
-	std::string Found(const std::string& Source)
-	{
-		std::string Text;
-		for (const FCSharpApiString& Literal : FindApiStringArguments(Source))
-		{
-			Text += std::to_string(Literal.Line) + ":" + std::to_string(Literal.Column) + " " + Literal.Method + " [" +
-				Literal.Value + "]\n";
-		}
-		return Text;
-	}
-
 	TEST(CSharpLiterals, FindsTheLiteralsPassedToApiCalls)
 	{
 		struct FRow
@@ -69,7 +59,7 @@ namespace
 		};
 		for (const FRow& Row : Rows)
 		{
-			EXPECT_EQ(Found(Row.Source), Row.Expected) << Row.Source;
+			EXPECT_EQ(FoundApiStrings(Row.Source), Row.Expected) << Row.Source;
 		}
 	}
 
@@ -80,7 +70,7 @@ namespace
 		{
 			EXPECT_NO_FATAL_FAILURE(FindApiStringArguments(Source)) << Source;
 		}
-		EXPECT_EQ(Found("api.Find(\"//Door\""), "");
+		EXPECT_EQ(FoundApiStrings("api.Find(\"//Door\""), "");
 	}
 
 	class LodexLint : public ::testing::Test
