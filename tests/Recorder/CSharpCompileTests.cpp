@@ -6,21 +6,17 @@
 
 #include "LodexDebugger/Core/Text/LodexText.h"
 
-#include <cstdio>
-#include <fstream>
-#include <sys/wait.h>
+#include <cstdlib>
 
 namespace
 {
-	std::string ReplayToScript(const char* RelativeLog, bool bForceFps)
+	std::string ReplayToScript(const char* RelativeLog, const FSceneSnapshot& Scene, bool bForceFps)
 	{
-		FSceneSnapshot Scene;
-		std::string Error;
-		EXPECT_TRUE(FSceneSnapshot::LoadFile(std::string(LODEX_SOURCE_DIR) + "/samples/level.json", Scene, Error));
 		FInputLogReplayOptions Options;
 		Options.Scene = &Scene;
 		Options.bForceFps = bForceFps;
 		FInputLogReplay Replay;
+		std::string Error;
 		EXPECT_TRUE(ReplayInputLog(
 			FTempDir::Read(std::string(LODEX_SOURCE_DIR) + "/" + RelativeLog), RelativeLog, Options, Replay, Error))
 			<< Error;
@@ -39,27 +35,7 @@ namespace
 		return Source + "\t}\n}\n";
 	}
 
-	/** Runs a command; returns its exit status and, in OutOutput, what it printed. */
-	int RunCommand(const std::string& Command, std::string& OutOutput)
-	{
-		OutOutput.clear();
-		FILE* Pipe = popen((Command + " 2>&1").c_str(), "r");
-		if (Pipe == nullptr)
-		{
-			return -1;
-		}
-		char Buffer[512];
-		while (std::fgets(Buffer, sizeof(Buffer), Pipe) != nullptr)
-		{
-			OutOutput += Buffer;
-		}
-		const int Status = pclose(Pipe);
-		return WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
-	}
-
-	class CSharpCompileTest : public RecorderTest
-	{
-	};
+	using CSharpCompileTest = RecorderTest;
 
 	TEST_F(CSharpCompileTest, GeneratedScriptsCompileAgainstTheApiClient)
 	{
@@ -69,12 +45,13 @@ namespace
 										  "(it installs mono-mcs), then configure again";
 
 		// Every line kind: the sample session in both duration forms, VR, a session cut short, the five buttons.
-		std::vector<std::string> Scripts{ReplayToScript("samples/session.jsonl", false),
-			ReplayToScript("samples/session.jsonl", true), ReplayToScript("tests/fixtures/recorder/vr.jsonl", false),
-			ReplayToScript("tests/fixtures/recorder/play-ends.jsonl", false)};
 		std::string Error;
 		FSceneSnapshot Scene;
 		ASSERT_TRUE(FSceneSnapshot::LoadFile(std::string(LODEX_SOURCE_DIR) + "/samples/level.json", Scene, Error));
+		std::vector<std::string> Scripts{ReplayToScript("samples/session.jsonl", Scene, false),
+			ReplayToScript("samples/session.jsonl", Scene, true),
+			ReplayToScript("tests/fixtures/recorder/vr.jsonl", Scene, false),
+			ReplayToScript("tests/fixtures/recorder/play-ends.jsonl", Scene, false)};
 		Host.SetLevelPath("/Game/Maps/Village");
 		Host.SetSelection(Scene.FindObject("hinge", Error), &Scene);
 		StartRecording();
@@ -111,10 +88,9 @@ namespace
 			EXPECT_NE(AllLines.find(Kind), std::string::npos) << "the scripts compiled hold no " << Kind;
 		}
 
-		std::string Output;
-		const int Status = RunCommand(
-			"'" + Compiler + "' -nologo -target:library -out:'" + Dir.File("Recorded.dll") + "' " + Sources, Output);
-		EXPECT_EQ(Status, 0) << Output;
-		EXPECT_TRUE(FTempDir::Exists(Dir.File("Recorded.dll"))) << Output;
+		const std::string Command = "'" + Compiler + "' -nologo -target:library -out:'" + Dir.File("Recorded.dll") +
+			"' " + Sources + " > '" + Dir.File("mcs.txt") + "' 2>&1";
+		EXPECT_EQ(std::system(Command.c_str()), 0) << FTempDir::Read(Dir.File("mcs.txt"));
+		EXPECT_TRUE(FTempDir::Exists(Dir.File("Recorded.dll"))) << FTempDir::Read(Dir.File("mcs.txt"));
 	}
 }

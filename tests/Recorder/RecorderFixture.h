@@ -172,3 +172,22 @@ protected:
 };
 
 using FLines = std::vector<std::string>;
+
+/** Every field of a record on one line, to compare a record whole. */
+inline std::string DescribeRecord(const FLodexEventRecord& Record)
+{
+	return "kind " + std::to_string(static_cast<std::uint32_t>(Record.Kind)) + ", frames " +
+		std::to_string(Record.Frame) + "-" + std::to_string(Record.EndFrame) + ", code " + std::to_string(Record.Code) +
+		", from " + std::to_string(Record.X) + "," + std::to_string(Record.Y) + " to " + std::to_string(Record.EndX) +
+		"," + std::to_string(Record.EndY);
+}
+
+inline FLines DescribeRecords(const FLodexRecordArray& Records)
+{
+	FLines Described;
+	for (std::size_t Index = 0; Index < Records.Num(); ++Index)
+	{
+		Described.push_back(DescribeRecord(Records[Index]));
+	}
+	return Described;
+}
