@@ -108,24 +108,6 @@ namespace
 		EXPECT_EQ(Panel.GetOutputText(), Joined(Panel.GetLines()));
 	}
 
-	TEST_F(RecorderTest, TheOutputTextIsTheJoinedStoreWhateverTheMixOfAppendsAndInsertions)
-	{
-		std::vector<std::string> Expected;
-		for (int Index = 0; Index < 200; ++Index)
-		{
-			const bool bVR = Index % 7 < 3;
-			Host.SetVR(bVR, "OpenXR");
-			const std::string Key = "K" + std::to_string(Index % 5);
-			Panel.AddLine("line " + std::to_string(Index),
-				Index % 3 == 0 ? EMode::Append : (Index % 3 == 1 ? EMode::Placeholder : EMode::KeyLine), Key);
-			if (!bVR)
-			{
-				EXPECT_EQ(Panel.GetOutputText(), Joined(Panel.GetLines())) << Index;
-			}
-			EXPECT_EQ(Panel.GetScriptText(), Joined(Panel.GetLines())) << Index;
-		}
-	}
-
 	class RecorderQuickInsertTest : public RecorderTest
 	{
 	protected:
