@@ -128,11 +128,10 @@ protected:
 		At(Frame);
 		Recorder().HandleMouseButtonDoubleClick(Pointer(X, Y, Button));
 	}
-	void Click(
-		std::uint32_t Frame, double X, double Y, std::uint32_t Frames = 6, const char* Button = "LeftMouseButton")
+	void Click(std::uint32_t Frame, double X, double Y, std::uint32_t Frames = 6)
 	{
-		Down(Frame, X, Y, Button);
-		Up(Frame + Frames, X, Y, Button);
+		Down(Frame, X, Y);
+		Up(Frame + Frames, X, Y);
 	}
 	void Wheel(std::uint32_t Frame, double X, double Y, float WheelDelta)
 	{
