@@ -41,14 +41,8 @@ public:
 
 	FLodexEvaluatorBlock& GetEvaluatorBlock() override { return Block; }
 
-	void SetGameRunning(bool bRunning)
-	{
-		WorldTypes = {static_cast<std::int32_t>(ELodexWorldType::Editor)};
-		if (bRunning)
-		{
-			WorldTypes.push_back(static_cast<std::int32_t>(ELodexWorldType::PIE));
-		}
-	}
+	/** Only the editor's world: no game runs. */
+	void StopGame() { WorldTypes = {static_cast<std::int32_t>(ELodexWorldType::Editor)}; }
 
 	/** Publishes a result as an evaluator does: the texts (kept alive here), the duration, then the status. */
 	void Publish(std::int32_t Status, const std::string& Result, const std::string& Context = "",

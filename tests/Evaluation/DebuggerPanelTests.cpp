@@ -218,21 +218,37 @@ namespace
 		EXPECT_FALSE(Fixture.Panel.IsIdle()) << "a commit leaves IsIdle as it was";
 	}
 
-	TEST(DebuggerPanelButtons, RequestsWriteThePathThenTheirCode)
+	/** Expects the panel to show that the evaluator has no path buffer, with nothing sent. */
+	void ExpectEvaluatorUnavailable(const FLodexRequest& Request, const FTestEvaluatorHost& Host,
+		const FLodexDebuggerPanel& Panel, const std::string& Where)
+	{
+		EXPECT_EQ(Request.Outcome, ELodexRequestOutcome::EvaluatorUnavailable) << Where;
+		EXPECT_EQ(Host.Block.command, 0);
+		EXPECT_TRUE(Panel.HasError());
+		EXPECT_EQ(Panel.GetMessageText(), "The Lodex evaluator is not available");
+		EXPECT_EQ(Panel.GetPathDisplay(), "");
+		EXPECT_EQ(Panel.GetStateColor(), LodexDebuggerColors::Error);
+		EXPECT_TRUE(Panel.AreButtonsEnabled()) << "nothing was sent, so nothing is awaited";
+	}
+
+	TEST(DebuggerPanelButtons, EachButtonWritesThePathThenItsCodeOrSaysWhyItCannot)
 	{
 		struct FRow
 		{
 			FLodexRequest (FLodexDebuggerPanel::*Click)();
 			std::int32_t Command;
 			const char* Message;
+			/** Run leaves the error icon as it is when the game is not running. */
+			bool bErrorWithoutTheGame;
 		};
 		const FRow Rows[] = {
-			{&FLodexDebuggerPanel::OnRunClicked, 1, "kept"},
-			{&FLodexDebuggerPanel::OnStepIntoClicked, 5, ""},
-			{&FLodexDebuggerPanel::OnStepOverClicked, 6, ""},
+			{&FLodexDebuggerPanel::OnRunClicked, 1, "kept", false},
+			{&FLodexDebuggerPanel::OnStepIntoClicked, 5, "", true},
+			{&FLodexDebuggerPanel::OnStepOverClicked, 6, "", true},
 		};
 		for (const FRow& Row : Rows)
 		{
+			const std::string Where = "command " + std::to_string(Row.Command);
 			FTestEvaluatorHost Host;
 			FLodexDebuggerPanel Panel(Host);
 			Host.Publish(5, "kept");
@@ -246,67 +262,44 @@ namespace
 			EXPECT_EQ(Host.WrittenPath(), "/typed");
 			EXPECT_EQ(Host.LoadedModules, std::vector<std::string>{"UnrealCLR"});
 			EXPECT_FALSE(Panel.IsIdle());
-			EXPECT_EQ(Panel.GetMessageText(), Row.Message) << Row.Command;
+			EXPECT_EQ(Panel.GetMessageText(), Row.Message) << Where;
+
+			FTestEvaluatorHost Stopped;
+			FLodexDebuggerPanel StoppedPanel(Stopped);
+			Stopped.Publish(8, "<VELT.Highlight>/a</>");
+			StoppedPanel.PollEvaluator();
+			Stopped.StopGame();
+			EXPECT_EQ((StoppedPanel.*Row.Click)().Outcome, ELodexRequestOutcome::GameNotRunning);
+			EXPECT_EQ(StoppedPanel.HasError(), Row.bErrorWithoutTheGame) << Where;
+			EXPECT_EQ(StoppedPanel.GetStateColor(), LodexDebuggerColors::Error);
+			EXPECT_EQ(StoppedPanel.GetMessageText(), "Start the game in the editor to run Lodex");
+			EXPECT_EQ(StoppedPanel.GetPathDisplay(), "");
+			EXPECT_TRUE(StoppedPanel.IsIdle());
+			EXPECT_EQ(Stopped.Block.command, 0);
+			EXPECT_TRUE(Stopped.LoadedModules.empty());
+
+			FTestEvaluatorHost Unavailable;
+			FLodexDebuggerPanel UnavailablePanel(Unavailable);
+			UnavailablePanel.OnPathTextChanged("/a");
+			Unavailable.Block.pathText = nullptr;
+			ExpectEvaluatorUnavailable((UnavailablePanel.*Row.Click)(), Unavailable, UnavailablePanel, Where);
 		}
 	}
 
-	TEST(DebuggerPanelButtons, GameNotRunningShowsTheMessageAndRunLeavesTheIcon)
+	TEST(DebuggerPanelCommit, WithoutTheGameOrAPathBufferNothingIsSent)
 	{
-		struct FRow
-		{
-			FLodexRequest (FLodexDebuggerPanel::*Click)();
-			bool bErrorAfter;
-		};
-		const FRow Rows[] = {
-			{&FLodexDebuggerPanel::OnRunClicked, false},
-			{&FLodexDebuggerPanel::OnStepIntoClicked, true},
-			{&FLodexDebuggerPanel::OnStepOverClicked, true},
-		};
-		for (const FRow& Row : Rows)
-		{
-			FTestEvaluatorHost Host;
-			FLodexDebuggerPanel Panel(Host);
-			Host.Publish(8, "<VELT.Highlight>/a</>");
-			Panel.PollEvaluator();
-			Host.SetGameRunning(false);
-			EXPECT_EQ((Panel.*Row.Click)().Outcome, ELodexRequestOutcome::GameNotRunning);
-			EXPECT_EQ(Panel.HasError(), Row.bErrorAfter);
-			EXPECT_EQ(Panel.GetStateColor(), LodexDebuggerColors::Error);
-			EXPECT_EQ(Panel.GetMessageText(), "Start the game in the editor to run Lodex");
-			EXPECT_EQ(Panel.GetPathDisplay(), "");
-			EXPECT_TRUE(Panel.IsIdle());
-			EXPECT_EQ(Host.Block.command, 0);
-			EXPECT_TRUE(Host.LoadedModules.empty());
-		}
 		FTestEvaluatorHost Host;
 		FLodexDebuggerPanel Panel(Host);
-		Host.SetGameRunning(false);
+		Host.StopGame();
 		EXPECT_EQ(Panel.OnPathTextCommitted("/a").Outcome, ELodexRequestOutcome::GameNotRunning);
 		EXPECT_EQ(RenderDebugger(Panel),
 			"path display: \nmessage: Start the game in the editor to run Lodex\noperation: \nnode type: \n"
 			"Stack:\nContext:\n...\nerror 1, idle 1, colour (1, 0, 0, 1)\n");
-	}
 
-	TEST(DebuggerPanelButtons, NullPathBufferShowsTheEvaluatorUnavailable)
-	{
-		for (int Kind = 0; Kind < 4; ++Kind)
-		{
-			FTestEvaluatorHost Host;
-			FLodexDebuggerPanel Panel(Host);
-			Panel.OnPathTextChanged("/a");
-			Host.Block.pathText = nullptr;
-			const FLodexRequest Request = Kind == 0 ? Panel.OnRunClicked()
-				: Kind == 1                         ? Panel.OnStepIntoClicked()
-				: Kind == 2                         ? Panel.OnStepOverClicked()
-													: Panel.OnPathTextCommitted("/a");
-			EXPECT_EQ(Request.Outcome, ELodexRequestOutcome::EvaluatorUnavailable) << Kind;
-			EXPECT_EQ(Host.Block.command, 0);
-			EXPECT_TRUE(Panel.HasError());
-			EXPECT_EQ(Panel.GetMessageText(), "The Lodex evaluator is not available");
-			EXPECT_EQ(Panel.GetPathDisplay(), "");
-			EXPECT_EQ(Panel.GetStateColor(), LodexDebuggerColors::Error);
-			EXPECT_TRUE(Panel.AreButtonsEnabled()) << "nothing was sent, so nothing is awaited";
-		}
+		FTestEvaluatorHost Unavailable;
+		FLodexDebuggerPanel UnavailablePanel(Unavailable);
+		Unavailable.Block.pathText = nullptr;
+		ExpectEvaluatorUnavailable(UnavailablePanel.OnPathTextCommitted("/a"), Unavailable, UnavailablePanel, "commit");
 	}
 
 	TEST(DebuggerPanelButtons, ResetAndAnEmptyCommitAreLocalAndEmptyTheBoxAndPathText)

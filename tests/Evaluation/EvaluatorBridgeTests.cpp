@@ -3,6 +3,7 @@
 
 #include "Repl/EvaluatorRunner.h"
 #include "LodexDebugger/Core/Evaluation/LodexBlockAccess.h"
+#include "LodexDebugger/Core/Evaluation/LodexDebuggerPanel.h"
 #include "LodexDebugger/Core/Evaluation/LodexEvaluator.h"
 #include "LodexDebugger/Core/Evaluation/LodexReplPanel.h"
 #include "LodexDebugger/Core/Text/LodexText.h"
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <thread>
 
 namespace
@@ -71,7 +73,7 @@ namespace
 		EXPECT_EQ(ReadEvaluatorText(Field), "T\xEF\xBF\xBCr");
 	}
 
-	TEST(EvaluatorSide, TakesARequestOnlyFromAnIdleBlockAndPublishesTheStatusLast)
+	TEST(EvaluatorSide, TakesARequestOnlyFromAnIdleBlockAndKeepsTheTextsOfTheAnswerBefore)
 	{
 		FLodexEvaluatorBlock Block{};
 		FLodexEvaluatorSide Side(16);
@@ -99,23 +101,7 @@ namespace
 		ASSERT_TRUE(Side.TakeRequest(Block, Request));
 		EXPECT_EQ(Request.Path, std::string(16, 'p'));
 
-		FLodexEvaluatorAnswer Answer;
-		Answer.Status = 3;
-		Answer.ResultText = "2";
-		Answer.ContextText = "A\r\nB";
-		Answer.DurationMs = 4.5;
-		Side.Publish(Block, Answer);
-		EXPECT_EQ(Block.status, 3);
-		EXPECT_STREQ(Block.resultText, "2");
-		EXPECT_STREQ(Block.contextText, "A\r\nB");
-		EXPECT_EQ(Block.durationMs, 4.5);
-	}
-
-	TEST(EvaluatorSide, TheTextsOfTheAnswerBeforeStayReadableAndStatusZeroOrNullFieldsAreKept)
-	{
-		FLodexEvaluatorBlock Block{};
-		FLodexEvaluatorSide Side;
-		Side.Attach(Block);
+		// The texts of the answer before stay readable while the next is published.
 		FLodexEvaluatorAnswer First;
 		First.Status = 8;
 		First.ContextText = "first context";
@@ -130,8 +116,6 @@ namespace
 		EXPECT_STREQ(Block.contextText, "second, and longer, context");
 
 		Block.status = 0;
-		Side.Publish(Block, FLodexEvaluatorAnswer());
-		EXPECT_EQ(Block.status, 0) << "a status 0 answer is dropped";
 		FLodexEvaluatorAnswer Faulty;
 		Faulty.Status = 8;
 		Faulty.NullFields =
@@ -143,7 +127,7 @@ namespace
 		EXPECT_STREQ(Block.resultText, "");
 	}
 
-	/** An evaluator for the threaded test: answers every Run with its path as the count. */
+	/** An evaluator for the threaded tests: answers every request with texts made from its path. */
 	class FEchoEvaluator final : public ILodexEvaluator
 	{
 	public:
@@ -168,8 +152,12 @@ namespace
 				std::this_thread::sleep_for(std::chrono::microseconds(50));
 			}
 			FLodexEvaluatorAnswer Answer;
-			Answer.Status = 3;
-			Answer.ResultText = Request.Path;
+			Answer.Status = Request.Command == 1 ? 3 : 8;
+			Answer.ResultText = Request.Command == 1 ? Request.Path : "<VELT.Highlight>" + Request.Path + "</>";
+			Answer.ContextText = Request.Path + "\r\n" + LodexText::FormatInt(Request.Command);
+			Answer.StackText = Request.Path;
+			Answer.OperationText = "op " + Request.Path;
+			Answer.DurationMs = static_cast<double>(Request.Path.size());
 			Side.Publish(Block, Answer);
 			return Request.Command;
 		}
@@ -180,6 +168,22 @@ namespace
 		bool bAcknowledge;
 		FLodexEvaluatorSide Side;
 	};
+
+	/** Ticks the focused panel until the condition holds; false after ten seconds. */
+	bool TickUntil(const std::function<void()>& Tick, const std::function<bool()>& Done)
+	{
+		const auto Deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+		while (std::chrono::steady_clock::now() < Deadline)
+		{
+			Tick();
+			if (Done())
+			{
+				return true;
+			}
+			std::this_thread::yield();
+		}
+		return false;
+	}
 
 	TEST(EvaluatorHandshake, ReplRequestsAnsweredOnAnotherThread)
 	{
@@ -193,20 +197,54 @@ namespace
 			{
 				const std::string Path = LodexText::FormatInt(Index);
 				ASSERT_EQ(Panel.OnPathTextCommitted(Path).Outcome, ELodexRequestOutcome::Sent);
-				// The focused panel ticks until the answer shows, for ten seconds at most.
-				const auto Deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-				while (Panel.GetCountText() != Path && std::chrono::steady_clock::now() < Deadline)
-				{
-					Panel.Tick(true);
-					std::this_thread::yield();
-				}
-				ASSERT_EQ(Panel.GetCountText(), Path) << "request " << Index;
+				ASSERT_TRUE(
+					TickUntil([&Panel] { Panel.Tick(true); }, [&Panel, &Path] { return Panel.GetCountText() == Path; }))
+					<< "request " << Index << ", count " << Panel.GetCountText();
 				EXPECT_EQ(Panel.GetStateColor(), LodexReplColors::Several);
 			}
 			EXPECT_TRUE(Runner.WaitUntilQuiet(std::chrono::seconds(10)));
 			EXPECT_EQ(Runner.TakeTakenCommands(), std::vector<std::int32_t>(298, 1));
 			EXPECT_EQ(LodexBlock::LoadStatus(Host.Block), 0);
 			EXPECT_EQ(LodexBlock::LoadCommand(Host.Block), 0);
+		}
+	}
+
+	TEST(EvaluatorHandshake, DebuggerStepsAnsweredOnAnotherThreadShowTheirOwnTexts)
+	{
+		for (const bool bAcknowledge : {false, true})
+		{
+			FTestEvaluatorHost Host;
+			FEchoEvaluator Evaluator(bAcknowledge);
+			FLodexEvaluatorRunner Runner(Evaluator, Host.Block);
+			FLodexDebuggerPanel Panel(Host);
+			for (int Index = 0; Index < 200; ++Index)
+			{
+				const std::string Path = "/step" + LodexText::FormatInt(Index);
+				Panel.OnPathTextChanged(Path);
+				const FLodexRequest Request = Index % 3 == 0 ? Panel.OnStepIntoClicked()
+					: Index % 3 == 1                         ? Panel.OnStepOverClicked()
+															 : Panel.OnRunClicked();
+				ASSERT_EQ(Request.Outcome, ELodexRequestOutcome::Sent);
+				const std::string Code = LodexText::FormatInt(static_cast<std::int32_t>(Request.Command));
+				ASSERT_TRUE(TickUntil([&Panel] { Panel.Tick(true); },
+					[&Panel, &Path, &Code] {
+						return Panel.IsIdle() && Panel.GetContextItems() == std::vector<std::string>{Path, Code};
+					}))
+					<< "request " << Index;
+				if (Request.Command == EEvaluatorCommand::Run)
+				{
+					EXPECT_EQ(Panel.GetMessageText(), Path + " objects found");
+					EXPECT_EQ(Panel.GetContextHeader(), "Context(2)");
+				}
+				else
+				{
+					EXPECT_EQ(Panel.GetPathDisplay(), "<VELT.Highlight>" + Path + "</>");
+					EXPECT_EQ(Panel.GetOperationText(), "op " + Path);
+					EXPECT_EQ(Panel.GetStackItems(), std::vector<std::string>{Path});
+					EXPECT_EQ(Panel.GetContextHeader(), "Context (2)");
+				}
+				EXPECT_EQ(Panel.GetDurationText(), "Duration:" + LodexText::FormatInt(Path.size()) + ".0 (ms)");
+			}
 		}
 	}
 }

@@ -151,8 +151,6 @@ namespace
 				"Unknown attribute: only @name and @tag can be compared"},
 			{"/*[@nam = 'A']", EEvaluatorCommand::Load, "/*[<VELT.Highlight>@nam</> = 'A']",
 				"Unknown attribute: only @name and @tag can be compared"},
-			{"/*[@nam = 'A']", EEvaluatorCommand::StepInto, "/*[<VELT.Highlight>@nam</> = 'A']",
-				"Unknown attribute: only @name and @tag can be compared"},
 			{"", EEvaluatorCommand::Run, "<VELT.Highlight></>", "The path is empty"},
 			{"//a<b[x]", EEvaluatorCommand::Run, "//a&lt;b[<VELT.Highlight>x</>]",
 				"Expected @name or @tag in the predicate"},

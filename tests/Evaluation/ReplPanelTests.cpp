@@ -146,7 +146,7 @@ namespace
 		FLodexReplPanel Panel(Host);
 		Host.Publish(3, "5");
 		Panel.PollEvaluator();
-		Host.SetGameRunning(false);
+		Host.StopGame();
 		const int Changes = Panel.GetStateColorChanges();
 		EXPECT_EQ(Panel.OnPathTextCommitted("/a").Outcome, ELodexRequestOutcome::GameNotRunning);
 		EXPECT_TRUE(Panel.HasError());

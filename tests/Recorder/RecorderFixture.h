@@ -5,6 +5,7 @@
 
 #include "LodexDebugger/Core/Recorder/LodexInputLog.h"
 #include "LodexDebugger/Core/Recorder/LodexRecorderPanel.h"
+#include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <gtest/gtest.h>
 
@@ -19,15 +20,7 @@ public:
 	void Flush() override { ++FlushCount; }
 
 	/** The log as a file holds it. */
-	std::string Text() const
-	{
-		std::string Joined;
-		for (const std::string& Line : Lines)
-		{
-			Joined += Line + "\n";
-		}
-		return Joined;
-	}
+	std::string Text() const { return LodexText::Join(Lines, "\n") + "\n"; }
 
 	std::vector<std::string> Lines;
 	int FlushCount = 0;
