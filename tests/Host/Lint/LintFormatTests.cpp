@@ -103,9 +103,8 @@ namespace
 		EXPECT_EQ(Run.Out,
 			"::warning file=tests/Crate Tests.cs,line=2,col=35,endColumn=40,title=lodex generated-suffix::" +
 				Generated +
-				"\n::error file=tests/Crate Tests.cs,line=3,col=13,endColumn=20,title=lodex no-match:://Tw\"in matches "
-				"no "
-				"object\n::notice file=tests/Crate Tests.cs,line=4,col=14,endColumn=19,title=lodex "
+				"\n::error file=tests/Crate Tests.cs,line=3,col=13,endColumn=20,title=lodex no-match:://Tw\"in "
+				"matches no object\n::notice file=tests/Crate Tests.cs,line=4,col=14,endColumn=19,title=lodex "
 				"placed-generated-suffix::" +
 				Placed + "\n");
 		// The summary stays off standard output, which is the workflow's log.
