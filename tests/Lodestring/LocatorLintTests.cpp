@@ -137,8 +137,8 @@ namespace
 		const FLodexLintResult NotText = Lint("//T\xFCr");
 		ASSERT_EQ(NotText.Findings.size(), 1u);
 		EXPECT_EQ(NotText.Findings[0].Message, "the Lodestring is not UTF-8 text; save the file as UTF-8");
-		const FLodexLintResult Broken = Lint(std::string("//Do\tor\n\x01", 9));
+		const FLodexLintResult Broken = Lint(std::string("//Do\tor\n\x01\r\0", 11));
 		ASSERT_EQ(Broken.Findings.size(), 1u);
-		EXPECT_EQ(Broken.Findings[0].Message, "//Do\\tor\\n\\u0001 matches no object");
+		EXPECT_EQ(Broken.Findings[0].Message, "//Do\\tor\\n\\u0001\\r\\0 matches no object");
 	}
 }

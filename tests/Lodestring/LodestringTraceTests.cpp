@@ -24,7 +24,7 @@ namespace
 			" | " + Step.NodeType + " | " + LodexText::Join(Step.Stack, " > ") + " | " + Cases.Ids(Step.Context);
 	}
 
-	TEST(LodestringTrace, StepsThroughEveryPartOfTheStandardReading)
+	TEST(LodestringTrace, StepsThroughEveryPartOfTheStandardReadingIntoOrOverEach)
 	{
 		const FCasesScene Cases;
 		FLodestringProgram Program;
@@ -54,13 +54,8 @@ namespace
 		{
 			EXPECT_EQ(Describe(Cases, Program, Result.Steps[Step]), Expected[Step]) << "step " << Step;
 		}
-	}
 
-	TEST(LodestringTrace, StepIntoVisitsEveryStepAndStepOverPassesTheParts)
-	{
-		const FCasesScene Cases;
-		FLodestringProgram Program;
-		const FLodexTrace Result = Trace(Cases, "/*[@name = 'House']/*[@name = 'Door']", Program);
+		// Step into visits every step; step over passes the parts.
 		const std::size_t End = Result.Steps.size();
 		struct FRow
 		{
@@ -99,23 +94,19 @@ namespace
 		const FRow Rows[] = {
 			{"//Door/fn:component('Hinge')/@Angle",
 				{"0 | //Door | Step 1 of 3: 1 object | Step | Path > Step 1 of 3: //Door | door",
-					"0 | /fn:component('Hinge') | Components named 'Hinge' of 1 object: 1 found | ComponentStep | Path "
-					"> "
-					"Step 2 of 3: /fn:component('Hinge') | hinge",
+					"0 | /fn:component('Hinge') | Components named 'Hinge' of 1 object: 1 found | ComponentStep | "
+					"Path > Step 2 of 3: /fn:component('Hinge') | hinge",
 					"0 | /@Angle | Property 'Angle' of 1 object: 1 reference | PropertyStep | Path > Step 3 of 3: "
-					"/@Angle "
-					"| hinge"}},
+					"/@Angle | hinge"}},
 			// A step after an empty one is still shown, so that the step where the path goes wrong is seen.
 			{"/*[@name = 'Nobody']/fn:component('Hinge')",
 				{"0 | /*[@name = 'Nobody'] | Step 1 of 2: 0 objects | Step | Path > Step 1 of 2: /*[@name = 'Nobody'] "
 				 "| ",
 					"0 | /fn:component('Hinge') | Components named 'Hinge' of 0 objects: 0 found | ComponentStep | "
-					"Path > "
-					"Step 2 of 2: /fn:component('Hinge') | "}},
+					"Path > Step 2 of 2: /fn:component('Hinge') | "}},
 			{"/fn:component('Comp')",
 				{"0 | /fn:component('Comp') | Components named 'Comp' at the scene root: 1 found | ComponentStep | "
-				 "Path > "
-				 "Step 1 of 1: /fn:component('Comp') | levelComp"}},
+				 "Path > Step 1 of 1: /fn:component('Comp') | levelComp"}},
 		};
 		for (const FRow& Row : Rows)
 		{
@@ -133,17 +124,37 @@ namespace
 		}
 	}
 
-	TEST(LodestringTrace, OtherReadingsAppearOnlyWhereTheyFindSomething)
+	TEST(LodestringOtherReadings, FindNamesThatHoldTheGrammarsEndsAndShowOnlyWhereTheyFindSomething)
 	{
+		// Each text reads both as two steps and as one name holding the separator.
 		const char* const Scene = R"({"objects": [
   {"id": "a", "kind": "actor", "name": "A"},
   {"id": "b", "kind": "actor", "name": "B", "attachParent": "a"},
-  {"id": "joined", "kind": "actor", "name": "A']/*[@name = 'B"}
+  {"id": "joined", "kind": "actor", "name": "A']/*[@name = 'B"},
+  {"id": "slash", "kind": "actor", "name": "A/B"},
+  {"id": "tagged", "kind": "actor", "name": "T", "tags": ["x' or @tag = 'y"]},
+  {"id": "tx", "kind": "actor", "name": "TX", "tags": ["x"]},
+  {"id": "x", "kind": "actor", "name": "X[1"}
 ]})";
 		FCasesScene Cases;
 		std::string Error;
 		ASSERT_TRUE(FSceneSnapshot::Parse(Scene, "odd", Cases.Scene, Error)) << Error;
 		Cases.Index = IndexSceneSnapshot(Cases.Scene);
+		const auto Ids = [&](const char* Path)
+		{
+			return Cases.Ids(EvaluateLodestring(*Cases.Index, std::string(Path)));
+		};
+		EXPECT_EQ(Ids("/*[@name = 'A']/*[@name = 'B']"), "b joined");
+		EXPECT_EQ(Ids("//A/B"), "b slash");
+		EXPECT_EQ(Ids("/*[@tag = 'x' or @tag = 'y']"), "tagged tx");
+		EXPECT_EQ(Ids("/*[@tag = 'x' and @tag = 'y']"), "");
+		// A text outside the grammar: found by another reading, or an error.
+		const FLodexEvaluation Found = EvaluateLodestring(*Cases.Index, std::string("//X[1"));
+		EXPECT_TRUE(Found.bOk);
+		EXPECT_EQ(Cases.Ids(Found), "x");
+		const FLodexEvaluation Missing = EvaluateLodestring(*Cases.Index, std::string("//Y[1"));
+		EXPECT_FALSE(Missing.bOk);
+		EXPECT_EQ(Missing.Error.Message, "Expected @name or @tag in the predicate");
 		FLodestringProgram Program;
 		const FLodexTrace Result = Trace(Cases, "/*[@name = 'A']/*[@name = 'B']", Program);
 		std::vector<std::string> Steps;
@@ -162,19 +173,5 @@ namespace
 			"0 | /*[@name = 'B'] | Step 2 of 2: 1 object | Step | Path > Step 2 of 2: /*[@name = 'B'] | b",
 		};
 		EXPECT_EQ(Steps, Expected);
-		EXPECT_EQ(Cases.Ids(Result.Result), "b joined");
-	}
-
-	TEST(LodestringTrace, AnUnreadablePathFailsWithItsSpan)
-	{
-		const FCasesScene Cases;
-		FLodestringProgram Program;
-		FLodexPathError Error;
-		ASSERT_TRUE(CompileLodestring("/*[@name = 'Nobody'", Program, Error)); // read as a name by another reading
-		const FLodexTrace Result = TraceLodestring(*Cases.Index, Program);
-		EXPECT_FALSE(Result.bOk);
-		EXPECT_EQ(Result.Error.Message, "The quoted value is not closed: it ends at a ' followed by ], or or and");
-		EXPECT_EQ(Result.Error.Span.Begin, 11u);
-		EXPECT_EQ(Result.Error.Span.End, 19u);
 	}
 }

@@ -16,3 +16,16 @@ inline std::string FoundApiStrings(const std::string& Source)
 	}
 	return Text;
 }
+
+/** Text as UTF-16 bytes after their byte order mark, little-endian or big-endian. */
+inline std::string EncodeUtf16(const std::u16string& Text, bool bLittle)
+{
+	std::string Bytes = bLittle ? "\xFF\xFE" : "\xFE\xFF";
+	for (const char16_t Unit : Text)
+	{
+		const char Low = static_cast<char>(Unit & 0xFF);
+		const char High = static_cast<char>(Unit >> 8);
+		Bytes += bLittle ? std::string{Low, High} : std::string{High, Low};
+	}
+	return Bytes;
+}

@@ -82,18 +82,6 @@ namespace
 		}
 	}
 
-	std::string Utf16(const std::u16string& Text, bool bLittle)
-	{
-		std::string Bytes = bLittle ? "\xFF\xFE" : "\xFE\xFF";
-		for (const char16_t Unit : Text)
-		{
-			const char Low = static_cast<char>(Unit & 0xFF);
-			const char High = static_cast<char>(Unit >> 8);
-			Bytes += bLittle ? std::string{Low, High} : std::string{High, Low};
-		}
-		return Bytes;
-	}
-
 	TEST(CSharpSource, AFileWithAUtf16ByteOrderMarkIsUtf16)
 	{
 		const std::string Tuer = "api.Find(\"//T\xC3\xBCr\xF0\x9F\x98\x80\");";
@@ -102,10 +90,10 @@ namespace
 			std::string Bytes;
 			std::string Text;
 		} Rows[] = {
-			{Utf16(u"api.Find(\"//T\u00FCr\U0001F600\");", true), Tuer},
-			{Utf16(u"api.Find(\"//T\u00FCr\U0001F600\");", false), Tuer},
-			{Utf16(u"a", true) + "b", "a\xEF\xBF\xBD"}, // an odd last byte
-			{Utf16(std::u16string(u"a") + char16_t(0xD800) + u"b" + char16_t(0xDC00), true),
+			{EncodeUtf16(u"api.Find(\"//T\u00FCr\U0001F600\");", true), Tuer},
+			{EncodeUtf16(u"api.Find(\"//T\u00FCr\U0001F600\");", false), Tuer},
+			{EncodeUtf16(u"a", true) + "b", "a\xEF\xBF\xBD"}, // an odd last byte
+			{EncodeUtf16(std::u16string(u"a") + char16_t(0xD800) + u"b" + char16_t(0xDC00), true),
 				"a\xEF\xBF\xBD"
 				"b\xEF\xBF\xBD"},
 			{"\xEF\xBB\xBF" + Tuer, "\xEF\xBB\xBF" + Tuer}, // UTF-8, with its mark or without, as it is

@@ -122,28 +122,4 @@ namespace
 		EXPECT_EQ(Run.Err.rfind("lodex: " + Dir.Path + "/Content/Maps/Broken.umap: ", 0), 0u) << Run.Err;
 		EXPECT_EQ(std::count(Run.Err.begin(), Run.Err.end(), '\n'), 1);
 	}
-
-	TEST(LintScene, ThePathALoadLevelNamesIsNoLodestring)
-	{
-		FTempDir Dir;
-		const std::string Scene = Dir.Write("scene.json",
-			R"({"objects": [{"id": "lvl", "kind": "other", "name": "PersistentLevel"},
-				{"id": "d", "kind": "actor", "name": "Door", "outer": "lvl"}]})");
-		const std::string TestFile = Dir.Write("T.cs", "api.LoadLevel(\"/Game/Maps/Town\");\napi.Click(\"/Game\");\n");
-		const FLodexRun Run = RunLodex({"lint", "--scene", Scene, TestFile});
-		EXPECT_EQ(Run.Out,
-			TestFile +
-				":2:12: error: /Game matches no object [no-match]\n"
-				"Checked 1 Lodestring in 1 file: 1 error, 0 warnings\n");
-	}
-
-	TEST(LintUsage, JobsAreOneOrMoreAndListingTheRulesNeedsNoScene)
-	{
-		EXPECT_EQ(RunLodex({"lint", "--project", ".", "--jobs", "0", "Tests"}).Exit, 2);
-		const FLodexRun Rules = RunLodex({"lint", "--list-rules"});
-		EXPECT_EQ(Rules.Exit, 0);
-		EXPECT_NE(Rules.Out.find("\nno-match                 error     The Lodestring matches no object\n"),
-			std::string::npos)
-			<< Rules.Out;
-	}
 }
