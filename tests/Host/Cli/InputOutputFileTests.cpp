@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <csignal>
 #include <pthread.h>
 #include <fcntl.h>
@@ -276,12 +275,7 @@ namespace
 		EXPECT_TRUE(S_ISSOCK(After.st_mode));
 		fs::remove(Socket);
 
-		std::vector<std::string> Left; // no staged copy beside it
-		for (const fs::directory_entry& Entry : fs::directory_iterator(Dir.Path))
-		{
-			Left.push_back(Entry.path().filename().string());
-		}
-		std::sort(Left.begin(), Left.end());
-		EXPECT_EQ(Left, (std::vector<std::string>{"clip", "scene.json"}));
+		// No staged copy beside it.
+		EXPECT_EQ(FTempDir::List(Dir.Path), (std::set<std::string>{"clip", "scene.json"}));
 	}
 }

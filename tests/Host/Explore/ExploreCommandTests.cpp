@@ -216,14 +216,4 @@ namespace
 		const FLodexRun Missing = Explore("show\n", Dir.File("none.json"));
 		EXPECT_EQ(Missing.Err, "lodex: " + Dir.File("none.json") + ": cannot open the file\n");
 	}
-
-	TEST(LodexExplore, TheDemoExploresTheGameClassAndPrintsAMethodSnippet)
-	{
-		const FLodexRun Run = RunLodex({"demo"}, "");
-		ASSERT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_TRUE(Contains(Run.Out,
-			"LogTemp: Sample usage: bool var = api.CallMethod<bool>(\"/*[@name = 'House']/*[@name = 'Door']\", "
-			"\"TryUnlock\", new object[]{& FString, & int32});  //replace types with objects \n"))
-			<< Run.Out;
-	}
 }
