@@ -121,16 +121,6 @@ namespace
 		EXPECT_EQ(Path.Out, "/*[@name = 'Door_2']\n");
 	}
 
-	TEST_F(LevelCommand, ObjectsAreNamedByIdNameOrALabelOneObjectHasAlone)
-	{
-		const FLodexRun Run = RunLodex({"path", "--scene", MapFile, "--mode", "best", "Lamp", "Crate_3"});
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Out, "/PointLight_7\n//Crate_3\n");
-		const FLodexRun Unknown = RunLodex({"path", "--scene", MapFile, "Sofa"});
-		EXPECT_EQ(Unknown.Exit, 1);
-		EXPECT_EQ(Unknown.Err, "lodex: " + MapFile + ": no object has the id, name or label 'Sofa'\n");
-	}
-
 	TEST_F(LevelCommand, LintOnALevelNotesSavedGeneratedNamesAndWarnsOfWhatTheLevelDoesNotHold)
 	{
 		const std::string Tests = WriteTests({"//Crate_3", "//Projectile_12", "/Warehouse"});

@@ -96,10 +96,6 @@ namespace
 			// What the log reader says of a bad line is the input log tests' to pin; here it is one line, exit 1.
 			{{"record", "--input", Broken},
 				"lodex: " + Broken + ":3: frame 2 comes after frame 3: frames must never decrease\n"},
-			{{"record", "--input", Dir.File("absent.jsonl")},
-				"lodex: " + Dir.File("absent.jsonl") + ": cannot open the file\n"},
-			// A folder opens but cannot be read: it is not taken for an empty log.
-			{{"record", "--input", Dir.Path}, "lodex: " + Dir.Path + ": cannot read the file\n"},
 			{{"record", "--input", SampleLog, "--scene", BadScene},
 				"lodex: " + BadScene + ": field 'objects' must be an array, found number\n"},
 		};
