@@ -116,8 +116,6 @@ namespace
 			{"{\n  \"Modules\": [\n    {\"Name\": \"UnrealCLR\"}\n  ]\n}",
 				"{\n  \"Modules\": [\n    {\"Name\": \"UnrealCLR\"},\n    {\n      \"Name\": \"LodexDebugger\",\n      "
 				"\"Type\": \"Editor\",\n      \"LoadingPhase\": \"PostEngineInit\"\n    }\n  ]\n}"},
-			{"{\"Modules\": [], \"Modules\": [{\"Name\": \"A\"}]}",
-				"{\"Modules\": [], \"Modules\": [{\"Name\": \"A\"}, " + CompactEntry + "]}"},
 		};
 		for (const auto& [Original, Expected] : Rows)
 		{
