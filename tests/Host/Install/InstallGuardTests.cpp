@@ -109,8 +109,7 @@ namespace
 
 	TEST(LodexDescriptorDialect, KeysAndNamesMatchIgnoringCaseAndWhatTheEngineReadsIsKeptAsWritten)
 	{
-		const std::string Entry = "{\"Name\": \"LodexDebugger\", \"Type\": \"Editor\", \"LoadingPhase\": "
-								  "\"PostEngineInit\"}";
+		const std::string& Entry = CompactEntry;
 		const struct
 		{
 			std::string Text;
