@@ -65,11 +65,14 @@ namespace ChildProcess
 		}
 	}
 
+	/** Watches a running child before its output is read to the end: may read its standard error into Err. */
+	using FWatch = std::function<void(pid_t Child, int ErrPipe, std::string& Err)>;
+
 	/**
 	 * Forks; the child sends what Body writes to its standard output and error (the file descriptors 1 and 2)
 	 * and ends with Body's result as its exit status.
 	 */
-	inline FProcessRun Run(const std::function<int()>& Body)
+	inline FProcessRun Run(const std::function<int()>& Body, const FWatch& Watch = {})
 	{
 		int OutPipe[2];
 		int ErrPipe[2];
@@ -84,14 +87,18 @@ namespace ChildProcess
 		{
 			dup2(OutPipe[1], STDOUT_FILENO);
 			dup2(ErrPipe[1], STDERR_FILENO);
-			close(OutPipe[0]);
-			close(OutPipe[1]);
-			close(ErrPipe[0]);
-			close(ErrPipe[1]);
+			for (const int Handle : {OutPipe[0], OutPipe[1], ErrPipe[0], ErrPipe[1]})
+			{
+				close(Handle);
+			}
 			_exit(Body());
 		}
 		close(OutPipe[1]);
 		close(ErrPipe[1]);
+		if (Watch)
+		{
+			Watch(Child, ErrPipe[0], Result.Err);
+		}
 		ReadBoth(OutPipe[0], ErrPipe[0], Result.Out, Result.Err);
 		int Status = 0;
 		waitpid(Child, &Status, 0);
@@ -103,9 +110,12 @@ namespace ChildProcess
 	/** Environment changes for a child: a value to set, or none to unset. */
 	using FEnvironment = std::vector<std::pair<std::string, std::optional<std::string>>>;
 
-	/** Runs the built lodex binary; Prepare runs in the child just before the binary starts. */
+	/**
+	 * Runs the built lodex binary; Prepare runs in the child just before the binary starts, Watch in this process
+	 * while it runs.
+	 */
 	inline FProcessRun RunLodex(const std::vector<std::string>& Args, const FEnvironment& Environment = {},
-		const std::function<void()>& Prepare = {})
+		const std::function<void()>& Prepare = {}, const FWatch& Watch = {})
 	{
 		return Run(
 			[&]
@@ -126,7 +136,8 @@ namespace ChildProcess
 				Argv.push_back(nullptr);
 				execv(LODEX_BINARY, Argv.data());
 				return 127;
-			});
+			},
+			Watch);
 	}
 
 	/** A child preparation: writes past Bytes fail (EFBIG) instead of raising SIGXFSZ. */

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <string>
 #include <unistd.h>
@@ -49,6 +51,17 @@ public:
 	}
 
 	static bool Exists(const std::string& FilePath) { return access(FilePath.c_str(), F_OK) == 0; }
+
+	/** The names in a folder. */
+	static std::set<std::string> List(const std::string& Folder)
+	{
+		std::set<std::string> Names;
+		for (const std::filesystem::directory_entry& Entry : std::filesystem::directory_iterator(Folder))
+		{
+			Names.insert(Entry.path().filename().string());
+		}
+		return Names;
+	}
 
 	std::string Path;
 };

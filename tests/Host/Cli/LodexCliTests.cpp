@@ -12,17 +12,6 @@
 
 namespace
 {
-	/** The names in a folder. */
-	std::set<std::string> ListFolder(const std::string& Path)
-	{
-		std::set<std::string> Names;
-		for (const std::filesystem::directory_entry& Entry : std::filesystem::directory_iterator(Path))
-		{
-			Names.insert(Entry.path().filename().string());
-		}
-		return Names;
-	}
-
 	class LodexCli : public ::testing::Test
 	{
 	protected:
@@ -64,7 +53,7 @@ namespace
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "LogTemp: Lodestring : /*[@name = 'A'] \nLogTemp: Lodestring : /*[@name = 'Bob's'] \n");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "/*[@name = 'Bob's']");
-		EXPECT_EQ(ListFolder(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
+		EXPECT_EQ(FTempDir::List(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
 
 		const FLodexRun Relative =
 			RunLodex({"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Clipboard, "door"});
@@ -93,16 +82,16 @@ namespace
 		};
 		for (const auto& Row : Rows)
 		{
-			const std::set<std::string> Before = ListFolder(Dir.Path);
+			const std::set<std::string> Before = FTempDir::List(Dir.Path);
 			const FLodexRun Run = RunLodex(
 				{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Row.Clipboard, "a", "door"});
 			EXPECT_EQ(Run.Exit, 1);
 			EXPECT_EQ(Run.Out, "LogTemp: Lodestring : //A \nLogTemp: Lodestring : //Door \n");
 			// The failure once, then how many objects each copied Lodestring matches.
 			EXPECT_EQ(Run.Err, "lodex: " + Row.Error + "\n//A matches 1 object\n//Door matches 1 object\n");
-			EXPECT_EQ(ListFolder(Dir.Path), Before);
+			EXPECT_EQ(FTempDir::List(Dir.Path), Before);
 		}
-		EXPECT_TRUE(ListFolder(Dir.File("folder")).empty());
+		EXPECT_TRUE(FTempDir::List(Dir.File("folder")).empty());
 	}
 
 	TEST_F(LodexCli, UsageErrorsSayWhatIsWrongThenPrintTheWholeCommandsUsageAndExitTwo)
@@ -251,7 +240,7 @@ namespace
 		return Count;
 	}
 
-	TEST(LodexBinary, DemoShowsTheSampleAsATableTheCommandRunAndWhatTheModuleAddsFromAnyFolder)
+	TEST(LodexBinary, DemoShowsTheSampleAsATableTheCommandRunTheExplorerAndWhatTheModuleAddsFromAnyFolder)
 	{
 		const FProcessRun Run = ChildProcess::RunLodex({"demo"}, {}, [] { (void)!chdir("/"); });
 		ASSERT_EQ(Run.Exit, 0) << Run.Err;
@@ -320,7 +309,8 @@ namespace
 				"\nUnloading the module\n\nLogTemp: Warning: ShutdownModule() called\n\nTab spawners left: 0\n"
 				"Menu extenders left in the level editor: 0\nConsole commands left: 0\n",
 				"/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')             //Door/fn:component('Hinge')",
-				"/*[@name = 'Tür']",
+				"LogTemp: Sample usage: bool var = api.CallMethod<bool>(\"/*[@name = 'House']/*[@name = 'Door']\", "
+				"\"TryUnlock\", new object[]{& FString, & int32});  //replace types with objects \n",
 				"/*[@tag = 'light' or @tag = 'shop'] matches 2 objects: not unique\n  /*[@name = 'Lamp_2']\n  /*[@name "
 				"= "
 				"'Bob's Sign']\n",
@@ -408,7 +398,7 @@ namespace
 				" matches 1 object\n")
 			<< Run.Err.substr(0, 300);
 		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
-		EXPECT_EQ(ListFolder(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
+		EXPECT_EQ(FTempDir::List(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
 	}
 }
 

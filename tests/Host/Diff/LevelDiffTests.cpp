@@ -105,16 +105,6 @@ namespace
 				},
 				"old -> new: 1 re-tagged (6 of 6 actors paired: 5 by GUID, 0 by level script class, 1 by fingerprint)\n"
 				"re-tagged:\n  Door (Door_2): -'exit' +'locked' +'red'\n"},
-			{"duplicate gets a new GUID",
-				[](FTestMap& Map)
-				{
-					FTestActor Copy = Find(Map, "Door_2");
-					Copy.Name = "Door_3";
-					Copy.Guid = "00000000000000000000000000000022";
-					Map.Actors.push_back(Copy);
-				},
-				"old -> new: 1 added (6 of 6 actors paired: 5 by GUID, 0 by level script class, 1 by fingerprint)\n"
-				"added:\n  Door (Door_3) [StaticMeshActor]\n"},
 			{"delete, and the door it held is detached",
 				[](FTestMap& Map)
 				{

@@ -124,34 +124,6 @@ namespace
 			<< Object.Out;
 	}
 
-	TEST(LodexExplore, AVoidReturnIsVoidInAnyCase)
-	{
-		FTempDir Dir;
-		const std::string Scene = Dir.Write("door.json", R"({"objects": [
-			{"id": "lvl", "kind": "other", "name": "PersistentLevel"},
-			{"id": "door", "kind": "actor", "name": "Door", "outer": "lvl", "class": "Door_C"}],
-		  "classes": [{"name": "Door_C", "functions": [
-			{"name": "Shout", "properties": [{"name": "ReturnValue", "type": "VOID", "flags": ["parm", "out", "return"]},
-				{"name": "Word", "type": "FString", "flags": ["parm"]}, {"name": "Times", "type": "int32", "flags": ["parm", "out"]}]},
-			{"name": "Whisper", "properties": [{"name": "ReturnValue", "type": "Void", "flags": ["parm", "out", "return"]},
-				{"name": "Word", "type": "FString", "flags": ["parm"]}]}]}]})");
-		const FLodexRun Run = Explore("select door\npick method Shout\nmenu methods\nchoose Lodestring Relative\n"
-									  "pick method Whisper\nmenu methods\nchoose Lodestring Relative\n",
-			Scene);
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		for (const char* Expected : {
-				 "LogTemp: Method : int32 Shout(FString Word)\n"
-				 "LogTemp: Sample usage: int32 var = api.CallMethod<int32>(\"//Door\", \"Shout\", new "
-				 "object[]{FString});  //replace types with objects \n",
-				 "LogTemp: Method : Void Whisper(FString Word)\n"
-				 "LogTemp: Sample usage: api.CallMethod(\"//Door\", \"Whisper\", new object[]{FString});  //replace "
-				 "types with objects \n",
-			 })
-		{
-			EXPECT_TRUE(Contains(Run.Out, Expected)) << Expected << "\n" << Run.Out;
-		}
-	}
-
 	TEST(LodexExplore, TypingLocKeepsRelativeLocationAndClearingTheBoxShowsEverythingAgain)
 	{
 		const FLodexRun Run = Explore("select hinge\nsearch properties loc\nshow\n");
@@ -213,17 +185,5 @@ namespace
 		EXPECT_EQ(Run.Err,
 			"lodex: " + Bad + ": classes[0] (name 'A'): functions[0]: field 'name' must be a string, found number\n");
 		EXPECT_EQ(Run.Out, "");
-		const FLodexRun Missing = Explore("show\n", Dir.File("none.json"));
-		EXPECT_EQ(Missing.Err, "lodex: " + Dir.File("none.json") + ": cannot open the file\n");
-	}
-
-	TEST(LodexExplore, TheDemoExploresTheGameClassAndPrintsAMethodSnippet)
-	{
-		const FLodexRun Run = RunLodex({"demo"}, "");
-		ASSERT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_TRUE(Contains(Run.Out,
-			"LogTemp: Sample usage: bool var = api.CallMethod<bool>(\"/*[@name = 'House']/*[@name = 'Door']\", "
-			"\"TryUnlock\", new object[]{& FString, & int32});  //replace types with objects \n"))
-			<< Run.Out;
 	}
 }

@@ -4,7 +4,7 @@
 // A game project with the UnrealCLR plug-in and a small Lodex source tree beside it, for the install's tests.
 
 #include "ChildProcess.h"
-#include "LodexTool.h"
+#include "LodexRun.h"
 #include "TempDir.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,6 +79,20 @@ namespace LodexInstallTesting
 		}
 	}
 
+	/** Every file and folder under Root, by its path relative to it, with a file's bytes or a link's target. */
+	inline std::map<std::string, std::string> TreeFiles(const std::string& Root)
+	{
+		std::map<std::string, std::string> Files;
+		for (const fs::directory_entry& Entry : fs::recursive_directory_iterator(Root))
+		{
+			Files[Entry.path().lexically_relative(Root).generic_string()] = Entry.is_symlink()
+				? "link to " + fs::read_symlink(Entry.path()).string()
+				: Entry.is_regular_file() ? FTempDir::Read(Entry.path())
+										  : "(folder)";
+		}
+		return Files;
+	}
+
 	/** A game project with the UnrealCLR plug-in, and a small Lodex source tree beside it. */
 	struct FProject
 	{
@@ -109,25 +122,11 @@ namespace LodexInstallTesting
 
 		FProcessRun Install(std::vector<std::string> Extra = {}) const
 		{
-			std::ostringstream Out;
-			std::ostringstream Err;
-			const int Exit = RunLodexCli(Arguments(std::move(Extra)), Out, Err);
-			return {Exit, 0, Out.str(), Err.str()};
+			const FLodexRun Run = RunLodex(Arguments(std::move(Extra)));
+			return {Run.Exit, 0, Run.Out, Run.Err};
 		}
 
-		/** Every file and folder under the project folder, by its path relative to it, with a file's bytes. */
-		std::map<std::string, std::string> ProjectFiles() const
-		{
-			std::map<std::string, std::string> Files;
-			for (const fs::directory_entry& Entry : fs::recursive_directory_iterator(Project))
-			{
-				const std::string Relative = Entry.path().lexically_relative(Project).generic_string();
-				Files[Relative] = Entry.is_symlink() ? "link to " + fs::read_symlink(Entry.path()).string()
-					: Entry.is_regular_file()        ? FTempDir::Read(Entry.path())
-													 : "(folder)";
-			}
-			return Files;
-		}
+		std::map<std::string, std::string> ProjectFiles() const { return TreeFiles(Project); }
 
 		/** Runs the install: it says "lodex: " and the path under the temporary folder, and changes nothing. */
 		void ExpectRefusal(const std::string& PathAndText, std::vector<std::string> Extra = {}) const

@@ -1,17 +1,13 @@
 // Copyright Lodex contributors.
 // lodex level, and the other commands on a level file: a level laid out by the test package writer in a
 // temporary Content folder.
-#include "BestLocatorLaw.h"
 #include "LodexRun.h"
-#include "Scenes/LevelScene.h"
-#include "Scenes/SceneEvaluation.h"
 #include "Scenes/SceneSnapshot.h"
 #include "TempDir.h"
 #include "Host/Scenes/TestPackageWriter.h"
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 #include <vector>
 
@@ -125,16 +121,6 @@ namespace
 		EXPECT_EQ(Path.Out, "/*[@name = 'Door_2']\n");
 	}
 
-	TEST_F(LevelCommand, ObjectsAreNamedByIdNameOrALabelOneObjectHasAlone)
-	{
-		const FLodexRun Run = RunLodex({"path", "--scene", MapFile, "--mode", "best", "Lamp", "Crate_3"});
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Out, "/PointLight_7\n//Crate_3\n");
-		const FLodexRun Unknown = RunLodex({"path", "--scene", MapFile, "Sofa"});
-		EXPECT_EQ(Unknown.Exit, 1);
-		EXPECT_EQ(Unknown.Err, "lodex: " + MapFile + ": no object has the id, name or label 'Sofa'\n");
-	}
-
 	TEST_F(LevelCommand, LintOnALevelNotesSavedGeneratedNamesAndWarnsOfWhatTheLevelDoesNotHold)
 	{
 		const std::string Tests = WriteTests({"//Crate_3", "//Projectile_12", "/Warehouse"});
@@ -244,68 +230,5 @@ namespace
 		const FLodexRun Run = RunLodex({"path", "--scene", Renamed, "Lamp"});
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_EQ(Run.Out, "/*[@name = 'PointLight_7']\n");
-	}
-
-	TEST(LevelRoundTrip, TheBestLodestringOfEveryObjectOfAGeneratedLevelFindsWhatItSays)
-	{
-		// Levels of engine-style names (most with an instance number, some shared), components, tags now and
-		// then, and actors attached to earlier ones, read back from their files.
-		const std::vector<std::string> Classes = {"StaticMeshActor", "PointLight", "BP_Barrel_C", "Crate"};
-		std::size_t Objects = 0;
-		std::size_t Unique = 0;
-		for (unsigned Seed = 1; Seed <= 40; ++Seed)
-		{
-			std::mt19937 Random(Seed);
-			FTestMap Map;
-			const int ActorCount = 5 + static_cast<int>(Random() % 30);
-			for (int Index = 0; Index < ActorCount; ++Index)
-			{
-				FTestActor Actor;
-				Actor.Class = Classes[Random() % Classes.size()];
-				Actor.Name = Actor.Class + (Random() % 5 == 0 ? "" : "_" + std::to_string(Random() % 12));
-				bool bTaken = false;
-				for (const FTestActor& Other : Map.Actors)
-				{
-					bTaken = bTaken || Other.Name == Actor.Name;
-				}
-				if (bTaken)
-				{
-					continue; // one level holds one object of a name
-				}
-				Actor.Label = Random() % 2 == 0 ? Actor.Class : "";
-				if (Random() % 6 == 0)
-				{
-					Actor.bTags = true;
-					Actor.Tags = {"t" + std::to_string(Random() % 4)};
-				}
-				const std::string Parent =
-					Map.Actors.empty() || Random() % 3 != 0 ? "" : Map.Actors[Random() % Map.Actors.size()].Name;
-				Actor.Components = {{"Root", "SceneComponent", Parent.empty() ? "" : Parent + ".Root"},
-					{"Mesh" + std::to_string(Random() % 2), "StaticMeshComponent"}};
-				Actor.Root = "Root";
-				Map.Actors.push_back(Actor);
-			}
-			FTempDir Temp;
-			WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Map));
-			FLevelScene Level;
-			std::string Error;
-			ASSERT_TRUE(ReadLevelScene(Temp.Path + "/Content/Maps/Main.umap", FLevelReadOptions(), Level, Error))
-				<< Error;
-			const std::unique_ptr<FLodexSceneIndex> Index = IndexSceneSnapshot(Level.Scene);
-			const FLodexBestLocatorFinder Finder(*Index);
-			for (std::uint32_t Object = 0; Object < Index->Num(); ++Object)
-			{
-				const FLodexBestLocator Best =
-					ExpectBestLocatorLaw(*Index, Finder, Object, "seed " + std::to_string(Seed));
-				Unique += Best.MatchCount == 1;
-				++Objects;
-				if (::testing::Test::HasFailure())
-				{
-					return;
-				}
-			}
-		}
-		EXPECT_GT(Objects, 1500u);
-		EXPECT_GT(Unique, Objects / 2);
 	}
 }

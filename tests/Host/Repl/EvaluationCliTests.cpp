@@ -71,23 +71,8 @@ namespace
 			ASSERT_FALSE(Dir.Path.empty());
 			Answers = Dir.Write("answers.txt", EdgeAnswers);
 		}
-		FLodexRun Repl(const std::string& Input, bool bGameRunning = true)
-		{
-			return Session("repl", Input, bGameRunning);
-		}
-		FLodexRun Debug(const std::string& Input, bool bGameRunning = true)
-		{
-			return Session("debug", Input, bGameRunning);
-		}
-		FLodexRun Session(const char* Command, const std::string& Input, bool bGameRunning)
-		{
-			std::vector<std::string> Args{Command, "--evaluator", Answers};
-			if (!bGameRunning)
-			{
-				Args.push_back("--game-not-running");
-			}
-			return RunLodex(Args, Input);
-		}
+		FLodexRun Repl(const std::string& Input) { return RunLodex({"repl", "--evaluator", Answers}, Input); }
+		FLodexRun Debug(const std::string& Input) { return RunLodex({"debug", "--evaluator", Answers}, Input); }
 		FTempDir Dir;
 		std::string Answers;
 	};
@@ -134,9 +119,9 @@ namespace
 			"  StateColor (200, 0, 0, 1), HasError true, IsReady true\n");
 	}
 
-	TEST_F(EvaluationCli, ReplAnswerThatArrivesWhileHeldAndTheFocusIsElsewhereIsShownOnReturn)
+	TEST_F(EvaluationCli, ReplAnswerThatArrivesWhileHeldAndTheFocusIsElsewhereIsShownOnReturnAndHelpListsDirectives)
 	{
-		const FLodexRun Run = Repl(":hold\n/two\n:blur\n:release\n:focus\n");
+		const FLodexRun Run = Repl(":hold\n/two\n:blur\n:release\n:focus\n:help\n:nonsense\n");
 		EXPECT_EQ(Run.Exit, 0) << Run.Err;
 		EXPECT_TRUE(Contains(Run.Out,
 			"> :blur\n  the path box loses focus and commits its text\n  request: Run (1)\n  Lode String: /two\n  "
@@ -147,6 +132,8 @@ namespace
 			<< Run.Out;
 		EXPECT_TRUE(Contains(Run.Out, "> :focus\n  poll: Evaluated (3)\n  Lode String: /two\n  count: 2\n")) << Run.Out;
 		EXPECT_EQ(CountOf(Run.Out, "evaluator took"), 1) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, ":hold     the evaluator takes no request until :release\n")) << Run.Out;
+		EXPECT_TRUE(Contains(Run.Out, "  unknown directive ':nonsense'; known: :focus :blur :hold :release :help\n"));
 	}
 
 	TEST_F(EvaluationCli, DebuggerRunsAndSteps)
@@ -211,7 +198,7 @@ namespace
 
 	TEST_F(EvaluationCli, TheGameNotRunningIsSaidInBothPanels)
 	{
-		const FLodexRun ReplRun = Repl("/one\n", false);
+		const FLodexRun ReplRun = RunLodex({"repl", "--evaluator", Answers, "--game-not-running"}, "/one\n");
 		EXPECT_EQ(ReplRun.Exit, 0) << ReplRun.Err;
 		EXPECT_EQ(ReplRun.Out,
 			"> /one\n"
@@ -220,15 +207,12 @@ namespace
 			"  count: \n"
 			"  StateColor (1, 0, 0, 1), HasError true, IsReady true\n");
 
-		const FLodexRun DebugRun = Debug("run\n/p\n", false);
+		// What each button and Enter then show is the debugger panel's tests' to pin.
+		const FLodexRun DebugRun = RunLodex({"debug", "--evaluator", Answers, "--game-not-running"}, "/p\n");
 		EXPECT_EQ(DebugRun.Exit, 0) << DebugRun.Err;
 		EXPECT_TRUE(Contains(DebugRun.Out,
-			"> run\n  no request: the game is not running\n  Lode String: \n  Path "
-			"Evaluation: \n  error icon off, message: Start the game in the editor to run "
-			"Lodex\n"))
-			<< DebugRun.Out;
-		EXPECT_TRUE(Contains(DebugRun.Out, "> /p\n  no request: the game is not running\n")) << DebugRun.Out;
-		EXPECT_TRUE(Contains(DebugRun.Out, "  error icon on, message: Start the game in the editor to run Lodex\n"))
+			"> /p\n  no request: the game is not running\n  Lode String: /p\n  Path Evaluation: \n  error icon on, "
+			"message: Start the game in the editor to run Lodex\n"))
 			<< DebugRun.Out;
 	}
 
@@ -294,23 +278,5 @@ namespace
 			EXPECT_TRUE(Contains(Usage.Err, "Exactly 1 option from [--scene,--evaluator] is required")) << Usage.Err;
 			EXPECT_TRUE(Contains(Usage.Err, "Usage:")) << Usage.Err;
 		}
-	}
-
-	TEST_F(EvaluationCli, DirectivesAndHelp)
-	{
-		const FLodexRun Run = Repl(":help\n:nonsense\n");
-		EXPECT_EQ(Run.Exit, 0);
-		EXPECT_TRUE(Contains(Run.Out, ":hold     the evaluator takes no request until :release\n")) << Run.Out;
-		EXPECT_TRUE(Contains(Run.Out, "  unknown directive ':nonsense'; known: :focus :blur :hold :release :help\n"));
-	}
-
-	TEST(EvaluationBinary, DebugFromAPipeWithTheSampleAnswers)
-	{
-		const FLodexRun Run = RunLodexPiped("/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\ninto\n",
-			std::string("debug --evaluator '") + LODEX_SOURCE_DIR + "/samples/evaluator-answers.txt'");
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Err, "");
-		EXPECT_TRUE(Contains(Run.Out, "  highlighted: <VELT.Highlight>/*[@name = 'Door']</>\n")) << Run.Out;
-		EXPECT_TRUE(Contains(Run.Out, "  Stack (2)\n")) << Run.Out;
 	}
 }
