@@ -369,7 +369,7 @@ namespace
 		FTempDir Temp;
 		const std::string Content = Temp.Path + "/Content/";
 		const FBadMap Good = OneActor(nullptr);
-		std::string Truncated = Good.Bytes.substr(0, 40);
+		const std::string Truncated = Good.Bytes.substr(0, 40);
 		FLevelScene Scene;
 		std::string Error;
 		EXPECT_FALSE(ReadLevelScene(Content + "Maps/Main.umap", FLevelReadOptions(), Scene, Error));
@@ -379,10 +379,8 @@ namespace
 		EXPECT_EQ(Error, Content + "Maps/Main.umap: is a folder, not a level file");
 
 		const std::string Cut = ": byte 24: the count of custom versions 1 does not fit in the file (40 bytes)";
-		FTestMap Map;
-		Map.Actors = {TestActor("Door")};
-		Map.Actors[0].Class = "/Game/BP/BP_Door.BP_Door_C";
-		Map.SubLevels = {"/Game/Maps/Sub"};
+		const FTestMap Map =
+			TestMap("/Game/Maps/Level", {TestActorOfClass("Door", "/Game/BP/BP_Door.BP_Door_C")}, {"/Game/Maps/Sub"});
 		// The map itself cannot be read: an error. A part of it: a note naming its file and why, and the rest read.
 		const struct
 		{
@@ -394,7 +392,6 @@ namespace
 		{
 			FTempDir Project;
 			const std::string Root = Project.Path + "/Content/";
-			Map.PackagePath = "/Game/Maps/Level";
 			WriteTestFile(Root, "Maps/Level.umap", WriteTestMap(Map));
 			WriteTestFile(Root, "Maps/Sub.umap", OneActor(nullptr).Bytes);
 			WriteTestFile(Root, "BP/BP_Door.uasset",

@@ -171,30 +171,6 @@ namespace
 				": byte 4: saved by an engine newer than 5.0 (legacy file version -9); Lodex reads package file "
 				"versions UE4 214 to 522 and UE5 1000 to 1004 (legacy versions -2 to -8), as Unreal Engine 5.0 loads "
 				"them; this external actor package is left out"});
-
-		// Three or more of a kind are summed up in one line; verbose lists each.
-		Write(Folder + "D/DD/Cut.uasset", "\xC1\x83\x2A\x9E");
-		Write(Folder + "E/EE/Empty.uasset", "");
-		Read();
-		const std::string First3 =
-			ContentFile(Folder + "B/BB/Bad.uasset") + ": byte 4: saved by an engine newer than 5.0";
-		ASSERT_EQ(Scene.Notes.size(), 1u);
-		EXPECT_EQ(Scene.Notes[0].rfind(
-					  "3 external actor packages could not be read and are left out; the first: " + First3, 0),
-			0u)
-			<< Scene.Notes[0];
-		EXPECT_EQ(Scene.Notes[0].substr(Scene.Notes[0].size() - 26), "; --verbose lists them all");
-		FLevelReadOptions Verbose;
-		Verbose.bVerbose = true;
-		Read(Verbose);
-		ASSERT_EQ(Scene.Notes.size(), 3u);
-		EXPECT_EQ(Scene.Notes[0].rfind(First3, 0), 0u);
-		EXPECT_EQ(Scene.Notes[1],
-			ContentFile(Folder + "D/DD/Cut.uasset") +
-				": byte 4: the file ends at byte 4, inside the package summary; this external actor package is left "
-				"out");
-		EXPECT_EQ(Scene.Notes[2].rfind(ContentFile(Folder + "E/EE/Empty.uasset") + ": ", 0), 0u) << Scene.Notes[2];
-		EXPECT_EQ(Scene.ExternalActorCount, 2u);
 	}
 
 	TEST_F(OlderProject, CommandsSumUpNotesOfAKindAndListThemWithVerbose)
