@@ -229,6 +229,9 @@ namespace
 				"byte @end"},
 			{[](FData& D) { D.String("Tags", "door"); },
 				"byte @0: property 'Tags' is a StrProperty; Lodex reads it as an ArrayProperty of NameProperty"},
+			{[](FData& D) { D.Raw("Tags", "ArrayProperty", Int32Bytes(0), 4, "StrProperty"); },
+				"byte @0: property 'Tags' is a ArrayProperty of StrProperty; Lodex reads it as an ArrayProperty of "
+				"NameProperty"},
 			{[](FData& D) { D.Raw("ActorGuid", "StrProperty", std::string(4, '\0'), 4); },
 				"byte @0: property 'ActorGuid' is a StrProperty; Lodex reads it as a StructProperty of Guid"},
 			{[](FData& D) { D.Raw("Tags", "ArrayProperty", Int32Bytes(1000), 4, "NameProperty"); },
