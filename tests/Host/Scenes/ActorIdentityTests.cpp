@@ -1,12 +1,9 @@
 // Copyright Lodex contributors.
 // An actor's identity as levels and snapshots carry it: the saved ActorGuid and the root component's location, in
 // the large-world format (doubles) and before it (floats), in the map and in external actor packages.
-#include "Scenes/LevelScene.h"
-#include "Scenes/SceneReflection.h"
-#include "Scenes/SceneSnapshot.h"
+#include "LevelContentTest.h"
 #include "LodexRun.h"
-#include "TempDir.h"
-#include "TestPackageWriter.h"
+#include "Scenes/SceneReflection.h"
 
 #include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
 
@@ -17,18 +14,6 @@
 
 namespace
 {
-	const FSceneObject* FindById(const FSceneSnapshot& Scene, const std::string& Id)
-	{
-		for (const FSceneObject& Object : Scene.GetObjects())
-		{
-			if (Object.Id == Id)
-			{
-				return &Object;
-			}
-		}
-		return nullptr;
-	}
-
 	FTestActor MakeActor(const std::string& Name, const std::string& Guid)
 	{
 		FTestActor Actor = TestActor(Name, {{"Root", "SceneComponent"}}, "Root");
@@ -58,9 +43,9 @@ namespace
 			ASSERT_TRUE(ReadLevelSceneBytes(WriteTestMap(Map, &Package), "level.umap", Map.PackagePath, Level, Error))
 				<< Error;
 			const std::string Prefix = "/Game/Maps/Main.Main:PersistentLevel.";
-			const FSceneObject* Door = FindById(Level.Scene, Prefix + "Door_2");
-			const FSceneObject* Lamp = FindById(Level.Scene, Prefix + "Lamp");
-			const FSceneObject* Old = FindById(Level.Scene, Prefix + "Old");
+			const FSceneObject* Door = FindSceneObject(Level.Scene, Prefix + "Door_2");
+			const FSceneObject* Lamp = FindSceneObject(Level.Scene, Prefix + "Lamp");
+			const FSceneObject* Old = FindSceneObject(Level.Scene, Prefix + "Old");
 			ASSERT_TRUE(Door && Lamp && Old);
 			EXPECT_EQ(Door->Guid, "0A1B2C3D4E5F60718293A4B5C6D7E8F9");
 			ASSERT_TRUE(Door->bHasLocation);
@@ -75,24 +60,21 @@ namespace
 		}
 	}
 
-	TEST(ActorIdentity, ExternalActorsCarryTheirGuid)
+	using ActorIdentityFiles = FLevelContentTest;
+
+	TEST_F(ActorIdentityFiles, ExternalActorsCarryTheirGuid)
 	{
-		FTempDir Temp;
 		FTestMap Map;
 		Map.ImportedActors = {"/Game/Maps/Main.Main:PersistentLevel.Crate_UAID_1"};
-		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Map));
-		FTestActor Crate = MakeActor("Crate_UAID_1", "FFEEDDCCBBAA99887766554433221100");
-		WriteTestFile(Temp.Path + "/Content", "__ExternalActors__/Maps/Main/1/AB/X.uasset",
+		WriteMap(Map);
+		const FTestActor Crate = MakeActor("Crate_UAID_1", "FFEEDDCCBBAA99887766554433221100");
+		Write("__ExternalActors__/Maps/Main/1/AB/X.uasset",
 			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/1/AB/X", Crate));
-		FLevelScene Level;
-		std::string Error;
-		ASSERT_TRUE(ReadLevelScene(Temp.Path + "/Content/Maps/Main.umap", FLevelReadOptions(), Level, Error)) << Error;
-		const FSceneObject* Read = FindById(Level.Scene, "/Game/Maps/Main.Main:PersistentLevel.Crate_UAID_1");
-		ASSERT_NE(Read, nullptr);
-		EXPECT_EQ(Read->Guid, "FFEEDDCCBBAA99887766554433221100");
+		Read();
+		EXPECT_EQ(Object("/Game/Maps/Main.Main:PersistentLevel.Crate_UAID_1").Guid, "FFEEDDCCBBAA99887766554433221100");
 
 		// lodex level --format json writes both.
-		const FLodexRun Run = RunLodex({"level", "--format", "json", Temp.Path + "/Content/Maps/Main.umap"});
+		const FLodexRun Run = RunLodex({"level", "--format", "json", ContentFile("Maps/Main.umap")});
 		ASSERT_EQ(Run.Exit, 0) << Run.Err;
 		const nlohmann::json Json = nlohmann::json::parse(Run.Out);
 		const nlohmann::json& Actor = Json["objects"][1];
@@ -101,33 +83,16 @@ namespace
 		EXPECT_EQ(Actor["location"], nlohmann::json::array({0.0, 0.0, 0.0}));
 	}
 
-	TEST(ActorIdentity, AGuidOrLocationOfAnotherTypeIsAnError)
+	TEST(ActorIdentity, ALocationOfFloatsInALargeWorldPackageIsAnError)
 	{
-		{
-			FTestMap Map;
-			FTestActor Actor = MakeActor("A", "");
-			Actor.FirstProperties = [](FTestPackage::FData& Data)
-			{
-				Data.Raw("ActorGuid", "StrProperty", std::string(4, '\0'), 4);
-			};
-			Map.Actors = {Actor};
-			FLevelScene Level;
-			std::string Error;
-			EXPECT_FALSE(ReadLevelSceneBytes(WriteTestMap(Map), "level.umap", Map.PackagePath, Level, Error));
-			EXPECT_NE(Error.find(": property 'ActorGuid' is a StrProperty; Lodex reads it as a StructProperty of Guid"),
-				std::string::npos)
-				<< Error;
-			EXPECT_EQ(Error.rfind("level.umap: byte ", 0), 0u) << Error;
-		}
 		// A location of 12 bytes in the large-world format runs past its value.
-		FTestMap Map;
 		FTestActor Actor = MakeActor("A", "");
 		Actor.bLocation = true;
 		Actor.bFloatVectors = true;
-		Map.Actors = {Actor};
 		FLevelScene Level;
 		std::string Error;
-		EXPECT_FALSE(ReadLevelSceneBytes(WriteTestMap(Map), "level.umap", Map.PackagePath, Level, Error));
+		EXPECT_FALSE(ReadLevelSceneBytes(
+			WriteTestMap(TestMap("/Game/Maps/Main", {Actor})), "level.umap", "/Game/Maps/Main", Level, Error));
 		EXPECT_NE(Error.find("the value of property 'RelativeLocation'"), std::string::npos) << Error;
 	}
 

@@ -14,13 +14,6 @@
 
 namespace
 {
-	FTestActor NamedActor(const std::string& Name)
-	{
-		FTestActor Made;
-		Made.Name = Name;
-		return Made;
-	}
-
 	std::vector<std::string> IdsOf(const FLevelScene& Scene)
 	{
 		std::vector<std::string> Ids;
@@ -35,29 +28,31 @@ namespace
 								   "oid sha256:4d7a214614ab2935c943f9e0ff69d22eadbb8f32b1258daaa5e2ca24d17e2393\n"
 								   "size 12345\n";
 
-	TEST(LevelFiles, APluginsLevelIsMountedAtThePluginsNameForItsExternalActorsAndSubLevels)
+	TEST(LevelFiles, APluginsLevelIsMountedAtThePluginsNameForItsExternalActorsSubLevelsAndBlueprintClasses)
 	{
 		FTempDir Temp;
 		const std::string Plugin = Temp.Path + "/Plugins/Nature/Rivers";
 		WriteTestFile(Plugin, "Rivers.uplugin", "{}");
 		const std::string Level = "/Rivers/Maps/Main.Main:PersistentLevel";
-		FTestMap Map;
-		Map.PackagePath = "/Rivers/Maps/Main";
-		Map.Actors = {NamedActor("WorldSettings")};
-		Map.SubLevels = {"/Rivers/Maps/Banks", "/Game/Maps/Town", "/Other/Maps/Far"};
-		WriteTestFile(Plugin + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+		FTestActor Ferry = TestActorOfClass("Ferry", "/Rivers/BP/BP_Ferry.BP_Ferry_C");
+		Ferry.Components = {{"Oar", "/Rivers/BP/BP_Oar.BP_Oar_C"}};
+		WriteTestFile(Plugin + "/Content", "Maps/Main.umap",
+			WriteTestMap(TestMap("/Rivers/Maps/Main", {TestActor("WorldSettings"), Ferry},
+				{"/Rivers/Maps/Banks", "/Game/Maps/Town", "/Other/Maps/Far"})));
+		// Its actors take default tags and components from Blueprint classes of the plug-in.
+		WriteTestFile(Plugin + "/Content", "BP/BP_Ferry.uasset",
+			WriteTestBlueprint(
+				"/Rivers/BP/BP_Ferry", "BP_Ferry_C", "/Script/Engine.StaticMeshActor", true, {"vessel"}));
+		WriteTestFile(Plugin + "/Content", "BP/BP_Oar.uasset",
+			WriteTestBlueprint("/Rivers/BP/BP_Oar", "BP_Oar_C", "/Script/Engine.ActorComponent", false, {}));
 		WriteTestFile(Plugin + "/Content", "__ExternalActors__/Maps/Main/A/ZZ/First.uasset",
 			WriteTestExternalActor(
-				"/Rivers/Maps/Main", "/Rivers/__ExternalActors__/Maps/Main/A/ZZ/First", NamedActor("Boat")));
-		FTestMap Banks;
-		Banks.PackagePath = "/Rivers/Maps/Banks";
-		Banks.Actors = {NamedActor("Reed")};
-		WriteTestFile(Plugin + "/Content", "Maps/Banks.umap", WriteTestMap(Banks));
+				"/Rivers/Maps/Main", "/Rivers/__ExternalActors__/Maps/Main/A/ZZ/First", TestActor("Boat")));
+		WriteTestFile(
+			Plugin + "/Content", "Maps/Banks.umap", WriteTestMap(TestMap("/Rivers/Maps/Banks", {TestActor("Reed")})));
 		// A /Game/ package of a plug-in's level is in the project's own Content folder.
-		FTestMap Town;
-		Town.PackagePath = "/Game/Maps/Town";
-		Town.Actors = {NamedActor("Well")};
-		WriteTestFile(Temp.Path + "/Content", "Maps/Town.umap", WriteTestMap(Town));
+		WriteTestFile(
+			Temp.Path + "/Content", "Maps/Town.umap", WriteTestMap(TestMap("/Game/Maps/Town", {TestActor("Well")})));
 
 		FLevelScene Scene;
 		std::string Error;
@@ -66,43 +61,19 @@ namespace
 			(std::vector<std::string>{
 				Level + " @/Rivers/Maps/Main",
 				Level + ".WorldSettings @/Rivers/Maps/Main",
+				Level + ".Ferry @/Rivers/Maps/Main",
+				Level + ".Ferry.Oar @/Rivers/Maps/Main",
 				Level + ".Boat @/Rivers/__ExternalActors__/Maps/Main/A/ZZ/First",
 				"/Rivers/Maps/Banks.Banks:PersistentLevel @/Rivers/Maps/Banks",
 				"/Rivers/Maps/Banks.Banks:PersistentLevel.Reed @/Rivers/Maps/Banks",
 				"/Game/Maps/Town.Town:PersistentLevel @/Game/Maps/Town",
 				"/Game/Maps/Town.Town:PersistentLevel.Well @/Game/Maps/Town",
 			}));
+		EXPECT_EQ(Scene.Scene.GetObjects()[2].Tags.Get(), std::vector<std::string>{"vessel"});
 		EXPECT_EQ(Scene.ExternalActorCount, 1u);
 		EXPECT_EQ(Scene.SubLevelCount, 2u);
 		EXPECT_EQ(Scene.Notes,
 			std::vector<std::string>{"the sub-level /Other/Maps/Far is not under " + Plugin + "/Content; left out"});
-	}
-
-	TEST(LevelFiles, APluginsLevelTakesDefaultTagsAndComponentsFromBlueprintClassesOfThePlugin)
-	{
-		FTempDir Temp;
-		const std::string Plugin = Temp.Path + "/Plugins/Rivers";
-		WriteTestFile(Plugin, "Rivers.uplugin", "{}");
-		FTestMap Map;
-		Map.PackagePath = "/Rivers/Maps/Main";
-		FTestActor Boat = NamedActor("Boat");
-		Boat.Class = "/Rivers/BP/BP_Boat.BP_Boat_C";
-		Boat.Components = {{"Oar", "/Rivers/BP/BP_Oar.BP_Oar_C"}};
-		Map.Actors = {Boat};
-		WriteTestFile(Plugin + "/Content", "Maps/Main.umap", WriteTestMap(Map));
-		WriteTestFile(Plugin + "/Content", "BP/BP_Boat.uasset",
-			WriteTestBlueprint("/Rivers/BP/BP_Boat", "BP_Boat_C", "/Script/Engine.StaticMeshActor", true, {"vessel"}));
-		WriteTestFile(Plugin + "/Content", "BP/BP_Oar.uasset",
-			WriteTestBlueprint("/Rivers/BP/BP_Oar", "BP_Oar_C", "/Script/Engine.ActorComponent", false, {}));
-
-		FLevelScene Scene;
-		std::string Error;
-		ASSERT_TRUE(ReadLevelScene(Plugin + "/Content/Maps/Main.umap", FLevelReadOptions(), Scene, Error)) << Error;
-		const std::vector<FSceneObject>& Objects = Scene.Scene.GetObjects();
-		ASSERT_EQ(Objects.size(), 3u) << "the level, the boat and its oar";
-		EXPECT_EQ(Objects[1].Tags.Get(), std::vector<std::string>{"vessel"});
-		EXPECT_EQ(Objects[2].Name, "Oar");
-		EXPECT_EQ(Scene.Notes, std::vector<std::string>{});
 	}
 
 	TEST(LevelFiles, AWorldPartitionMapWithoutActorPackagesSaysSo)
@@ -110,10 +81,9 @@ namespace
 		FTempDir Temp;
 		const std::string Map = Temp.Path + "/Content/Maps/Main.umap";
 		const std::string Folder = Temp.Path + "/Content/__ExternalActors__/Maps/Main";
-		FTestMap Partitioned;
-		Partitioned.Actors = {NamedActor("WorldSettings")};
-		Partitioned.Actors[0].Components = {{"WorldPartition", "WorldPartition"}};
-		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Partitioned));
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap",
+			WriteTestMap(
+				TestMap("/Game/Maps/Main", {TestActor("WorldSettings", {{"WorldPartition", "WorldPartition"}})})));
 		const auto NotesOf = [&Map]()
 		{
 			FLevelScene Scene;
@@ -130,7 +100,7 @@ namespace
 				" holds no actor packages; only the actors the map itself saves are read"});
 		WriteTestFile(Folder, "A/ZZ/First.uasset",
 			WriteTestExternalActor(
-				"/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", NamedActor("Boat")));
+				"/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", TestActor("Boat")));
 		EXPECT_EQ(NotesOf(), std::vector<std::string>{});
 		// A map without World Partition saves its actors itself: no folder, no note.
 		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(FTestMap()));
@@ -141,8 +111,8 @@ namespace
 	TEST(LevelFiles, AGitLfsPointerIsOneLineSayingToFetchTheRealFileWhereverItStands)
 	{
 		FTempDir Temp;
-		const std::string Expected = ": a Git LFS pointer, not the file itself: fetch the real file from Git LFS "
-									 "first (git lfs pull)";
+		const std::string Expected =
+			": a Git LFS pointer, not the file itself: fetch the real file from Git LFS first (git lfs pull)";
 		// In place of a snapshot or a level named on the command line.
 		WriteTestFile(Temp.Path, "scene.json", LfsPointer);
 		FSceneFileOptions Options;
@@ -157,9 +127,8 @@ namespace
 		EXPECT_EQ(Error, Options.Path + Expected);
 
 		// In place of a file the level is made of.
-		FTestMap Map;
-		Map.Actors = {NamedActor("WorldSettings")};
-		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(Map));
+		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap",
+			WriteTestMap(TestMap("/Game/Maps/Main", {TestActor("WorldSettings")})));
 		const std::string Actor = Temp.Path + "/Content/__ExternalActors__/Maps/Main/A/ZZ/First.uasset";
 		WriteTestFile(Temp.Path + "/Content", "__ExternalActors__/Maps/Main/A/ZZ/First.uasset", LfsPointer);
 		// There, as any part of a level that cannot be read, it is a note, and the rest of the level is read.

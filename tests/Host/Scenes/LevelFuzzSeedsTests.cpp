@@ -22,10 +22,7 @@ namespace
 	std::vector<FSeed> MakeSeeds()
 	{
 		FTestMap Map;
-		FTestActor Base;
-		Base.Name = "Base_3";
-		Base.Components = {{"Root", "SceneComponent"}, {"Mesh"}};
-		Base.Root = "Root";
+		FTestActor Base = TestActor("Base_3", {{"Root", "SceneComponent"}, {"Mesh"}}, "Root");
 		Base.Label = "T\u00fcr";
 		Base.bTags = true;
 		Base.Tags = {"anchor", "red_1"};
@@ -34,14 +31,9 @@ namespace
 		Base.bLocation = true;
 		Base.Location[0] = 120.5;
 		Base.Location[2] = -30;
-		FTestActor Child;
-		Child.Name = "BP_Door_C_0";
+		FTestActor Child = TestActor("BP_Door_C_0", {{"Root", "SceneComponent", "Base_3.Mesh"}}, "Root");
 		Child.Class = "/Game/BP/BP_Door.BP_Door_C";
-		Child.Components = {{"Root", "SceneComponent", "Base_3.Mesh"}};
-		Child.Root = "Root";
-		FTestActor Instance;
-		Instance.Name = "LevelInstance_2";
-		Instance.Class = "LevelInstance";
+		FTestActor Instance = TestActorOfClass("LevelInstance_2", "LevelInstance");
 		Instance.FirstProperties = [](FTestPackage::FData& Data)
 		{
 			Data.SoftObject("WorldAsset", "/Game/Maps/House.House");
@@ -56,21 +48,18 @@ namespace
 		FTestPackage EarlyPackage(Early.PackagePath);
 		EarlyPackage.FileVersionUE5 = 1000;
 
-		FTestActor External;
-		External.Name = "Cube_UAID_0A";
-		External.Components = {
-			{"StaticMeshComponent0", "StaticMeshComponent", "/Game/Maps/Main.Main:PersistentLevel.Base_3.Root"}};
-		External.Root = "StaticMeshComponent0";
+		FTestActor External = TestActor("Cube_UAID_0A",
+			{{"StaticMeshComponent0", "StaticMeshComponent", "/Game/Maps/Main.Main:PersistentLevel.Base_3.Root"}},
+			"StaticMeshComponent0");
 		External.Guid = "0123456789ABCDEF0123456789ABCDEF";
 		FTestPackage OlderPackage(Map.PackagePath); // saved by 4.21: legacy version -7, UE4 517
 		OlderPackage.LegacyFileVersion = -7;
 		OlderPackage.FileVersionUE4 = 517;
 		OlderPackage.FileVersionUE5 = 0;
 		OlderPackage.ReleaseObjectVersion = 30;
-		FTestMap Older = Early;
 		return {
 			{"level.umap", WriteTestMap(Map)},
-			{"level-ue4-517.umap", WriteTestMap(Older, &OlderPackage)},
+			{"level-ue4-517.umap", WriteTestMap(Early, &OlderPackage)},
 			{"level-ue5-1000.umap", WriteTestMap(Early, &EarlyPackage)},
 			{"redirector.umap", WriteTestRedirector("/Game/Maps/Old", "/Game/Maps/Main")},
 			{"external-actor.uasset",

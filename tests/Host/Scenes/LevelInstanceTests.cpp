@@ -1,11 +1,9 @@
 // Copyright Lodex contributors.
 // Level Instances: the level an instance actor names is read once per instance, under the package the game loads it
 // as, and marked as the instance's.
+#include "LevelContentTest.h"
 #include "LodexRun.h"
 #include "Scenes/LevelInstanceNames.h"
-#include "Scenes/LevelScene.h"
-#include "TempDir.h"
-#include "TestPackageWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -54,19 +52,11 @@ namespace
 		EXPECT_EQ(LevelInstancePackageName("/Game/Houses/House", {}), "");
 	}
 
-	FTestActor Actor(const std::string& Name, const std::string& Class = "StaticMeshActor")
-	{
-		FTestActor Made;
-		Made.Name = Name;
-		Made.Class = Class;
-		return Made;
-	}
-
 	/** An actor saving WorldAsset (as ALevelInstance does) that names World, with an ActorGuid. */
 	FTestActor Instancing(
 		const std::string& Name, const std::string& Class, const std::string& World, const std::string& Guid = "")
 	{
-		FTestActor Made = Actor(Name, Class);
+		FTestActor Made = TestActorOfClass(Name, Class);
 		Made.Guid = Guid;
 		Made.FirstProperties = [World](FTestPackage::FData& Data)
 		{
@@ -75,29 +65,13 @@ namespace
 		return Made;
 	}
 
-	class LevelInstances : public ::testing::Test
+	class LevelInstances : public FLevelContentTest
 	{
 	protected:
-		void Write(const std::string& Relative, const std::string& Bytes)
+		/** Reads Content/Maps/Main.umap; each object as "id @level", with the instance it is the level of. */
+		std::vector<std::string> ReadLevels()
 		{
-			WriteTestFile(Temp.Path + "/Content", Relative, Bytes);
-		}
-
-		/** The map of a /Game/ package, holding Actors and naming SubLevels as streamed in at play time. */
-		void WriteLevel(const std::string& PackagePath, const std::vector<FTestActor>& Actors,
-			const std::vector<std::string>& SubLevels = {})
-		{
-			FTestMap Map;
-			Map.PackagePath = PackagePath;
-			Map.Actors = Actors;
-			Map.SubLevels = SubLevels;
-			Write(PackagePath.substr(6) + ".umap", WriteTestMap(Map));
-		}
-
-		std::vector<std::string> Read(const std::string& Map, FLevelScene& Scene)
-		{
-			std::string Error;
-			EXPECT_TRUE(ReadLevelScene(Temp.Path + "/Content/" + Map, FLevelReadOptions(), Scene, Error)) << Error;
+			Read();
 			std::vector<std::string> Lines;
 			for (const FSceneObject& Object : Scene.Scene.GetObjects())
 			{
@@ -108,8 +82,6 @@ namespace
 			}
 			return Lines;
 		}
-
-		FTempDir Temp;
 	};
 
 	const std::string GuidA = "0123ABCD4567EF0189AB2345CDEF6789";
@@ -118,7 +90,7 @@ namespace
 
 	TEST_F(LevelInstances, EachInstanceReadsItsLevelUnderTheNameTheGameLoadsItAsAndInstancesInsideFollow)
 	{
-		WriteLevel("/Game/Maps/Main",
+		WriteMap(TestMap("/Game/Maps/Main",
 			{
 				Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA),
 				Instancing("LevelInstance_2", "LevelInstance", "/Game/Houses/House.House", GuidB),
@@ -129,29 +101,25 @@ namespace
 				Instancing("Portal_5", "StaticMeshActor", "/Game/Houses/Shed.Shed", GuidP),
 				Instancing("Nowhere_6", "LevelInstance", "/Game/Houses/Gone.Gone", GuidP),
 				Instancing("Unset_7", "LevelInstance", "None", GuidP),
-			});
+			}));
 		Write("BP/BP_Tower.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Tower", "BP_Tower_C", "/Script/Engine.LevelInstance", false, {}));
 		Write("BP/BPP_Shed.uasset",
 			WriteTestBlueprint("/Game/BP/BPP_Shed", "BPP_Shed_C", "/Script/Engine.PackedLevelActor", false, {}));
-		FTestActor Lamp = Actor("Lamp");
-		Lamp.Components = {{"Bulb", "PointLightComponent"}};
-		Lamp.Root = "Bulb";
-		WriteLevel(
-			"/Game/Houses/House", {Lamp, Instancing("Porch_1", "LevelInstance", "/Game/Houses/Porch.Porch", GuidP)});
-		WriteLevel("/Game/Houses/Porch", {Actor("Step")});
-		WriteLevel("/Game/Houses/Tower", {Actor("Bell")});
-		WriteLevel("/Game/Houses/Shed", {Actor("Rake")});
+		const FTestActor Lamp = TestActor("Lamp", {{"Bulb", "PointLightComponent"}}, "Bulb");
+		WriteMap(TestMap(
+			"/Game/Houses/House", {Lamp, Instancing("Porch_1", "LevelInstance", "/Game/Houses/Porch.Porch", GuidP)}));
+		WriteMap(TestMap("/Game/Houses/Porch", {TestActor("Step")}));
+		WriteMap(TestMap("/Game/Houses/Tower", {TestActor("Bell")}));
+		WriteMap(TestMap("/Game/Houses/Shed", {TestActor("Rake")}));
 
-		FLevelScene Scene;
-		const std::vector<std::string> Lines = Read("Maps/Main.umap", Scene);
+		const std::vector<std::string> Lines = ReadLevels();
 		const std::string Map = "/Game/Maps/Main.Main:PersistentLevel";
 		const std::string HouseA = LevelInstancePackageName("/Game/Houses/House", {GuidA});
 		const std::string HouseB = LevelInstancePackageName("/Game/Houses/House", {GuidB});
 		const std::string PorchA = LevelInstancePackageName("/Game/Houses/Porch", {GuidP, GuidA});
 		const std::string PorchB = LevelInstancePackageName("/Game/Houses/Porch", {GuidP, GuidB});
 		const std::string TowerP = LevelInstancePackageName("/Game/Houses/Tower", {GuidP});
-		EXPECT_EQ(HouseA, "/Temp/Game/Houses/House_LevelInstance_8b4dc41be34a854d_1");
 		const auto InHouse = [](const std::string& Package, const std::string& Rest)
 		{
 			return Package + ".House:PersistentLevel" + Rest + " @" + Package;
@@ -188,26 +156,21 @@ namespace
 			std::vector<std::string>{"the Level Instance " + Map +
 				".Nowhere_6 of /Game/Houses/Gone: its level is not under " + Temp.Path + "/Content; left out"});
 		// Attached within the instance's level, under its new name.
-		const FSceneObject* Bulb = nullptr;
-		for (const FSceneObject& Object : Scene.Scene.GetObjects())
-		{
-			Bulb = Object.Id == HouseB + ".House:PersistentLevel.Lamp.Bulb" ? &Object : Bulb;
-		}
-		ASSERT_NE(Bulb, nullptr);
-		ASSERT_NE(Bulb->Outer, nullptr);
-		EXPECT_EQ(Bulb->Outer->Id, HouseB + ".House:PersistentLevel.Lamp");
+		const FSceneObject* BulbOwner = Object(HouseB + ".House:PersistentLevel.Lamp.Bulb").Outer;
+		ASSERT_NE(BulbOwner, nullptr);
+		EXPECT_EQ(BulbOwner->Id, HouseB + ".House:PersistentLevel.Lamp");
 	}
 
 	TEST_F(LevelInstances, ALoopAnUnnamedInstanceAndAnOnDemandHostAreToldAndStillRead)
 	{
-		WriteLevel("/Game/Maps/Main", {Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House")},
-			{"/Game/Maps/Far"});
-		WriteLevel("/Game/Houses/House", {Instancing("Again_1", "LevelInstance", "/Game/Houses/House.House", GuidA)});
-		WriteLevel("/Game/Maps/Far", {Instancing("Hut_1", "LevelInstance", "/Game/Houses/Hut.Hut", GuidB)});
-		WriteLevel("/Game/Houses/Hut", {Actor("Door")});
+		WriteMap(TestMap("/Game/Maps/Main",
+			{Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House")}, {"/Game/Maps/Far"}));
+		WriteMap(
+			TestMap("/Game/Houses/House", {Instancing("Again_1", "LevelInstance", "/Game/Houses/House.House", GuidA)}));
+		WriteMap(TestMap("/Game/Maps/Far", {Instancing("Hut_1", "LevelInstance", "/Game/Houses/Hut.Hut", GuidB)}));
+		WriteMap(TestMap("/Game/Houses/Hut", {TestActor("Door")}));
 
-		FLevelScene Scene;
-		const std::vector<std::string> Lines = Read("Maps/Main.umap", Scene);
+		const std::vector<std::string> Lines = ReadLevels();
 		const std::string Unnamed = "/Temp/Game/Houses/House_LevelInstance_LevelInstance_1";
 		const std::string HutB = LevelInstancePackageName("/Game/Houses/Hut", {GuidB});
 		EXPECT_EQ(Lines,
@@ -229,18 +192,18 @@ namespace
 				"instance it lies in) saves no ActorGuid: the game names its level anew each time it runs; shown as " +
 					Unnamed,
 				"the Level Instance " + Unnamed +
-					".House:PersistentLevel.Again_1 of /Game/Houses/House lies inside "
-					"that level itself; its level is not read again",
+					".House:PersistentLevel.Again_1 of /Game/Houses/House lies inside that level itself; its level is "
+					"not read again",
 			}));
 	}
 
 	TEST_F(LevelInstances, TheCommandsShowTheInstanceAndTellItsMatchesApartByLevelThroughASnapshotToo)
 	{
-		WriteLevel("/Game/Maps/Main",
+		WriteMap(TestMap("/Game/Maps/Main",
 			{Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA),
-				Instancing("LevelInstance_2", "LevelInstance", "/Game/Houses/House.House", GuidB)});
-		WriteLevel("/Game/Houses/House", {Actor("Lamp")});
-		const std::string Map = Temp.Path + "/Content/Maps/Main.umap";
+				Instancing("LevelInstance_2", "LevelInstance", "/Game/Houses/House.House", GuidB)}));
+		WriteMap(TestMap("/Game/Houses/House", {TestActor("Lamp")}));
+		const std::string Map = ContentFile("Maps/Main.umap");
 		const std::string HouseA = LevelInstancePackageName("/Game/Houses/House", {GuidA});
 		const std::string HouseB = LevelInstancePackageName("/Game/Houses/House", {GuidB});
 
@@ -256,10 +219,10 @@ namespace
 			std::string::npos);
 		const std::string Snapshot = Temp.Write("level.json", Json.Out);
 		const std::string Tests = Temp.Write("T.cs", "class T { void Run() {\napi.Click(\"//Lamp\");\n} }\n");
-		for (const std::string& Scene : {Map, Snapshot})
+		for (const std::string& File : {Map, Snapshot})
 		{
-			SCOPED_TRACE(Scene);
-			const FLodexRun Lint = RunLodex({"lint", "--scene", Scene, Tests});
+			SCOPED_TRACE(File);
+			const FLodexRun Lint = RunLodex({"lint", "--scene", File, Tests});
 			EXPECT_EQ(Lint.Exit, 1);
 			EXPECT_NE(
 				Lint.Out.find("match 1 of 2: /*[@name = 'Lamp'] (matches 2 objects: not unique) (in " + HouseA + ")\n"),
@@ -271,23 +234,21 @@ namespace
 
 	TEST_F(LevelInstances, InAWorldPartitionMapTheyAreSaidToMoveIntoTheMapsCells)
 	{
-		FTestActor Settings = Actor("WorldSettings");
-		Settings.Components = {{"WorldPartition", "WorldPartition"}};
-		WriteLevel("/Game/Maps/Main",
-			{Settings, Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA)});
+		const FTestActor Settings = TestActor("WorldSettings", {{"WorldPartition", "WorldPartition"}});
+		WriteMap(TestMap("/Game/Maps/Main",
+			{Settings, Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA)}));
 		Write("__ExternalActors__/Maps/Main/A/ZZ/First.uasset",
-			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", Actor("Boat")));
-		WriteLevel("/Game/Houses/House", {Actor("Lamp")});
+			WriteTestExternalActor(
+				"/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", TestActor("Boat")));
+		WriteMap(TestMap("/Game/Houses/House", {TestActor("Lamp")}));
 
-		FLevelScene Scene;
-		const std::vector<std::string> Lines = Read("Maps/Main.umap", Scene);
+		const std::vector<std::string> Lines = ReadLevels();
 		EXPECT_EQ(Lines.size(), 6u); // the map's level and three actors, the instance's level and its lamp
 		EXPECT_EQ(Scene.Notes,
-			std::vector<std::string>{"the Level Instance /Game/Maps/Main.Main:PersistentLevel."
-									 "LevelInstance_1 of /Game/Houses/House lies in the World "
-									 "Partition map " +
+			std::vector<std::string>{"the Level Instance /Game/Maps/Main.Main:PersistentLevel.LevelInstance_1 of "
+									 "/Game/Houses/House lies in the World Partition map " +
 				Temp.Path +
-				"/Content/Maps/Main.umap: the game moves its actors into the map's own streaming "
-				"cells; shown in a level of its own"});
+				"/Content/Maps/Main.umap: the game moves its actors into the map's own streaming cells; shown in a "
+				"level of its own"});
 	}
 }

@@ -2,9 +2,7 @@
 // What a level file gives as a scene: names, classes, labels, tags, components, attach parents, and the files a
 // level is made of (external actors, sub-levels, redirectors, Blueprint classes), each read from packages laid out
 // in a temporary Content folder by the test package writer.
-#include "Scenes/LevelScene.h"
-#include "TempDir.h"
-#include "TestPackageWriter.h"
+#include "LevelContentTest.h"
 
 #include <gtest/gtest.h>
 
@@ -13,96 +11,65 @@
 
 namespace
 {
-	/** A project's Content folder in a temporary folder, and the level read from it. */
-	class LevelReader : public ::testing::Test
-	{
-	protected:
-		void Write(const std::string& RelativePath, const std::string& Bytes)
-		{
-			WriteTestFile(Temp.Path + "/Content", RelativePath, Bytes);
-		}
-
-		std::string ContentFile(const std::string& RelativePath) const
-		{
-			return Temp.Path + "/Content/" + RelativePath;
-		}
-
-		/** Reads Content/Maps/Main.umap; fails the test on an error. */
-		const FLevelScene& Read(const FLevelReadOptions& Options = FLevelReadOptions())
-		{
-			std::string Error;
-			EXPECT_TRUE(ReadLevelScene(ContentFile("Maps/Main.umap"), Options, Scene, Error)) << Error;
-			return Scene;
-		}
-
-		std::string ReadError(const std::string& RelativePath)
-		{
-			std::string Error;
-			EXPECT_FALSE(ReadLevelScene(ContentFile(RelativePath), FLevelReadOptions(), Scene, Error));
-			return Error;
-		}
-
-		const FSceneObject& Object(const std::string& Id) const
-		{
-			for (const FSceneObject& Candidate : Scene.Scene.GetObjects())
-			{
-				if (Candidate.Id == Id)
-				{
-					return Candidate;
-				}
-			}
-			ADD_FAILURE() << "no object " << Id;
-			static const FSceneObject None;
-			return None;
-		}
-
-		/** Each object as "kind id", in the scene's order. */
-		std::vector<std::string> Listing() const
-		{
-			std::vector<std::string> Lines;
-			for (const FSceneObject& Object : Scene.Scene.GetObjects())
-			{
-				Lines.push_back(LodexSnapshot::GetKindName(Object.Kind) + std::string(" ") + Object.Id);
-			}
-			return Lines;
-		}
-
-		FTempDir Temp;
-		FLevelScene Scene;
-	};
+	using LevelReader = FLevelContentTest;
 
 	const std::string Level = "/Game/Maps/Main.Main:PersistentLevel";
 
-	TEST_F(LevelReader, NamesAreRenderedFromTheStoredNumberMinusOne)
+	TEST_F(LevelReader, ActorsKeepTheNameClassLabelTagsAndPackageTheLevelSaves)
 	{
+		// A name is rendered from its stored number minus one; "Wall_07" and "Lamp_0" are stored as they are.
+		FTestActor Labelled = TestActor("BP_barrel_C_41");
+		Labelled.Label = "Front door";
+		Labelled.bTags = true;
+		Labelled.Tags = {"locked", "red_2"};
+		FTestActor Wide = TestActorOfClass("T\u00fcr_2", "PointLight");
+		Wide.Label = "T\u00fcr \u7528\u6237 \U0001F600";
+		Wide.bTags = true;
+		ReadMap(TestMap("/Game/Maps/Main",
+			{TestActor("StaticMeshActor_193", {{"Root"}}, "Root"), TestActor("Cube"), Labelled, TestActor("Lamp_0"),
+				TestActor("Wall_07"), Wide}));
 		const struct
 		{
-			std::string Name;
-		} Rows[] = {{"StaticMeshActor_193"}, {"Cube"}, {"BP_barrel_C_41"}, {"Lamp_0"}, {"Wall_07"}, {"Tür_2"}};
-		FTestMap Map;
+			std::string Name, ClassName, Label;
+			std::vector<std::string> Tags;
+		} Rows[] = {
+			{"StaticMeshActor_193", "StaticMeshActor", "", {}},
+			{"Cube", "StaticMeshActor", "", {}},
+			{"BP_barrel_C_41", "StaticMeshActor", "Front door", {"locked", "red_2"}},
+			{"Lamp_0", "StaticMeshActor", "", {}},
+			{"Wall_07", "StaticMeshActor", "", {}},
+			{"T\u00fcr_2", "PointLight", "T\u00fcr \u7528\u6237 \U0001F600", {}},
+		};
 		for (const auto& Row : Rows)
 		{
-			Map.Actors.push_back(TestActor(Row.Name));
+			const FSceneObject& Read = Object(Level + "." + Row.Name);
+			EXPECT_EQ(Read.Name, Row.Name);
+			EXPECT_EQ(Read.Kind, ELodexSnapshotKind::Actor) << Row.Name;
+			EXPECT_EQ(Read.ClassName, Row.ClassName) << Row.Name;
+			EXPECT_EQ(Read.Label, Row.Label) << Row.Name;
+			EXPECT_TRUE(Read.bHasTags) << Row.Name;
+			EXPECT_EQ(Read.Tags, Row.Tags) << Row.Name;
 		}
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
-		for (const auto& Row : Rows)
+		ASSERT_EQ(Scene.Scene.GetObjects().size(), 8u);
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
 		{
-			EXPECT_EQ(Object(Level + "." + Row.Name).Name, Row.Name);
+			EXPECT_EQ(Object.Origin, ELodexPlacement::Placed) << Object.Id;
+			EXPECT_EQ(Object.Package, "/Game/Maps/Main") << Object.Id;
 		}
+		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Maps/Main.umap")});
+		EXPECT_TRUE(Scene.Notes.empty());
 	}
 
 	TEST_F(LevelReader, ActorsComeInTheActorsArraysOrderEachFollowedByItsComponents)
 	{
-		FTestMap Map;
-		Map.Actors = {TestActor("A", {{"Root"}}, "Root"), TestActor("B"),
-			TestActor("C", {{"Mesh"}, {"Light", "PointLightComponent"}})};
+		FTestMap Map = TestMap("/Game/Maps/Main",
+			{TestActor("A", {{"Root"}}, "Root"), TestActor("B"),
+				TestActor("C", {{"Mesh"}, {"Light", "PointLightComponent"}})});
 		Map.Actors.push_back(TestActor("Unlisted"));
 		Map.Actors.back().bListed = false;
 		Map.Order = {2, 0, 1, 3};
 		Map.bNullActor = true;
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
+		ReadMap(Map);
 		EXPECT_EQ(Listing(),
 			(std::vector<std::string>{
 				"other " + Level,
@@ -121,96 +88,22 @@ namespace
 		EXPECT_EQ(Object(Level).Name, "PersistentLevel");
 	}
 
-	TEST_F(LevelReader, EveryObjectIsPlacedAndSaysItsPackage)
-	{
-		FTestMap Map;
-		Map.Actors = {TestActor("A", {{"Root"}}, "Root")};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
-		ASSERT_EQ(Scene.Scene.GetObjects().size(), 3u);
-		for (const FSceneObject& Object : Scene.Scene.GetObjects())
-		{
-			EXPECT_EQ(Object.Origin, ELodexPlacement::Placed) << Object.Id;
-			EXPECT_EQ(Object.Package, "/Game/Maps/Main") << Object.Id;
-		}
-		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Maps/Main.umap")});
-		EXPECT_TRUE(Scene.Notes.empty());
-	}
-
-	TEST_F(LevelReader, ClassLabelAndTagsAreThoseTheLevelSaves)
-	{
-		FTestMap Map;
-		FTestActor Plain = TestActor("Plain");
-		FTestActor Labelled = TestActor("Labelled");
-		Labelled.Label = "Front door";
-		Labelled.bTags = true;
-		Labelled.Tags = {"locked", "red_2"};
-		FTestActor Wide = TestActor("Wide");
-		Wide.Class = "PointLight";
-		Wide.Label = "T\u00fcr \u7528\u6237 \U0001F600";
-		Wide.bTags = true;
-		Wide.Tags = {};
-		Map.Actors = {Plain, Labelled, Wide};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
-		const struct
-		{
-			std::string Name, ClassName, Label;
-			std::vector<std::string> Tags;
-		} Rows[] = {
-			{"Plain", "StaticMeshActor", "", {}},
-			{"Labelled", "StaticMeshActor", "Front door", {"locked", "red_2"}},
-			{"Wide", "PointLight", "T\u00fcr \u7528\u6237 \U0001F600", {}},
-		};
-		for (const auto& Row : Rows)
-		{
-			const FSceneObject& Read = Object(Level + "." + Row.Name);
-			EXPECT_EQ(Read.Kind, ELodexSnapshotKind::Actor);
-			EXPECT_EQ(Read.ClassName, Row.ClassName) << Row.Name;
-			EXPECT_EQ(Read.Label, Row.Label) << Row.Name;
-			EXPECT_TRUE(Read.bHasTags) << Row.Name;
-			EXPECT_EQ(Read.Tags, Row.Tags) << Row.Name;
-		}
-	}
-
-	TEST_F(LevelReader, ComponentsAreTheActorsSubobjectsOfComponentClassesOrThoseItLists)
-	{
-		FTestMap Map;
-		FTestActor Mixed = TestActor("Mixed",
-			{{"Mesh"}, {"Brush", "Model"}, {"Glow", "BP_Glow_C"}, {"Spare", "BP_Glow_C"}, {"Custom", "BP_Thing_C"}},
-			"Custom");
-		Mixed.InstanceComponents = {"Glow"};
-		Map.Actors = {Mixed};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
-		EXPECT_EQ(Listing(),
-			(std::vector<std::string>{
-				"other " + Level,
-				"actor " + Level + ".Mixed",
-				"component " + Level + ".Mixed.Mesh",
-				"component " + Level + ".Mixed.Glow",
-				"component " + Level + ".Mixed.Custom",
-			}));
-	}
-
 	TEST_F(LevelReader, AnActorsAttachParentIsTheOwnerOfTheComponentItsRootIsAttachedTo)
 	{
-		FTestMap Map;
-		Map.Actors = {
-			TestActor("Base", {{"Root"}, {"Socket"}}, "Root"),
-			// The root attaches to the base's component: the base is the parent.
-			TestActor("Child",
-				{{"Root", "SceneComponent", "Base.Socket"}, {"Mesh", "StaticMeshComponent", "Child.Root"}}, "Root"),
-			// A component other than the root attaches elsewhere: not the actor's attachment.
-			TestActor("Loose", {{"Root"}, {"Arm", "SceneComponent", "Base.Root"}}, "Root"),
-			// No root saved: the component attached outside the actor is its root.
-			TestActor("Rootless",
-				{{"Mesh", "StaticMeshComponent", "Rootless.Pivot"}, {"Pivot", "SceneComponent", "Child.Mesh"}}),
-			// Attached to its own component: no parent.
-			TestActor("Self", {{"Root", "SceneComponent", "Self.Root"}}, "Root"),
-		};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
+		ReadMap(TestMap("/Game/Maps/Main",
+			{
+				TestActor("Base", {{"Root"}, {"Socket"}}, "Root"),
+				// The root attaches to the base's component: the base is the parent.
+				TestActor("Child",
+					{{"Root", "SceneComponent", "Base.Socket"}, {"Mesh", "StaticMeshComponent", "Child.Root"}}, "Root"),
+				// A component other than the root attaches elsewhere: not the actor's attachment.
+				TestActor("Loose", {{"Root"}, {"Arm", "SceneComponent", "Base.Root"}}, "Root"),
+				// No root saved: the component attached outside the actor is its root.
+				TestActor("Rootless",
+					{{"Mesh", "StaticMeshComponent", "Rootless.Pivot"}, {"Pivot", "SceneComponent", "Child.Mesh"}}),
+				// Attached to its own component: no parent.
+				TestActor("Self", {{"Root", "SceneComponent", "Self.Root"}}, "Root"),
+			}));
 		const struct
 		{
 			std::string Actor, Parent;
@@ -224,23 +117,19 @@ namespace
 
 	TEST_F(LevelReader, AnAttachParentOutsideTheObjectsReadIsLeftOutWithANote)
 	{
-		FTestMap Map;
-		Map.Actors = {TestActor(
-			"Child", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root")};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
+		ReadMap(TestMap("/Game/Maps/Main",
+			{TestActor(
+				"Child", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root")}));
 		EXPECT_EQ(Object(Level + ".Child").AttachParent, nullptr);
 		EXPECT_EQ(Scene.Notes,
 			std::vector<std::string>{
-				"/Game/Maps/Main: actor 'Child' is attached to "
-				"'/Game/Maps/Other.Other:PersistentLevel.Far.Root', which is not among the objects read; it is shown "
-				"unattached"});
+				"/Game/Maps/Main: actor 'Child' is attached to '/Game/Maps/Other.Other:PersistentLevel.Far.Root', "
+				"which is not among the objects read; it is shown unattached"});
 	}
 
 	TEST_F(LevelReader, WorldPartitionActorsAreReadFromTheirPackagesAfterTheLevelsOwnAndAttachAcrossThem)
 	{
-		FTestMap Map;
-		Map.Actors = {TestActor("WorldSettings")};
+		FTestMap Map = TestMap("/Game/Maps/Main", {TestActor("WorldSettings")});
 		Map.ImportedActors = {Level + ".Kept"};
 		Write("Maps/Main.umap", WriteTestMap(Map));
 		const std::string Folder = "__ExternalActors__/Maps/Main/";
@@ -281,8 +170,7 @@ namespace
 		FTestMap Map;
 		Map.Actors = {TestActor("A"), TestActor("B")};
 		Map.Order = {1, 1};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
+		ReadMap(Map);
 		EXPECT_EQ(Listing(), (std::vector<std::string>{"other " + Level, "actor " + Level + ".B"}));
 
 		const std::string External = "__ExternalActors__/Maps/Main/0/AB/CD.uasset";
@@ -305,17 +193,10 @@ namespace
 		FTestMap Map;
 		Map.Actors = {TestActor("DirectionalLight_0")};
 		Map.SubLevels = {"/Game/Maps/Sub", "/Game/Maps/Missing", "/Game/Maps/Sub", "/Plugin/Maps/Elsewhere"};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		FTestMap Sub;
-		Sub.PackagePath = "/Game/Maps/Sub";
-		Sub.Actors = {TestActor("DirectionalLight_0", {{"Root"}}, "Root")};
-		Sub.SubLevels = {"/Game/Maps/Main", "/Game/Maps/Deeper"};
-		Write("Maps/Sub.umap", WriteTestMap(Sub));
-		FTestMap Deeper;
-		Deeper.PackagePath = "/Game/Maps/Deeper";
-		Deeper.Actors = {TestActor("Rock")};
-		Write("Maps/Deeper.umap", WriteTestMap(Deeper));
-		Read();
+		WriteMap(TestMap("/Game/Maps/Sub", {TestActor("DirectionalLight_0", {{"Root"}}, "Root")},
+			{"/Game/Maps/Main", "/Game/Maps/Deeper"}));
+		WriteMap(TestMap("/Game/Maps/Deeper", {TestActor("Rock")}));
+		ReadMap(Map);
 		const std::string SubLevel = "/Game/Maps/Sub.Sub:PersistentLevel";
 		EXPECT_EQ(Listing(),
 			(std::vector<std::string>{
@@ -343,12 +224,16 @@ namespace
 		EXPECT_EQ(Scene.SubLevelCount, 0u);
 		EXPECT_EQ(Scene.Notes,
 			std::vector<std::string>{ContentFile("Maps/Main.umap") +
-				": sub-levels left out: "
-				"/Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
+				": sub-levels left out: /Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
 	}
 
-	TEST_F(LevelReader, ComponentsAreKnownByWhatThePackageSavesAndEditorOnlyObjectsAreMarked)
+	TEST_F(LevelReader, ComponentsAreKnownByWhatThePackagesSaveAndEditorOnlyObjectsAreMarked)
 	{
+		// Subobjects of component classes, those the actor lists and its root are components.
+		FTestActor Mixed = TestActor("Mixed",
+			{{"Mesh"}, {"Brush", "Model"}, {"Glow", "BP_Glow_C"}, {"Spare", "BP_Glow_C"}, {"Custom", "BP_Thing_C"}},
+			"Custom");
+		Mixed.InstanceComponents = {"Glow"};
 		FTestComponent Capture("NewSceneCaptureComponent2D", "SceneCaptureComponent2D");
 		Capture.bDefaultSubObject = true;
 		FTestComponent Sprite("Sprite", "BillboardComponent");
@@ -361,15 +246,27 @@ namespace
 		FTestActor Brush = TestActor("Brush_0", {{"BrushComponent0", "BrushComponent"}});
 		Brush.Class = "Brush";
 		Brush.bEditorOnly = true;
-		FTestMap Map;
-		Map.Actors = {Camera, Brush};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
+		// An object of a Blueprint class is a component when the class packages show a component super.
+		Write("BP/BP_Spinner.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Spinner", "BP_Spinner_C", "/Script/Engine.SceneComponent", false, {}));
+		Write("BP/BP_Fancy.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Fancy", "BP_Fancy_C", "/Game/BP/BP_Spinner.BP_Spinner_C", false, {}));
+		Write("BP/BP_Data.uasset",
+			WriteTestBlueprint("/Game/BP/BP_Data", "BP_Data_C", "/Script/CoreUObject.Object", false, {}));
+		const FTestActor Fan = TestActor("Fan",
+			{{"Spinner", "/Game/BP/BP_Spinner.BP_Spinner_C"}, {"Fancy", "/Game/BP/BP_Fancy.BP_Fancy_C"},
+				{"Data", "/Game/BP/BP_Data.BP_Data_C"}, {"Lost", "/Game/BP/BP_Missing.BP_Missing_C"}});
+		ReadMap(TestMap("/Game/Maps/Main", {Mixed, Camera, Brush, Fan}));
 		const std::string Capturer = Level + ".SceneCapture2D_1";
 		// Settings is neither listed, nor a default subobject, nor of a component class: an object, not a component.
+		// A class whose package is missing shows no component super: its object is left out, as BP_Data's is.
 		EXPECT_EQ(Listing(),
 			(std::vector<std::string>{
 				"other " + Level,
+				"actor " + Level + ".Mixed",
+				"component " + Level + ".Mixed.Mesh",
+				"component " + Level + ".Mixed.Glow",
+				"component " + Level + ".Mixed.Custom",
 				"actor " + Capturer,
 				"component " + Capturer + ".Root",
 				"component " + Capturer + ".NewSceneCaptureComponent2D",
@@ -377,6 +274,9 @@ namespace
 				"component " + Capturer + ".Sprite",
 				"actor " + Level + ".Brush_0",
 				"component " + Level + ".Brush_0.BrushComponent0",
+				"actor " + Level + ".Fan",
+				"component " + Level + ".Fan.Spinner",
+				"component " + Level + ".Fan.Fancy",
 			}));
 		EXPECT_EQ(Object(Capturer + ".NewSceneCaptureComponent2D").ClassName, "SceneCaptureComponent2D");
 		std::vector<std::string> EditorOnly;
@@ -391,40 +291,16 @@ namespace
 		EXPECT_EQ(EditorOnly, (std::vector<std::string>{"Sprite", "Brush_0", "BrushComponent0"}));
 	}
 
-	TEST_F(LevelReader, AnObjectOfABlueprintClassIsAComponentWhenTheClassPackagesShowAComponentSuper)
-	{
-		Write("BP/BP_Spinner.uasset",
-			WriteTestBlueprint("/Game/BP/BP_Spinner", "BP_Spinner_C", "/Script/Engine.SceneComponent", false, {}));
-		Write("BP/BP_Fancy.uasset",
-			WriteTestBlueprint("/Game/BP/BP_Fancy", "BP_Fancy_C", "/Game/BP/BP_Spinner.BP_Spinner_C", false, {}));
-		Write("BP/BP_Data.uasset",
-			WriteTestBlueprint("/Game/BP/BP_Data", "BP_Data_C", "/Script/CoreUObject.Object", false, {}));
-		FTestMap Map;
-		Map.Actors = {TestActor("Fan",
-			{{"Spinner", "/Game/BP/BP_Spinner.BP_Spinner_C"}, {"Fancy", "/Game/BP/BP_Fancy.BP_Fancy_C"},
-				{"Data", "/Game/BP/BP_Data.BP_Data_C"}, {"Lost", "/Game/BP/BP_Missing.BP_Missing_C"}})};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
-		// A class whose package is missing shows no component super: its object is left out, as BP_Data's is.
-		EXPECT_EQ(Listing(),
-			(std::vector<std::string>{"other " + Level, "actor " + Level + ".Fan",
-				"component " + Level + ".Fan.Spinner", "component " + Level + ".Fan.Fancy"}));
-	}
-
 	TEST_F(LevelReader, ASubLevelNoStreamingLevelLoadsAtStartIsMarkedStreamedOnDemand)
 	{
 		FTestMap Map;
 		Map.SubLevels = {"/Game/Maps/Streamed", "/Game/Maps/Both"};
 		Map.LoadedSubLevels = {"/Game/Maps/Loaded", "/Game/Maps/Both"};
-		Write("Maps/Main.umap", WriteTestMap(Map));
 		for (const char* Name : {"Streamed", "Loaded", "Both"})
 		{
-			FTestMap Sub;
-			Sub.PackagePath = std::string("/Game/Maps/") + Name;
-			Sub.Actors = {TestActor("Rock")};
-			Write(std::string("Maps/") + Name + ".umap", WriteTestMap(Sub));
+			WriteMap(TestMap(std::string("/Game/Maps/") + Name, {TestActor("Rock")}));
 		}
-		Read();
+		ReadMap(Map);
 		std::vector<std::string> Levels;
 		for (const FSceneObject& Object : Scene.Scene.GetObjects())
 		{
@@ -457,13 +333,10 @@ namespace
 			std::vector<std::string>{ContentFile("Maps/Main.umap") + ": sub-levels left out: /Game/Maps/Sub"});
 	}
 
-	TEST_F(LevelReader, ARedirectorIsFollowedAndSaidSo)
+	TEST_F(LevelReader, ARedirectorIsFollowedAndSaidSoUnlessItLeadsNowhereOrInACircle)
 	{
 		Write("Maps/Main.umap", WriteTestRedirector("/Game/Maps/Main", "/Game/Maps/Renamed"));
-		FTestMap Renamed;
-		Renamed.PackagePath = "/Game/Maps/Renamed";
-		Renamed.Actors = {TestActor("Cube")};
-		Write("Maps/Renamed.umap", WriteTestMap(Renamed));
+		WriteMap(TestMap("/Game/Maps/Renamed", {TestActor("Cube")}));
 		Read();
 		EXPECT_EQ(Listing(),
 			(std::vector<std::string>{"other /Game/Maps/Renamed.Renamed:PersistentLevel",
@@ -472,43 +345,44 @@ namespace
 			std::vector<std::string>{ContentFile("Maps/Main.umap") +
 				": a redirector to /Game/Maps/Renamed; followed it to " + ContentFile("Maps/Renamed.umap")});
 		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Maps/Renamed.umap")});
-	}
 
-	TEST_F(LevelReader, ARedirectorToNothingOrInACircleIsAnError)
-	{
+		// One to nothing, or in a circle, is an error.
 		Write("Maps/Gone.umap", WriteTestRedirector("/Game/Maps/Gone", "/Game/Maps/Nowhere"));
 		EXPECT_EQ(ReadError("Maps/Gone.umap"),
-			ContentFile("Maps/Gone.umap") +
-				": a redirector to /Game/Maps/Nowhere, "
-				"which is not under " +
-				Temp.Path + "/Content");
+			ContentFile("Maps/Gone.umap") + ": a redirector to /Game/Maps/Nowhere, which is not under " + Temp.Path +
+				"/Content");
 		Write("Maps/Ping.umap", WriteTestRedirector("/Game/Maps/Ping", "/Game/Maps/Pong"));
 		Write("Maps/Pong.umap", WriteTestRedirector("/Game/Maps/Pong", "/Game/Maps/Ping"));
 		EXPECT_EQ(ReadError("Maps/Ping.umap"),
 			ContentFile("Maps/Pong.umap") +
-				": a redirector to /Game/Maps/Ping, "
-				"which redirects back or on past 8 redirectors");
+				": a redirector to /Game/Maps/Ping, which redirects back or on past 8 redirectors");
 	}
 
-	TEST_F(LevelReader, ABlueprintActorWithoutSavedTagsHasItsClassesDefaultTags)
+	TEST_F(LevelReader, ABlueprintActorWithoutSavedTagsHasItsClassesDefaultTagsLookedUpAtTheTopOfItsPackage)
 	{
-		FTestMap Map;
-		FTestActor Door = TestActor("BP_Door_C_3");
-		Door.Class = "/Game/BP/BP_Door.BP_Door_C";
-		FTestActor Gate = TestActor("BP_Gate_C_0");
-		Gate.Class = "/Game/BP/BP_Gate.BP_Gate_C"; // its class saves no tags: its super class does
-		FTestActor Own = TestActor("BP_Door_C_4");
-		Own.Class = Door.Class;
+		FTestActor Own = TestActorOfClass("BP_Door_C_4", "/Game/BP/BP_Door.BP_Door_C");
 		Own.bTags = true;
 		Own.Tags = {"own"};
-		FTestActor Lost = TestActor("BP_Lost_C_0");
-		Lost.Class = "/Game/BP/BP_Lost.BP_Lost_C";
-		FTestActor Plain = TestActor("BP_Plain_C_0");
-		Plain.Class = "/Game/BP/BP_Plain.BP_Plain_C";
-		Map.Actors = {Door, Gate, Own, Lost, Plain};
-		Write("Maps/Main.umap", WriteTestMap(Map));
+		FTestMap Map;
+		// BP_Gate_C saves no tags: its super class does.
+		Map.Actors = {TestActorOfClass("BP_Door_C_3", "/Game/BP/BP_Door.BP_Door_C"),
+			TestActorOfClass("BP_Gate_C_0", "/Game/BP/BP_Gate.BP_Gate_C"), Own,
+			TestActorOfClass("BP_Lost_C_0", "/Game/BP/BP_Lost.BP_Lost_C"),
+			TestActorOfClass("BP_Plain_C_0", "/Game/BP/BP_Plain.BP_Plain_C"),
+			// Every class the engine saves is a top-level object; a path through another object names no class
+			// package, and is not looked up.
+			TestActorOfClass("BP_C_0", "/Game/BP/Deep.Outer.BP_C")};
+		WriteMap(Map);
+		// BP_Door's package is saved by 4.21 (legacy version -7, UE4 517): the engine 5.0 loads it all the same.
 		Write("BP/BP_Door.uasset",
-			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door", "locked"}));
+			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door", "locked"},
+				[](FTestPackage& Package)
+				{
+					Package.LegacyFileVersion = -7;
+					Package.FileVersionUE4 = 517;
+					Package.FileVersionUE5 = 0;
+					Package.ReleaseObjectVersion = 30;
+				}));
 		Write("BP/BP_Gate.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Gate", "BP_Gate_C", "/Game/BP/BP_Door.BP_Door_C", false, {}));
 		Write("BP/BP_Plain.uasset",
@@ -524,6 +398,7 @@ namespace
 			{"BP_Door_C_4", {"own"}},
 			{"BP_Lost_C_0", {}},
 			{"BP_Plain_C_0", {}},
+			{"BP_C_0", {}},
 		};
 		for (const auto& Row : Rows)
 		{
@@ -537,29 +412,16 @@ namespace
 				"/Content: the default tags of its actors are unknown"});
 	}
 
-	FTestMap MapOf(const std::string& PackagePath, const std::string& ActorName)
-	{
-		FTestMap Map;
-		Map.PackagePath = PackagePath;
-		Map.Actors = {TestActor(ActorName)};
-		return Map;
-	}
-
 	TEST_F(LevelReader, APackageNameNeverLeadsOutOfContent)
 	{
 		// "/Game/" then an absolute path, or a name the engine never saves: nothing outside Content is read.
-		WriteTestFile(Temp.Path, "Outside/Sub.umap", WriteTestMap(MapOf("/Game/Sub", "Stranger")));
+		WriteTestFile(Temp.Path, "Outside/Sub.umap", WriteTestMap(TestMap("/Game/Sub", {TestActor("Stranger")})));
 		WriteTestFile(Temp.Path, "Outside/BP.uasset",
 			WriteTestBlueprint("/Game/BP", "BP_C", "/Script/Engine.Actor", true, {"outside"}));
 		const std::string Outside = "/Game/" + Temp.Path + "/Outside";
-		FTestMap Map;
-		FTestActor Door = TestActor("BP_C_0");
-		Door.Class = Outside + "/BP.BP_C";
-		Map.Actors = {Door};
-		Map.SubLevels = {Outside + "/Sub", "/Game/Maps\\Sub"};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Write("Maps\\Sub.umap", WriteTestMap(MapOf("/Game/Maps\\Sub", "Odd")));
-		Read();
+		Write("Maps\\Sub.umap", WriteTestMap(TestMap("/Game/Maps\\Sub", {TestActor("Odd")})));
+		ReadMap(TestMap("/Game/Maps/Main", {TestActorOfClass("BP_C_0", Outside + "/BP.BP_C")},
+			{Outside + "/Sub", "/Game/Maps\\Sub"}));
 		EXPECT_EQ(Listing(), (std::vector<std::string>{"other " + Level, "actor " + Level + ".BP_C_0"}));
 		EXPECT_EQ(Object(Level + ".BP_C_0").Tags, std::vector<std::string>{});
 		const std::string Content = Temp.Path + "/Content";
@@ -574,23 +436,6 @@ namespace
 		Write("Maps/Away.umap", WriteTestRedirector("/Game/Maps/Away", Outside + "/Sub"));
 		EXPECT_EQ(ReadError("Maps/Away.umap"),
 			ContentFile("Maps/Away.umap") + ": a redirector to " + Outside + "/Sub, which is not under " + Content);
-	}
-
-	TEST_F(LevelReader, OnlyAClassAtTheTopOfItsPackageIsLookedUp)
-	{
-		// Every class the engine saves is a top-level object; a path through another object names no class package.
-		FTestMap Map;
-		FTestActor Nested = TestActor("BP_C_0");
-		Nested.Class = "/Game/BP/Deep.Outer.BP_C";
-		FTestActor Missing = TestActor("BP_Gone_C_0");
-		Missing.Class = "/Game/BP/Gone.BP_Gone_C";
-		Map.Actors = {Nested, Missing};
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Read();
-		EXPECT_EQ(Object(Level + ".BP_C_0").ClassName, "BP_C");
-		EXPECT_EQ(Scene.Notes,
-			std::vector<std::string>{"the Blueprint class /Game/BP/Gone.BP_Gone_C is not under " + Temp.Path +
-				"/Content: the default tags of its actors are unknown"});
 	}
 
 	TEST_F(LevelReader, AMapOutsideAContentFolderIsReadAloneWithANote)

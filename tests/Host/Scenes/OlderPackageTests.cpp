@@ -2,10 +2,8 @@
 // Packages saved by the engines before 5.0 that 5.0 loads (UE4 214 on, legacy versions -2 to -8), each field read
 // from the version that saves it; the summary read to its end; and a part of a level that cannot be read left out
 // with a note while the rest is read.
+#include "LevelContentTest.h"
 #include "LodexRun.h"
-#include "Scenes/LevelScene.h"
-#include "TempDir.h"
-#include "TestPackageWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -97,22 +95,21 @@ namespace
 
 	TEST(OlderPackages, TheSummaryIsReadToItsEndAndCompressionRefusedAsTheEngineRefusesIt)
 	{
+		const std::string Whole = " compressed chunks: a package compressed as a whole (cooked by an old engine), "
+								  "which the editor does not load";
 		const struct
 		{
 			std::uint32_t Flags;
 			std::int32_t Chunks;
+			std::size_t After; // the error's byte, after the compression flags' field
 			std::string Error; // empty: it reads
 		} Rows[] = {
-			{0x00000001, 0, ""}, // zlib: a flag the engine knows, with nothing compressed
-			{0x00000FFF, 0, ""},
-			{0x00001000, 0, "byte FLAGS: compression flags 0x00001000 the engine does not know (it knows 0x00000FFF)"},
-			{0x80000000, 0, "byte FLAGS: compression flags 0x80000000 the engine does not know (it knows 0x00000FFF)"},
-			{0x00000000, 1,
-				"byte CHUNKS: 1 compressed chunks: a package compressed as a whole (cooked by an old engine), which "
-				"the editor does not load"},
-			{0x00000001, 2,
-				"byte CHUNKS: 2 compressed chunks: a package compressed as a whole (cooked by an old engine), which "
-				"the editor does not load"},
+			{0x00000001, 0, 0, ""}, // zlib: a flag the engine knows, with nothing compressed
+			{0x00000FFF, 0, 0, ""},
+			{0x00001000, 0, 0, "compression flags 0x00001000 the engine does not know (it knows 0x00000FFF)"},
+			{0x80000000, 0, 0, "compression flags 0x80000000 the engine does not know (it knows 0x00000FFF)"},
+			{0x00000000, 1, 4, "1" + Whole},
+			{0x00000001, 2, 4, "2" + Whole},
 		};
 		for (const auto& Row : Rows)
 		{
@@ -122,19 +119,10 @@ namespace
 			const std::string Bytes = WriteTestMap(OlderMap(), &Package);
 			FLevelScene Scene;
 			std::string Error;
-			const bool bRead = ReadLevelSceneBytes(Bytes, "level.umap", "/Game/Maps/Main", Scene, Error);
-			EXPECT_EQ(bRead, Row.Error.empty()) << Row.Flags << " " << Row.Chunks;
-			std::string Expected = Row.Error;
-			const std::size_t Flags = Package.Layout.CompressionFlagsField;
-			if (Expected.find("FLAGS") != std::string::npos)
-			{
-				Expected.replace(Expected.find("FLAGS"), 5, std::to_string(Flags));
-			}
-			if (Expected.find("CHUNKS") != std::string::npos)
-			{
-				Expected.replace(Expected.find("CHUNKS"), 6, std::to_string(Flags + 4));
-			}
-			EXPECT_EQ(Error, Row.Error.empty() ? "" : "level.umap: " + Expected);
+			EXPECT_EQ(ReadLevelSceneBytes(Bytes, "level.umap", "/Game/Maps/Main", Scene, Error), Row.Error.empty())
+				<< Row.Flags << " " << Row.Chunks;
+			const std::size_t Byte = Package.Layout.CompressionFlagsField + Row.After;
+			EXPECT_EQ(Error, Row.Error.empty() ? "" : "level.umap: byte " + std::to_string(Byte) + ": " + Row.Error);
 		}
 	}
 
@@ -159,65 +147,11 @@ namespace
 		}
 	}
 
-	/** A project's Content folder in a temporary folder. */
-	class OlderProject : public ::testing::Test
-	{
-	protected:
-		void Write(const std::string& RelativePath, const std::string& Bytes)
-		{
-			WriteTestFile(Temp.Path + "/Content", RelativePath, Bytes);
-		}
-
-		std::string File(const std::string& RelativePath) const { return Temp.Path + "/Content/" + RelativePath; }
-
-		const FLevelScene& Read(bool bVerbose = false)
-		{
-			FLevelReadOptions Options;
-			Options.bVerbose = bVerbose;
-			std::string Error;
-			Scene = FLevelScene();
-			EXPECT_TRUE(ReadLevelScene(File("Maps/Main.umap"), Options, Scene, Error)) << Error;
-			return Scene;
-		}
-
-		const FSceneObject* Find(const std::string& Id) const
-		{
-			for (const FSceneObject& Object : Scene.Scene.GetObjects())
-			{
-				if (Object.Id == Id)
-				{
-					return &Object;
-				}
-			}
-			return nullptr;
-		}
-
-		FTempDir Temp;
-		FLevelScene Scene;
-	};
-
-	TEST_F(OlderProject, ABlueprintClassSavedByUE4_517GivesItsDefaultTags)
-	{
-		FTestMap Map;
-		Map.Actors = {TestActor("BP_Door_C_0")};
-		Map.Actors[0].Class = "/Game/BP/BP_Door.BP_Door_C";
-		Write("Maps/Main.umap", WriteTestMap(Map));
-		Write("BP/BP_Door.uasset",
-			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door", "locked"},
-				[](FTestPackage& Package) {
-					Apply(Package, {-7, 517, 0, 30});
-				}));
-		Read();
-		ASSERT_NE(Find(Level + ".BP_Door_C_0"), nullptr);
-		EXPECT_EQ(Find(Level + ".BP_Door_C_0")->Tags, (std::vector<std::string>{"door", "locked"}));
-		EXPECT_EQ(Scene.Notes, std::vector<std::string>{});
-	}
+	using OlderProject = FLevelContentTest;
 
 	TEST_F(OlderProject, AnUnreadableExternalActorIsANoteAndTheOthersAreRead)
 	{
-		FTestMap Map;
-		Map.Actors = {TestActor("WorldSettings")};
-		Write("Maps/Main.umap", WriteTestMap(Map));
+		WriteMap(TestMap("/Game/Maps/Main", {TestActor("WorldSettings")}));
 		const std::string Folder = "__ExternalActors__/Maps/Main/";
 		const std::string Packages = "/Game/__ExternalActors__/Maps/Main/";
 		Write(Folder + "A/AA/First.uasset",
@@ -229,61 +163,39 @@ namespace
 			WriteTestExternalActor("/Game/Maps/Main", Packages + "C/CC/Second", TestActor("Second_UAID_02")));
 		Write(Folder + "B/BB/Bad.uasset", std::string("\xC1\x83\x2A\x9E\xF7\xFF\xFF\xFF", 8));
 		Read();
-		EXPECT_NE(Find(Level + ".First_UAID_01"), nullptr);
-		EXPECT_NE(Find(Level + ".Second_UAID_02"), nullptr);
+		EXPECT_NE(FindSceneObject(Scene.Scene, Level + ".First_UAID_01"), nullptr);
+		EXPECT_NE(FindSceneObject(Scene.Scene, Level + ".Second_UAID_02"), nullptr);
 		EXPECT_EQ(Scene.ExternalActorCount, 2u);
 		EXPECT_EQ(Scene.Notes,
-			std::vector<std::string>{File(Folder + "B/BB/Bad.uasset") +
+			std::vector<std::string>{ContentFile(Folder + "B/BB/Bad.uasset") +
 				": byte 4: saved by an engine newer than 5.0 (legacy file version -9); Lodex reads package file "
 				"versions UE4 214 to 522 and UE5 1000 to 1004 (legacy versions -2 to -8), as Unreal Engine 5.0 loads "
 				"them; this external actor package is left out"});
-
-		// Three or more of a kind are summed up in one line; verbose lists each.
-		Write(Folder + "D/DD/Cut.uasset", "\xC1\x83\x2A\x9E");
-		Write(Folder + "E/EE/Empty.uasset", "");
-		Read();
-		const std::string First3 = File(Folder + "B/BB/Bad.uasset") + ": byte 4: saved by an engine newer than 5.0";
-		ASSERT_EQ(Scene.Notes.size(), 1u);
-		EXPECT_EQ(Scene.Notes[0].rfind(
-					  "3 external actor packages could not be read and are left out; the first: " + First3, 0),
-			0u)
-			<< Scene.Notes[0];
-		EXPECT_EQ(Scene.Notes[0].substr(Scene.Notes[0].size() - 26), "; --verbose lists them all");
-		Read(true);
-		ASSERT_EQ(Scene.Notes.size(), 3u);
-		EXPECT_EQ(Scene.Notes[0].rfind(First3, 0), 0u);
-		EXPECT_EQ(Scene.Notes[1],
-			File(Folder + "D/DD/Cut.uasset") +
-				": byte 4: the file ends at byte 4, inside the package summary; this external actor package is "
-				"left out");
-		EXPECT_EQ(Scene.Notes[2].rfind(File(Folder + "E/EE/Empty.uasset") + ": ", 0), 0u) << Scene.Notes[2];
-		EXPECT_EQ(Scene.ExternalActorCount, 2u);
 	}
 
 	TEST_F(OlderProject, CommandsSumUpNotesOfAKindAndListThemWithVerbose)
 	{
 		FTestMap Map;
-		for (const char* Class : {"BP_A", "BP_B", "BP_C"})
+		for (const std::string Class : {"BP_A", "BP_B", "BP_C"})
 		{
-			Map.Actors.push_back(TestActor(std::string(Class) + "_C_0"));
-			Map.Actors.back().Class = "/Game/BP/" + std::string(Class) + "." + Class + "_C";
-			Write("BP/" + std::string(Class) + ".uasset", "\xC1\x83\x2A\x9E");
+			Map.Actors.push_back(TestActorOfClass(Class + "_C_0", "/Game/BP/" + Class + "." + Class + "_C"));
+			Write("BP/" + Class + ".uasset", "\xC1\x83\x2A\x9E");
 		}
-		Write("Maps/Main.umap", WriteTestMap(Map));
+		WriteMap(Map);
 		const std::string Cut = ": byte 4: the file ends at byte 4, inside the package summary";
-		const FLodexRun Summed = RunLodex({"path", "--scene", File("Maps/Main.umap"), "BP_B_C_0"});
+		const FLodexRun Summed = RunLodex({"path", "--scene", ContentFile("Maps/Main.umap"), "BP_B_C_0"});
 		EXPECT_EQ(Summed.Exit, 0);
 		EXPECT_EQ(Summed.Out, "/*[@name = 'BP_B_C_0']\n");
 		EXPECT_EQ(Summed.Err,
 			"lodex: note: 3 Blueprint classes could not be read and are left out; the first: " +
-				File("BP/BP_A.uasset") + Cut + "; this Blueprint class is left out; --verbose lists them all\n");
-		const FLodexRun Listed = RunLodex({"path", "--scene", File("Maps/Main.umap"), "--verbose", "BP_B_C_0"});
+				ContentFile("BP/BP_A.uasset") + Cut + "; this Blueprint class is left out; --verbose lists them all\n");
+		const FLodexRun Listed = RunLodex({"path", "--scene", ContentFile("Maps/Main.umap"), "--verbose", "BP_B_C_0"});
 		EXPECT_EQ(Listed.Exit, 0);
 		std::string Lines;
-		for (const char* Class : {"BP_A", "BP_B", "BP_C"})
+		for (const std::string Class : {"BP_A", "BP_B", "BP_C"})
 		{
-			Lines += "lodex: note: " + File("BP/" + std::string(Class) + ".uasset") + Cut +
-				"; this Blueprint class is left out\n";
+			Lines +=
+				"lodex: note: " + ContentFile("BP/" + Class + ".uasset") + Cut + "; this Blueprint class is left out\n";
 		}
 		EXPECT_EQ(Listed.Err, Lines);
 	}

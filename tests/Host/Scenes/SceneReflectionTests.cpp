@@ -89,9 +89,6 @@ namespace
 			{SceneWithClasses("[" + Actor + R"("super": "Object\r"}])"),
 				"x.json: classes[0] (name 'Actor'): field 'super' must be one line of text: it holds the control "
 				"character U+000D"},
-			{SceneWithClasses("[" + Actor + R"("functions": [{"name": "Open\t"}]}])"),
-				"x.json: classes[0] (name 'Actor'): functions[0]: field 'name' must be one line of text: it holds the "
-				"control character U+0009"},
 			{SceneWithClasses("[" + Actor +
 				 R"("functions": [{"name": "Open", "properties": [{"name": "\u0000", "type": "float"}]}]}])"),
 				"x.json: classes[0] (name 'Actor'): functions[0] (name 'Open'): properties[0]: field 'name' must be "

@@ -47,6 +47,22 @@ namespace
 				Package.SetEditorOnly(Components.back());
 			}
 		}
+		// The exports of the components with these names, in the names' order.
+		const auto Named = [&Actor, &Components](const std::vector<std::string>& Names)
+		{
+			std::vector<std::int32_t> Found;
+			for (const std::string& Name : Names)
+			{
+				for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
+				{
+					if (Actor.Components[Slot].Name == Name)
+					{
+						Found.push_back(Components[Slot]);
+					}
+				}
+			}
+			return Found;
+		};
 		FTestPackage::FData& Data = Package.GetData(Index);
 		if (Actor.FirstProperties)
 		{
@@ -57,24 +73,11 @@ namespace
 			Data.Guid("ActorGuid", Actor.Guid);
 		}
 		Data.Struct("PivotOffset", "Vector", 24); // read by nobody: skipped by its size
-		for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
+		for (const std::int32_t Root : Named({Actor.Root}))
 		{
-			if (Actor.Components[Slot].Name == Actor.Root)
-			{
-				Data.Object("RootComponent", Components[Slot]);
-			}
+			Data.Object("RootComponent", Root);
 		}
-		std::vector<std::int32_t> Instanced;
-		for (const std::string& Name : Actor.InstanceComponents)
-		{
-			for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
-			{
-				if (Actor.Components[Slot].Name == Name)
-				{
-					Instanced.push_back(Components[Slot]);
-				}
-			}
-		}
+		const std::vector<std::int32_t> Instanced = Named(Actor.InstanceComponents);
 		if (!Instanced.empty())
 		{
 			Data.ObjectArray("InstanceComponents", Instanced);
@@ -98,33 +101,47 @@ namespace
 					"RelativeLocation", Actor.Location[0], Actor.Location[1], Actor.Location[2], !Actor.bFloatVectors);
 			}
 			ComponentData.Struct("RelativeScale3D", "Vector", 24);
-			std::vector<std::int32_t> Children;
-			for (const std::string& Name :
-				Component.Name == Actor.Root ? Actor.AttachChildren : std::vector<std::string>())
-			{
-				for (std::size_t Other = 0; Other < Actor.Components.size(); ++Other)
-				{
-					if (Actor.Components[Other].Name == Name)
-					{
-						Children.push_back(Components[Other]);
-					}
-				}
-			}
+			const std::vector<std::int32_t> Children =
+				Named(Component.Name == Actor.Root ? Actor.AttachChildren : std::vector<std::string>());
 			if (!Children.empty())
 			{
 				ComponentData.ObjectArray("AttachChildren", Children);
 			}
-			if (Component.AttachParent.empty())
-			{
-				continue;
-			}
 			// A path names an object of another package; "Actor.Component" is resolved by the caller.
-			if (Component.AttachParent[0] == '/')
+			if (Component.AttachParent.rfind('/', 0) == 0)
 			{
 				ComponentData.Object("AttachParent", Package.ImportPath(Component.AttachParent, "SceneComponent"));
 			}
 		}
 		return Index;
+	}
+
+	/** Attaches each component whose AttachParent is "Actor.Component" to that component of these actors (written as
+	 * these exports); WriteActor has imported the parents that are object paths. */
+	void AttachWithin(
+		FTestPackage& Package, const std::vector<FTestActor>& Actors, const std::vector<std::int32_t>& Exported)
+	{
+		std::map<std::string, std::int32_t> ByName; // "Actor.Component" -> export
+		for (std::size_t ActorSlot = 0; ActorSlot < Actors.size(); ++ActorSlot)
+		{
+			for (std::size_t Slot = 0; Slot < Actors[ActorSlot].Components.size(); ++Slot)
+			{
+				ByName.emplace(Actors[ActorSlot].Name + "." + Actors[ActorSlot].Components[Slot].Name,
+					Exported[ActorSlot] + 1 + static_cast<std::int32_t>(Slot));
+			}
+		}
+		for (std::size_t ActorSlot = 0; ActorSlot < Actors.size(); ++ActorSlot)
+		{
+			for (std::size_t Slot = 0; Slot < Actors[ActorSlot].Components.size(); ++Slot)
+			{
+				const auto Found = ByName.find(Actors[ActorSlot].Components[Slot].AttachParent);
+				if (Found != ByName.end())
+				{
+					Package.GetData(Exported[ActorSlot] + 1 + static_cast<std::int32_t>(Slot))
+						.Object("AttachParent", Found->second);
+				}
+			}
+		}
 	}
 }
 
@@ -134,6 +151,22 @@ FTestActor TestActor(const std::string& Name, std::vector<FTestComponent> Compon
 	Made.Name = Name;
 	Made.Components = std::move(Components);
 	Made.Root = Root;
+	return Made;
+}
+
+FTestActor TestActorOfClass(const std::string& Name, const std::string& Class)
+{
+	FTestActor Made = TestActor(Name);
+	Made.Class = Class;
+	return Made;
+}
+
+FTestMap TestMap(const std::string& PackagePath, std::vector<FTestActor> Actors, std::vector<std::string> SubLevels)
+{
+	FTestMap Made;
+	Made.PackagePath = PackagePath;
+	Made.Actors = std::move(Actors);
+	Made.SubLevels = std::move(SubLevels);
 	return Made;
 }
 
@@ -158,51 +191,25 @@ std::string WriteTestMap(const FTestMap& Map, FTestPackage* Given)
 	const std::int32_t World = Package.Export(WorldClass, 0, ShortName(Map.PackagePath));
 	const std::int32_t Level = Package.Export(LevelClass, World, "PersistentLevel");
 	std::vector<std::int32_t> Streaming;
-	for (std::size_t Index = 0; Index < Map.SubLevels.size(); ++Index)
+	for (std::size_t Index = 0; Index < Map.SubLevels.size() + Map.LoadedSubLevels.size(); ++Index)
 	{
+		const bool bLoaded = Index >= Map.SubLevels.size();
+		const std::string& Path = bLoaded ? Map.LoadedSubLevels[Index - Map.SubLevels.size()] : Map.SubLevels[Index];
 		const std::int32_t Sub = Package.Export(Package.ImportPath("/Script/Engine.LevelStreamingDynamic", "Class"),
 			World, "LevelStreamingDynamic_" + std::to_string(Index));
-		Package.GetData(Sub).SoftObject("WorldAsset", Map.SubLevels[Index] + "." + ShortName(Map.SubLevels[Index]));
-		Streaming.push_back(Sub);
-	}
-	for (std::size_t Index = 0; Index < Map.LoadedSubLevels.size(); ++Index)
-	{
-		const std::string& Path = Map.LoadedSubLevels[Index];
-		const std::int32_t Sub = Package.Export(Package.ImportPath("/Script/Engine.LevelStreamingDynamic", "Class"),
-			World, "LevelStreamingDynamic_" + std::to_string(Map.SubLevels.size() + Index));
-		Package.GetData(Sub).SoftObject("WorldAsset", Path + "." + ShortName(Path)).Bool("bInitiallyLoaded", true);
+		FTestPackage::FData& Data = Package.GetData(Sub).SoftObject("WorldAsset", Path + "." + ShortName(Path));
+		if (bLoaded)
+		{
+			Data.Bool("bInitiallyLoaded", true);
+		}
 		Streaming.push_back(Sub);
 	}
 	std::vector<std::int32_t> Exported;
-	std::map<std::string, std::int32_t> ByName; // "Actor.Component" -> export
 	for (const FTestActor& Actor : Map.Actors)
 	{
-		const std::int32_t Index = WriteActor(Package, Level, Actor);
-		Exported.push_back(Index);
-		for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
-		{
-			ByName.emplace(Actor.Name + "." + Actor.Components[Slot].Name, Index + 1 + static_cast<std::int32_t>(Slot));
-		}
+		Exported.push_back(WriteActor(Package, Level, Actor));
 	}
-	// Attach parents inside the map, now that every component has its index.
-	std::size_t Component = 0;
-	for (std::size_t ActorSlot = 0; ActorSlot < Map.Actors.size(); ++ActorSlot)
-	{
-		for (std::size_t Slot = 0; Slot < Map.Actors[ActorSlot].Components.size(); ++Slot, ++Component)
-		{
-			const std::string& Parent = Map.Actors[ActorSlot].Components[Slot].AttachParent;
-			if (Parent.empty() || Parent[0] == '/')
-			{
-				continue;
-			}
-			const auto Found = ByName.find(Parent);
-			if (Found != ByName.end())
-			{
-				Package.GetData(Exported[ActorSlot] + 1 + static_cast<std::int32_t>(Slot))
-					.Object("AttachParent", Found->second);
-			}
-		}
-	}
+	AttachWithin(Package, Map.Actors, Exported);
 	std::vector<std::int32_t> Actors;
 	for (std::size_t Slot = 0; Slot < Map.Actors.size(); ++Slot)
 	{
@@ -262,20 +269,7 @@ std::string WriteTestExternalActor(const std::string& MapPackage, const std::str
 	}
 	const std::string Short = ShortName(MapPackage);
 	const std::int32_t Level = Package.ImportPath(MapPackage + "." + Short + ":PersistentLevel", "Level");
-	const std::int32_t Index = WriteActor(Package, Level, Actor);
-	// "Actor.Component" attaches to a component of this actor.
-	for (std::size_t Slot = 0; Slot < Actor.Components.size(); ++Slot)
-	{
-		const std::string& Parent = Actor.Components[Slot].AttachParent;
-		for (std::size_t Other = 0; !Parent.empty() && Parent[0] != '/' && Other < Actor.Components.size(); ++Other)
-		{
-			if (Parent == Actor.Name + "." + Actor.Components[Other].Name)
-			{
-				Package.GetData(Index + 1 + static_cast<std::int32_t>(Slot))
-					.Object("AttachParent", Index + 1 + static_cast<std::int32_t>(Other));
-			}
-		}
-	}
+	AttachWithin(Package, {Actor}, {WriteActor(Package, Level, Actor)});
 	return Package.Build();
 }
 

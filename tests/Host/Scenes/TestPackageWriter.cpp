@@ -1,31 +1,11 @@
 // Copyright Lodex contributors.
 #include "TestPackageWriter.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace
 {
-	std::vector<std::uint32_t> Utf8ToCodePoints(const std::string& Text)
-	{
-		std::vector<std::uint32_t> Points;
-		for (std::size_t Index = 0; Index < Text.size();)
-		{
-			const unsigned char Lead = static_cast<unsigned char>(Text[Index]);
-			const std::size_t Length = Lead < 0x80 ? 1 : Lead < 0xE0 ? 2 : Lead < 0xF0 ? 3 : 4;
-			std::uint32_t Point = Length == 1 ? Lead
-				: Length == 2                 ? (Lead & 0x1F)
-				: Length == 3                 ? (Lead & 0x0F)
-											  : (Lead & 0x07);
-			for (std::size_t More = 1; More < Length && Index + More < Text.size(); ++More)
-			{
-				Point = (Point << 6) | (static_cast<unsigned char>(Text[Index + More]) & 0x3F);
-			}
-			Points.push_back(Point);
-			Index += Length;
-		}
-		return Points;
-	}
-
 	/** "Cube_2" is stored as "Cube" and 3; "Cube", "Cube_02" and "_2" as they are, with 0. */
 	void SplitNumber(const std::string& Text, std::string& OutBase, std::int32_t& OutNumber)
 	{
@@ -33,16 +13,11 @@ namespace
 		OutNumber = 0;
 		const std::size_t Underscore = Text.rfind('_');
 		if (Underscore == std::string::npos || Underscore == 0 || Underscore + 1 == Text.size() ||
-			Text.size() - Underscore > 9 || (Text[Underscore + 1] == '0' && Underscore + 2 != Text.size()))
+			Text.size() - Underscore > 9 || (Text[Underscore + 1] == '0' && Underscore + 2 != Text.size()) ||
+			!std::all_of(
+				Text.begin() + Underscore + 1, Text.end(), [](char Digit) { return Digit >= '0' && Digit <= '9'; }))
 		{
 			return;
-		}
-		for (std::size_t Index = Underscore + 1; Index < Text.size(); ++Index)
-		{
-			if (Text[Index] < '0' || Text[Index] > '9')
-			{
-				return;
-			}
 		}
 		OutBase = Text.substr(0, Underscore);
 		OutNumber = std::stoi(Text.substr(Underscore + 1)) + 1;
@@ -104,46 +79,31 @@ void FTestBytes::Raw(std::uint64_t Value, std::size_t Count)
 	}
 }
 
-void FTestBytes::PatchInt32(std::size_t Offset, std::int32_t Value)
-{
-	for (std::size_t Index = 0; Index < 4; ++Index)
-	{
-		Text[Offset + Index] = static_cast<char>((static_cast<std::uint32_t>(Value) >> (8 * Index)) & 0xFF);
-	}
-}
-
 void FTestBytes::String(const std::string& Utf8)
 {
-	if (Utf8.empty())
+	if (std::all_of(Utf8.begin(), Utf8.end(), [](char Byte) { return static_cast<unsigned char>(Byte) < 0x80; }))
 	{
-		Int32(0);
-		return;
-	}
-	const std::vector<std::uint32_t> Points = Utf8ToCodePoints(Utf8);
-	bool bAscii = true;
-	for (const std::uint32_t Point : Points)
-	{
-		bAscii = bAscii && Point < 0x80;
-	}
-	if (bAscii)
-	{
-		Int32(static_cast<std::int32_t>(Utf8.size() + 1));
-		Text += Utf8;
-		Text += '\0';
+		Int32(Utf8.empty() ? 0 : static_cast<std::int32_t>(Utf8.size() + 1));
+		Text += Utf8.empty() ? std::string() : Utf8 + '\0';
 		return;
 	}
 	std::vector<std::uint16_t> Units;
-	for (const std::uint32_t Point : Points)
+	for (std::size_t Index = 0; Index < Utf8.size();)
 	{
+		const unsigned char Lead = static_cast<unsigned char>(Utf8[Index]);
+		const std::size_t Length = Lead < 0x80 ? 1 : Lead < 0xE0 ? 2 : Lead < 0xF0 ? 3 : 4;
+		std::uint32_t Point = Length == 1 ? Lead : Lead & (0xFFu >> (Length + 1));
+		for (std::size_t More = 1; More < Length && Index + More < Utf8.size(); ++More)
+		{
+			Point = (Point << 6) | (static_cast<unsigned char>(Utf8[Index + More]) & 0x3F);
+		}
+		Index += Length;
 		if (Point >= 0x10000)
 		{
 			Units.push_back(static_cast<std::uint16_t>(0xD800 + ((Point - 0x10000) >> 10)));
-			Units.push_back(static_cast<std::uint16_t>(0xDC00 + ((Point - 0x10000) & 0x3FF)));
+			Point = 0xDC00 + ((Point - 0x10000) & 0x3FF);
 		}
-		else
-		{
-			Units.push_back(static_cast<std::uint16_t>(Point));
-		}
+		Units.push_back(static_cast<std::uint16_t>(Point));
 	}
 	Int32(-static_cast<std::int32_t>(Units.size() + 1));
 	for (const std::uint16_t Unit : Units)
@@ -239,19 +199,12 @@ FTestPackage::FData& FTestPackage::FData::Vector(const std::string& Name, double
 		{
 			for (const double Value : {X, Y, Z})
 			{
-				if (bDoubles)
-				{
-					std::uint64_t Bits = 0;
-					std::memcpy(&Bits, &Value, 8);
-					Out.Int64(static_cast<std::int64_t>(Bits));
-				}
-				else
-				{
-					const float Single = static_cast<float>(Value);
-					std::uint32_t Bits = 0;
-					std::memcpy(&Bits, &Single, 4);
-					Out.UInt32(Bits);
-				}
+				const float Single = static_cast<float>(Value);
+				std::uint64_t Double = 0;
+				std::uint32_t Float = 0;
+				std::memcpy(&Double, &Value, 8);
+				std::memcpy(&Float, &Single, 4);
+				bDoubles ? Out.Int64(static_cast<std::int64_t>(Double)) : Out.UInt32(Float);
 			}
 		}));
 	return *this;
@@ -305,15 +258,11 @@ FTestPackage::FData& FTestPackage::FData::WithoutEnd()
 
 std::int32_t FTestPackage::NameIndex(const std::string& Base)
 {
-	for (std::size_t Index = 0; Index < Names.size(); ++Index)
+	if (std::find(Names.begin(), Names.end(), Base) == Names.end())
 	{
-		if (Names[Index] == Base)
-		{
-			return static_cast<std::int32_t>(Index);
-		}
+		Names.push_back(Base);
 	}
-	Names.push_back(Base);
-	return static_cast<std::int32_t>(Names.size() - 1);
+	return static_cast<std::int32_t>(std::find(Names.begin(), Names.end(), Base) - Names.begin());
 }
 
 void FTestPackage::Name(FTestBytes& Out, const std::string& Text)
@@ -328,12 +277,11 @@ void FTestPackage::Name(FTestBytes& Out, const std::string& Text)
 std::int32_t FTestPackage::Import(
 	const std::string& ClassPackage, const std::string& ClassName, std::int32_t Outer, const std::string& Name)
 {
-	for (std::size_t Index = 0; Index < Imports.size(); ++Index)
+	const auto Found = std::find_if(Imports.begin(), Imports.end(),
+		[&](const FImport& Entry) { return Entry.Name == Name && Entry.Outer == Outer; });
+	if (Found != Imports.end())
 	{
-		if (Imports[Index].Name == Name && Imports[Index].Outer == Outer)
-		{
-			return -static_cast<std::int32_t>(Index + 1);
-		}
+		return -static_cast<std::int32_t>(Found - Imports.begin() + 1);
 	}
 	Imports.push_back(FImport{ClassPackage, ClassName, Name, Outer});
 	return -static_cast<std::int32_t>(Imports.size());
@@ -377,7 +325,7 @@ std::int32_t FTestPackage::Export(std::int32_t Class, std::int32_t Outer, const 
 	return static_cast<std::int32_t>(Exports.size());
 }
 
-void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t TotalHeader)
+void FTestPackage::WriteSummary(FTestBytes& Out, FLayout& At, std::size_t TotalHeader)
 {
 	const bool bEditorOnlyFiltered = (PackageFlags & 0x80000000u) != 0;
 	Out.UInt32(0x9E2A83C1);
@@ -412,7 +360,7 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	Out.Int32(static_cast<std::int32_t>(TotalHeader));
 	Out.String("None");
 	Out.UInt32(PackageFlags);
-	Layout.NameCountField = Out.Size();
+	At.NameCountField = Out.Size();
 	Out.Int32(static_cast<std::int32_t>(Names.size()));
 	Out.Int32(static_cast<std::int32_t>(At.NameOffset));
 	if (!bEditorOnlyFiltered && FileVersionUE4 >= 516)
@@ -421,13 +369,12 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 	}
 	if (FileVersionUE4 >= 459)
 	{
-		Out.Int32(0); // gatherable text data
-		Out.Int32(0);
+		Out.Zeros(8); // gatherable text data: count and offset
 	}
-	Layout.ExportCountField = Out.Size();
+	At.ExportCountField = Out.Size();
 	Out.Int32(static_cast<std::int32_t>(Exports.size()));
 	Out.Int32(static_cast<std::int32_t>(At.ExportOffset));
-	Layout.ImportCountField = Out.Size();
+	At.ImportCountField = Out.Size();
 	Out.Int32(static_cast<std::int32_t>(Imports.size()));
 	Out.Int32(static_cast<std::int32_t>(At.ImportOffset));
 	Out.Int32(0); // depends offset
@@ -456,18 +403,16 @@ void FTestPackage::WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t 
 		Out.UInt32(20979098);
 		Out.String(EngineBranch);
 	}
-	Layout.CompressionFlagsField = Out.Size();
+	At.CompressionFlagsField = Out.Size();
 	Out.UInt32(CompressionFlags);
 	Out.Int32(CompressedChunks);
 	Out.Zeros(static_cast<std::size_t>(CompressedChunks) * 16);
-	Out.UInt32(0); // package source
-	Out.Int32(0); // additional packages to cook
+	Out.Zeros(8); // package source, additional packages to cook
 	if (LegacyFileVersion > -7)
 	{
 		Out.Int32(0); // texture allocations
 	}
-	Out.Int32(0); // asset registry data
-	Out.Int64(0); // bulk data start
+	Out.Zeros(12); // asset registry data, bulk data start
 	Out.Zeros(FileVersionUE4 >= 224 ? 4 : 0); // world tile info
 	Out.Zeros(FileVersionUE4 >= 278 ? 4 : 0); // chunk ids (a count from 326 on, one ID before)
 	Out.Zeros(FileVersionUE4 >= 507 ? 8 : 0); // preload dependencies: count and offset
@@ -588,10 +533,6 @@ std::string FTestPackage::Build()
 	}
 	FTestBytes File;
 	WriteSummary(File, At, DataStart);
-	At.NameCountField = Layout.NameCountField;
-	At.ExportCountField = Layout.ExportCountField;
-	At.ImportCountField = Layout.ImportCountField;
-	At.CompressionFlagsField = Layout.CompressionFlagsField;
 	File.Append(Tables.Text);
 	File.Append(ExportTable.Text);
 	for (const FTestBytes& Bytes : Data)

@@ -21,7 +21,6 @@ public:
 	/** An FString: 8-bit when every character is ASCII, else UTF-16 (a negative count). */
 	void String(const std::string& Utf8);
 	void Append(const std::string& Bytes) { Text += Bytes; }
-	void PatchInt32(std::size_t Offset, std::int32_t Value);
 	std::size_t Size() const { return Text.size(); }
 
 	std::string Text;
@@ -146,7 +145,8 @@ private:
 		bool bEditorOnly = false;
 	};
 	std::int32_t NameIndex(const std::string& Base);
-	void WriteSummary(FTestBytes& Out, const FLayout& At, std::size_t TotalHeader);
+	/** Writes the summary; At receives where its count and flag fields went. */
+	void WriteSummary(FTestBytes& Out, FLayout& At, std::size_t TotalHeader);
 
 	std::vector<std::string> Names;
 	std::vector<FImport> Imports;
@@ -208,6 +208,9 @@ struct FTestActor
 FTestActor TestActor(
 	const std::string& Name, std::vector<FTestComponent> Components = {}, const std::string& Root = "");
 
+/** An actor of this class (a native class name or a Blueprint class's object path), without components. */
+FTestActor TestActorOfClass(const std::string& Name, const std::string& Class);
+
 /** A map package: a world, its persistent level and the level's Actors array, and streaming sub-levels. */
 struct FTestMap
 {
@@ -224,6 +227,10 @@ struct FTestMap
 	/** The Actors array's order as indices into Actors, when not theirs. */
 	std::vector<std::size_t> Order;
 };
+
+/** A map of this package with these actors, naming these sub-levels as streamed in at play time. */
+FTestMap TestMap(
+	const std::string& PackagePath, std::vector<FTestActor> Actors, std::vector<std::string> SubLevels = {});
 
 /**
  * A small map: actor Base (label "Base", tag "anchor") with a root component, actor Cube_2 whose mesh is attached

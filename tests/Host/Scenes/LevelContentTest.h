@@ -1,0 +1,84 @@
+// Copyright Lodex contributors.
+#pragma once
+
+#include "Scenes/LevelScene.h"
+#include "TempDir.h"
+#include "TestPackageWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+/** The object of Scene with this id; null when none has it. */
+inline const FSceneObject* FindSceneObject(const FSceneSnapshot& Scene, const std::string& Id)
+{
+	for (const FSceneObject& Object : Scene.GetObjects())
+	{
+		if (Object.Id == Id)
+		{
+			return &Object;
+		}
+	}
+	return nullptr;
+}
+
+/** A project's Content folder in a temporary folder, and the level read from it. */
+class FLevelContentTest : public ::testing::Test
+{
+protected:
+	void Write(const std::string& RelativePath, const std::string& Bytes)
+	{
+		WriteTestFile(Temp.Path + "/Content", RelativePath, Bytes);
+	}
+
+	/** Writes the map of a /Game/ package where the game keeps it. */
+	void WriteMap(const FTestMap& Map) { Write(Map.PackagePath.substr(6) + ".umap", WriteTestMap(Map)); }
+
+	std::string ContentFile(const std::string& RelativePath) const { return Temp.Path + "/Content/" + RelativePath; }
+
+	/** Reads Content/Maps/Main.umap; fails the test on an error. */
+	const FLevelScene& Read(const FLevelReadOptions& Options = FLevelReadOptions())
+	{
+		std::string Error;
+		Scene = FLevelScene();
+		EXPECT_TRUE(ReadLevelScene(ContentFile("Maps/Main.umap"), Options, Scene, Error)) << Error;
+		return Scene;
+	}
+
+	/** Writes Map and reads it. */
+	const FLevelScene& ReadMap(const FTestMap& Map, const FLevelReadOptions& Options = FLevelReadOptions())
+	{
+		WriteMap(Map);
+		return Read(Options);
+	}
+
+	std::string ReadError(const std::string& RelativePath)
+	{
+		std::string Error;
+		EXPECT_FALSE(ReadLevelScene(ContentFile(RelativePath), FLevelReadOptions(), Scene, Error));
+		return Error;
+	}
+
+	const FSceneObject& Object(const std::string& Id) const
+	{
+		const FSceneObject* Found = FindSceneObject(Scene.Scene, Id);
+		static const FSceneObject None;
+		EXPECT_NE(Found, nullptr) << "no object " << Id;
+		return Found != nullptr ? *Found : None;
+	}
+
+	/** Each object as "kind id", in the scene's order. */
+	std::vector<std::string> Listing() const
+	{
+		std::vector<std::string> Lines;
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			Lines.push_back(LodexSnapshot::GetKindName(Object.Kind) + std::string(" ") + Object.Id);
+		}
+		return Lines;
+	}
+
+	FTempDir Temp;
+	FLevelScene Scene;
+};
