@@ -1,5 +1,6 @@
 // Copyright Lodex contributors.
 #include "TestGraph.h"
+#include "TestReflection.h"
 
 #include "LodexDebugger/Core/Paths/PathCommands.h"
 
@@ -10,71 +11,47 @@
 
 namespace
 {
-	class FFakeSelection final : public ILodexActorSelection
+	TEST(PrintSelectedActorLodestrings, EveryActorLogsAndCopiesItsLodestringNullEntriesAreSkipped)
 	{
-	public:
-		std::size_t Num() const override { return Objects.size(); }
-		FLodexObject GetSelectedObject(std::size_t Index) const override { return Objects[Index]; }
-		std::vector<FLodexObject> Objects;
-	};
-
-	struct FSelectionScene
-	{
-		FTestGraph Graph;
-		FTestGraph::FNode& Parent = Graph.Actor("Parent");
-		FTestGraph::FNode& A = Graph.Actor("A", &Parent);
-		FTestGraph::FNode& B = Graph.Actor("B");
-		FFakeSelection Selection;
-		FRecordingOutput Output;
-
-		void Run(std::vector<FLodexObject> Selected, const std::string& Mode)
+		struct FRow
 		{
-			Selection.Objects = std::move(Selected);
-			PrintSelectedActorLodestrings(Graph, Selection, Output, Mode);
-		}
-	};
-
-	TEST(PrintSelectedActorLodestrings, EveryActorLogsAndEachCopyOverwritesTheLast)
-	{
-		FSelectionScene Scene;
-		Scene.Run({FTestGraph::Handle(Scene.B), FTestGraph::Handle(Scene.A)}, "Absolute");
-		EXPECT_EQ(Scene.Output.Messages(),
-			(std::vector<std::string>{
-				"Lodestring : /*[@name = 'B'] ", "Lodestring : /*[@name = 'Parent']/*[@name = 'A'] "}));
-		EXPECT_EQ(
-			Scene.Output.Copies, (std::vector<std::string>{"/*[@name = 'B']", "/*[@name = 'Parent']/*[@name = 'A']"}));
-		for (const FRecordingOutput::FLine& Line : Scene.Output.Lines)
+			std::vector<int> Selected;
+			const char* Mode;
+			std::vector<std::string> Copies;
+		};
+		// The selected actors by index: 0 for null, 1 for A (attached to Parent), 2 for B.
+		const FRow Rows[] = {
+			{{2, 1}, "Absolute", {"/*[@name = 'B']", "/*[@name = 'Parent']/*[@name = 'A']"}},
+			{{0, 1, 0}, "Relative", {"//A"}},
+			{{}, "Absolute", {}},
+			{{0}, "Absolute", {}},
+			// An empty Lodestring is still logged and copied.
+			{{1}, "Tag ", {""}},
+		};
+		for (const FRow& Row : Rows)
 		{
-			EXPECT_EQ(Line.Verbosity, ELodexLogVerbosity::Log);
+			FTestGraph Graph;
+			FTestGraph::FNode& Parent = Graph.Actor("Parent");
+			const FTestGraph::FNode* const Nodes[] = {nullptr, &Graph.Actor("A", &Parent), &Graph.Actor("B")};
+			FTestSelection Selection;
+			for (const int Index : Row.Selected)
+			{
+				Selection.Objects.push_back(FLodexObject(Nodes[Index]));
+			}
+			FRecordingOutput Output;
+			PrintSelectedActorLodestrings(Graph, Selection, Output, Row.Mode);
+			std::vector<std::string> Messages;
+			for (const std::string& Copy : Row.Copies)
+			{
+				Messages.push_back("Lodestring : " + Copy + " ");
+			}
+			EXPECT_EQ(Output.Messages(), Messages) << Row.Mode << " " << Row.Selected.size();
+			EXPECT_EQ(Output.Copies, Row.Copies) << Row.Mode << " " << Row.Selected.size();
+			for (const FRecordingOutput::FLine& Line : Output.Lines)
+			{
+				EXPECT_EQ(Line.Verbosity, ELodexLogVerbosity::Log);
+			}
 		}
-	}
-
-	TEST(PrintSelectedActorLodestrings, RelativeLogsOnlyTheActorsOwnStepAndNullEntriesAreSkipped)
-	{
-		FSelectionScene Scene;
-		Scene.Run({FLodexObject(), FTestGraph::Handle(Scene.A), FLodexObject()}, "Relative");
-		EXPECT_EQ(Scene.Output.Messages(), std::vector<std::string>{"Lodestring : //A "});
-		EXPECT_EQ(Scene.Output.Copies, std::vector<std::string>{"//A"});
-	}
-
-	TEST(PrintSelectedActorLodestrings, NothingSelectedOrOnlyNullDoesNothing)
-	{
-		for (const std::vector<FLodexObject>& Selected :
-			{std::vector<FLodexObject>{}, std::vector<FLodexObject>{FLodexObject()}})
-		{
-			FSelectionScene Scene;
-			Scene.Run(Selected, "Absolute");
-			EXPECT_TRUE(Scene.Output.Lines.empty());
-			EXPECT_TRUE(Scene.Output.Copies.empty());
-		}
-	}
-
-	TEST(PrintSelectedActorLodestrings, EmptyLodestringStillLogsAndCopies)
-	{
-		FSelectionScene Scene;
-		Scene.Run({FTestGraph::Handle(Scene.A)}, "Tag ");
-		EXPECT_EQ(Scene.Output.Messages(), std::vector<std::string>{"Lodestring :  "});
-		EXPECT_EQ(Scene.Output.Copies, std::vector<std::string>{""});
 	}
 
 	TEST(LodexLogLine, RenderedAsTheEngineLogShowsIt)
@@ -98,9 +75,6 @@ namespace
 		const FLodexCommandKeys Keys = MakeCommandKeys(Set.ContextName, *Absolute);
 		EXPECT_EQ((std::vector<std::string>{Keys.Namespace, Keys.LabelKey, Keys.TooltipKey, Keys.DotName}),
 			(std::vector<std::string>{"MenuTool", "MenuCommand2", "MenuCommand2_ToolTip", ".MenuCommand2"}));
-		const FLodexCommandKeys Module = MakeCommandKeys(LodexModuleLocNamespace, GetModuleTestCommand());
-		EXPECT_EQ((std::vector<std::string>{Module.Namespace, Module.LabelKey, Module.TooltipKey, Module.DotName}),
-			(std::vector<std::string>{"FLodexDebugger", "TestCommand", "TestCommand_ToolTip", ".TestCommand"}));
 	}
 
 	class FRecordingMenuToolHost final : public IMenuToolHost
