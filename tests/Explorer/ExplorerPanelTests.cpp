@@ -277,7 +277,7 @@ namespace
 		EXPECT_TRUE(Scene.Panel.GetSelection().SelectedProperty.IsNull());
 	}
 
-	TEST(ExplorerPanel, SeveralObjectsNoObjectOrNoSelectionSetLeaveThePanelAsItWas)
+	TEST(ExplorerPanel, SeveralObjectsOrNoneLeaveThePanelAsItWasAnObjectNeitherActorNorComponentIsLoggedAndEmptiesIt)
 	{
 		FExplorerScene Scene;
 		Scene.Select({&Scene.Door});
@@ -292,13 +292,7 @@ namespace
 		EXPECT_EQ(Scene.Panel.GetNames(EList::Methods), DoorMethods);
 		EXPECT_EQ(Scene.Panel.GetFilterText(EList::Methods), "o");
 		EXPECT_TRUE(Scene.Output.Lines.empty());
-	}
 
-	TEST(ExplorerPanel, AnObjectThatIsNeitherActorNorComponentIsLoggedAndLeavesEverythingEmpty)
-	{
-		FExplorerScene Scene;
-		Scene.Select({&Scene.Door});
-		Scene.Pick(EList::Methods, "Open");
 		Scene.Select({&Scene.Level});
 		EXPECT_EQ(Scene.Output.Messages(), std::vector<std::string>{"Unhandled thing clicked : PersistentLevel();"});
 		EXPECT_EQ(Scene.Output.Lines[0].Verbosity, ELodexLogVerbosity::Log);

@@ -118,27 +118,10 @@ namespace
 		}
 	}
 
-	TEST(PrintReference, MethodLogsPathSignatureAndSampleThenCopiesTheSampleOnce)
+	TEST(PrintReference, MethodLogsPathSignatureAndSampleAndCopiesTheSamplePropertyItsPathFromTheComponentIfAny)
 	{
 		FDoorScene Scene;
 		Scene.Print(Scene.Select(ELodexReferenceTarget::Method, nullptr, "SetSpeed"), "Absolute");
-		EXPECT_EQ(Scene.Output.Messages(),
-			(std::vector<std::string>{"Lodestring : /*[@name = 'House']/*[@name = 'Door']",
-				"Method : void SetSpeed(float NewSpeed, int32 Gear)",
-				"Sample usage: api.CallMethod(\"/*[@name = 'House']/*[@name = 'Door']\", \"SetSpeed\", new "
-				"object[]{float, int32});  //replace types with objects "}));
-		EXPECT_EQ(Scene.Output.Copies,
-			std::vector<std::string>{"api.CallMethod(\"/*[@name = 'House']/*[@name = 'Door']\", \"SetSpeed\", new "
-									 "object[]{float, int32}); "});
-		for (const FRecordingOutput::FLine& Line : Scene.Output.Lines)
-		{
-			EXPECT_EQ(Line.Verbosity, ELodexLogVerbosity::Log);
-		}
-	}
-
-	TEST(PrintReference, MethodAndPropertyOfAComponentStartFromTheComponentsPath)
-	{
-		FDoorScene Scene;
 		Scene.Print(Scene.Select(ELodexReferenceTarget::Method, &Scene.Hinge, "GetHits"), "Relative");
 		FLodexExplorerSelection Selection = Scene.Select(ELodexReferenceTarget::Property, &Scene.Hinge);
 		Selection.SelectedProperty = FTestReflection::FindProperty(Scene.DoorClass, "Tags");
@@ -146,16 +129,24 @@ namespace
 		Selection.SelectedComponent = FLodexObject();
 		Selection.SelectedProperty = FTestReflection::FindProperty(Scene.DoorClass, "");
 		Scene.Print(Selection, "Absolute");
+		const std::string SetSpeed =
+			"api.CallMethod(\"/*[@name = 'House']/*[@name = 'Door']\", \"SetSpeed\", new object[]{float, int32}); ";
+		const std::string GetHits =
+			"int32 var = api.CallMethod<int32>(\"//Door/fn:component('Hinge')\", \"GetHits\", new object[]{}); ";
+		const std::string Sample = "Sample usage: ", Comment = " //replace types with objects ";
 		EXPECT_EQ(Scene.Output.Messages(),
-			(std::vector<std::string>{"Lodestring : //Door/fn:component('Hinge')", "Method : int32 GetHits()",
-				"Sample usage: int32 var = api.CallMethod<int32>(\"//Door/fn:component('Hinge')\", \"GetHits\", new "
-				"object[]{});  //replace types with objects ",
+			(std::vector<std::string>{"Lodestring : /*[@name = 'House']/*[@name = 'Door']",
+				"Method : void SetSpeed(float NewSpeed, int32 Gear)", Sample + SetSpeed + Comment,
+				"Lodestring : //Door/fn:component('Hinge')", "Method : int32 GetHits()", Sample + GetHits + Comment,
 				"Lodestring : //Door/fn:component('Hinge')/@Tags",
 				"Lodestring : /*[@name = 'House']/*[@name = 'Door']/@None"}));
 		EXPECT_EQ(Scene.Output.Copies,
-			(std::vector<std::string>{
-				"int32 var = api.CallMethod<int32>(\"//Door/fn:component('Hinge')\", \"GetHits\", new object[]{}); ",
-				"//Door/fn:component('Hinge')/@Tags", "/*[@name = 'House']/*[@name = 'Door']/@None"}));
+			(std::vector<std::string>{SetSpeed, GetHits, "//Door/fn:component('Hinge')/@Tags",
+				"/*[@name = 'House']/*[@name = 'Door']/@None"}));
+		for (const FRecordingOutput::FLine& Line : Scene.Output.Lines)
+		{
+			EXPECT_EQ(Line.Verbosity, ELodexLogVerbosity::Log);
+		}
 	}
 
 	TEST(PrintReference, ObjectNamesTheComponentItselfAfterTheActorsPath)
