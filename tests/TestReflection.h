@@ -6,6 +6,7 @@
 #include "LodexDebugger/Core/Explorer/ExplorerPanel.h"
 #include "LodexDebugger/Core/Explorer/LodexReflection.h"
 
+#include <algorithm>
 #include <deque>
 #include <map>
 #include <string>
@@ -75,26 +76,12 @@ public:
 	/** The handle of a class's own function of that name (the first one). */
 	static FLodexFunction FindFunction(const FClass& Class, const std::string& Name)
 	{
-		for (const FFunction& Function : Class.Functions)
-		{
-			if (Function.Name == Name)
-			{
-				return FLodexFunction(&Function);
-			}
-		}
-		return FLodexFunction();
+		return FindNamed<FLodexFunction>(Class.Functions, Name);
 	}
 
 	static FLodexProperty FindProperty(const FClass& Class, const std::string& Name)
 	{
-		for (const FProperty& Property : Class.Properties)
-		{
-			if (Property.Name == Name)
-			{
-				return FLodexProperty(&Property);
-			}
-		}
-		return FLodexProperty();
+		return FindNamed<FLodexProperty>(Class.Properties, Name);
 	}
 
 	FLodexClass GetClass(FLodexObject Object) const override
@@ -106,25 +93,16 @@ public:
 	std::string GetClassName(FLodexClass Class) const override { return Get(Class).Name; }
 	void GetOwnFunctions(FLodexClass Class, std::vector<FLodexFunction>& OutFunctions) const override
 	{
-		for (const FFunction& Function : Get(Class).Functions)
-		{
-			OutFunctions.push_back(FLodexFunction(&Function));
-		}
+		AppendHandles(Get(Class).Functions, OutFunctions);
 	}
 	void GetOwnProperties(FLodexClass Class, std::vector<FLodexProperty>& OutProperties) const override
 	{
-		for (const FProperty& Property : Get(Class).Properties)
-		{
-			OutProperties.push_back(FLodexProperty(&Property));
-		}
+		AppendHandles(Get(Class).Properties, OutProperties);
 	}
 	std::string GetFunctionName(FLodexFunction Function) const override { return Get(Function).Name; }
 	void GetFunctionProperties(FLodexFunction Function, std::vector<FLodexProperty>& OutProperties) const override
 	{
-		for (const FProperty& Property : Get(Function).Properties)
-		{
-			OutProperties.push_back(FLodexProperty(&Property));
-		}
+		AppendHandles(Get(Function).Properties, OutProperties);
 	}
 	FLodexProperty GetReturnProperty(FLodexFunction Function) const override
 	{
@@ -159,6 +137,22 @@ public:
 	}
 
 private:
+	template<typename THandle, typename TItems>
+	static THandle FindNamed(const TItems& Items, const std::string& Name)
+	{
+		const auto Found =
+			std::find_if(Items.begin(), Items.end(), [&Name](const auto& Item) { return Item.Name == Name; });
+		return Found == Items.end() ? THandle() : THandle(&*Found);
+	}
+	template<typename THandle, typename TItems>
+	static void AppendHandles(const TItems& Items, std::vector<THandle>& Out)
+	{
+		for (const auto& Item : Items)
+		{
+			Out.push_back(THandle(&Item));
+		}
+	}
+
 	static const FClass& Get(FLodexClass Class) { return *static_cast<const FClass*>(Class.Ptr); }
 	static const FFunction& Get(FLodexFunction Function) { return *static_cast<const FFunction*>(Function.Ptr); }
 	static const FProperty& Get(FLodexProperty Property) { return *static_cast<const FProperty*>(Property.Ptr); }

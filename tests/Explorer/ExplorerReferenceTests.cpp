@@ -118,46 +118,35 @@ namespace
 		}
 	}
 
-	TEST(PrintReference, MethodLogsPathSignatureAndSampleThenCopiesTheSampleOnce)
+	TEST(PrintReference, MethodLogsPathSignatureAndSampleAndCopiesTheSamplePropertyItsPathFromTheComponentIfAny)
 	{
 		FDoorScene Scene;
 		Scene.Print(Scene.Select(ELodexReferenceTarget::Method, nullptr, "SetSpeed"), "Absolute");
+		Scene.Print(Scene.Select(ELodexReferenceTarget::Method, &Scene.Hinge, "GetHits"), "Relative");
+		FLodexExplorerSelection Selection = Scene.Select(ELodexReferenceTarget::Property, &Scene.Hinge);
+		Selection.SelectedProperty = FTestReflection::FindProperty(Scene.DoorClass, "Tags");
+		Scene.Print(Selection, "Relative");
+		Selection.SelectedComponent = FLodexObject();
+		Selection.SelectedProperty = FTestReflection::FindProperty(Scene.DoorClass, "");
+		Scene.Print(Selection, "Absolute");
+		const std::string SetSpeed =
+			"api.CallMethod(\"/*[@name = 'House']/*[@name = 'Door']\", \"SetSpeed\", new object[]{float, int32}); ";
+		const std::string GetHits =
+			"int32 var = api.CallMethod<int32>(\"//Door/fn:component('Hinge')\", \"GetHits\", new object[]{}); ";
+		const std::string Sample = "Sample usage: ", Comment = " //replace types with objects ";
 		EXPECT_EQ(Scene.Output.Messages(),
 			(std::vector<std::string>{"Lodestring : /*[@name = 'House']/*[@name = 'Door']",
-				"Method : void SetSpeed(float NewSpeed, int32 Gear)",
-				"Sample usage: api.CallMethod(\"/*[@name = 'House']/*[@name = 'Door']\", \"SetSpeed\", new "
-				"object[]{float, int32});  //replace types with objects "}));
+				"Method : void SetSpeed(float NewSpeed, int32 Gear)", Sample + SetSpeed + Comment,
+				"Lodestring : //Door/fn:component('Hinge')", "Method : int32 GetHits()", Sample + GetHits + Comment,
+				"Lodestring : //Door/fn:component('Hinge')/@Tags",
+				"Lodestring : /*[@name = 'House']/*[@name = 'Door']/@None"}));
 		EXPECT_EQ(Scene.Output.Copies,
-			std::vector<std::string>{"api.CallMethod(\"/*[@name = 'House']/*[@name = 'Door']\", \"SetSpeed\", new "
-									 "object[]{float, int32}); "});
+			(std::vector<std::string>{SetSpeed, GetHits, "//Door/fn:component('Hinge')/@Tags",
+				"/*[@name = 'House']/*[@name = 'Door']/@None"}));
 		for (const FRecordingOutput::FLine& Line : Scene.Output.Lines)
 		{
 			EXPECT_EQ(Line.Verbosity, ELodexLogVerbosity::Log);
 		}
-	}
-
-	TEST(PrintReference, MethodAndPropertyOfAComponentStartFromTheComponentsPath)
-	{
-		FDoorScene Scene;
-		Scene.Print(Scene.Select(ELodexReferenceTarget::Method, &Scene.Hinge, "GetHits"), "Relative");
-		EXPECT_EQ(Scene.Output.Messages(),
-			(std::vector<std::string>{"Lodestring : //Door/fn:component('Hinge')", "Method : int32 GetHits()",
-				"Sample usage: int32 var = api.CallMethod<int32>(\"//Door/fn:component('Hinge')\", \"GetHits\", new "
-				"object[]{});  //replace types with objects "}));
-
-		FDoorScene PropertyScene;
-		FLodexExplorerSelection Selection = PropertyScene.Select(ELodexReferenceTarget::Property, &PropertyScene.Hinge);
-		Selection.SelectedProperty = FTestReflection::FindProperty(PropertyScene.DoorClass, "Tags");
-		PropertyScene.Print(Selection, "Relative");
-		Selection.SelectedComponent = FLodexObject();
-		Selection.SelectedProperty = FTestReflection::FindProperty(PropertyScene.DoorClass, "");
-		PropertyScene.Print(Selection, "Absolute");
-		EXPECT_EQ(PropertyScene.Output.Messages(),
-			(std::vector<std::string>{"Lodestring : //Door/fn:component('Hinge')/@Tags",
-				"Lodestring : /*[@name = 'House']/*[@name = 'Door']/@None"}));
-		EXPECT_EQ(PropertyScene.Output.Copies,
-			(std::vector<std::string>{
-				"//Door/fn:component('Hinge')/@Tags", "/*[@name = 'House']/*[@name = 'Door']/@None"}));
 	}
 
 	TEST(PrintReference, ObjectNamesTheComponentItselfAfterTheActorsPath)
@@ -199,18 +188,12 @@ namespace
 
 	TEST(PrintReference, PathAndFunctionNameGoIntoTheSampleUnescaped)
 	{
-		FTestGraph Graph;
-		FTestReflection Reflection;
-		FTestGraph::FNode& Sign = Graph.Actor("Bob's \"Sign\"");
-		FTestReflection::FClass& Class = Reflection.Class("Sign");
-		Class.Function("Say\\\"", {{"Text", "FString", R::In}});
-		FLodexExplorerSelection Selection;
-		Selection.SelectedActor = FTestGraph::Handle(Sign);
-		Selection.SelectedFunction = FTestReflection::FindFunction(Class, "Say\\\"");
-		Selection.ReferenceTarget = static_cast<std::uint32_t>(ELodexReferenceTarget::Method);
-		FRecordingOutput Output;
-		LodexExplorer::PrintReference(Selection, Graph, Reflection, Output, "Relative");
-		EXPECT_EQ(Output.Copies,
+		FDoorScene Scene;
+		Scene.DoorClass.Function("Say\\\"", {{"Text", "FString", R::In}});
+		FLodexExplorerSelection Selection = Scene.Select(ELodexReferenceTarget::Method, nullptr, "Say\\\"");
+		Selection.SelectedActor = FTestGraph::Handle(Scene.Graph.Actor("Bob's \"Sign\""));
+		Scene.Print(Selection, "Relative");
+		EXPECT_EQ(Scene.Output.Copies,
 			std::vector<std::string>{"api.CallMethod(\"//Bob's \"Sign\"\", \"Say\\\"\", new object[]{FString}); "});
 	}
 }

@@ -1,6 +1,9 @@
 // Copyright Lodex contributors.
 #include "TestGraph.h"
+#include "TestReflection.h"
 
+#include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
+#include "LodexDebugger/Core/Paths/LodexBestCopy.h"
 #include "LodexDebugger/Core/Paths/PathCommands.h"
 
 #include <gtest/gtest.h>
@@ -10,71 +13,47 @@
 
 namespace
 {
-	class FFakeSelection final : public ILodexActorSelection
+	TEST(PrintSelectedActorLodestrings, EveryActorLogsAndCopiesItsLodestringNullEntriesAreSkipped)
 	{
-	public:
-		std::size_t Num() const override { return Objects.size(); }
-		FLodexObject GetSelectedObject(std::size_t Index) const override { return Objects[Index]; }
-		std::vector<FLodexObject> Objects;
-	};
-
-	struct FSelectionScene
-	{
-		FTestGraph Graph;
-		FTestGraph::FNode& Parent = Graph.Actor("Parent");
-		FTestGraph::FNode& A = Graph.Actor("A", &Parent);
-		FTestGraph::FNode& B = Graph.Actor("B");
-		FFakeSelection Selection;
-		FRecordingOutput Output;
-
-		void Run(std::vector<FLodexObject> Selected, const std::string& Mode)
+		struct FRow
 		{
-			Selection.Objects = std::move(Selected);
-			PrintSelectedActorLodestrings(Graph, Selection, Output, Mode);
-		}
-	};
-
-	TEST(PrintSelectedActorLodestrings, EveryActorLogsAndEachCopyOverwritesTheLast)
-	{
-		FSelectionScene Scene;
-		Scene.Run({FTestGraph::Handle(Scene.B), FTestGraph::Handle(Scene.A)}, "Absolute");
-		EXPECT_EQ(Scene.Output.Messages(),
-			(std::vector<std::string>{
-				"Lodestring : /*[@name = 'B'] ", "Lodestring : /*[@name = 'Parent']/*[@name = 'A'] "}));
-		EXPECT_EQ(
-			Scene.Output.Copies, (std::vector<std::string>{"/*[@name = 'B']", "/*[@name = 'Parent']/*[@name = 'A']"}));
-		for (const FRecordingOutput::FLine& Line : Scene.Output.Lines)
+			std::vector<int> Selected;
+			const char* Mode;
+			std::vector<std::string> Copies;
+		};
+		// The selected actors by index: 0 for null, 1 for A (attached to Parent), 2 for B.
+		const FRow Rows[] = {
+			{{2, 1}, "Absolute", {"/*[@name = 'B']", "/*[@name = 'Parent']/*[@name = 'A']"}},
+			{{0, 1, 0}, "Relative", {"//A"}},
+			{{}, "Absolute", {}},
+			{{0}, "Absolute", {}},
+			// An empty Lodestring is still logged and copied.
+			{{1}, "Tag ", {""}},
+		};
+		for (const FRow& Row : Rows)
 		{
-			EXPECT_EQ(Line.Verbosity, ELodexLogVerbosity::Log);
+			FTestGraph Graph;
+			FTestGraph::FNode& Parent = Graph.Actor("Parent");
+			const FTestGraph::FNode* const Nodes[] = {nullptr, &Graph.Actor("A", &Parent), &Graph.Actor("B")};
+			FTestSelection Selection;
+			for (const int Index : Row.Selected)
+			{
+				Selection.Objects.push_back(FLodexObject(Nodes[Index]));
+			}
+			FRecordingOutput Output;
+			PrintSelectedActorLodestrings(Graph, Selection, Output, Row.Mode);
+			std::vector<std::string> Messages;
+			for (const std::string& Copy : Row.Copies)
+			{
+				Messages.push_back("Lodestring : " + Copy + " ");
+			}
+			EXPECT_EQ(Output.Messages(), Messages) << Row.Mode << " " << Row.Selected.size();
+			EXPECT_EQ(Output.Copies, Row.Copies) << Row.Mode << " " << Row.Selected.size();
+			for (const FRecordingOutput::FLine& Line : Output.Lines)
+			{
+				EXPECT_EQ(Line.Verbosity, ELodexLogVerbosity::Log);
+			}
 		}
-	}
-
-	TEST(PrintSelectedActorLodestrings, RelativeLogsOnlyTheActorsOwnStepAndNullEntriesAreSkipped)
-	{
-		FSelectionScene Scene;
-		Scene.Run({FLodexObject(), FTestGraph::Handle(Scene.A), FLodexObject()}, "Relative");
-		EXPECT_EQ(Scene.Output.Messages(), std::vector<std::string>{"Lodestring : //A "});
-		EXPECT_EQ(Scene.Output.Copies, std::vector<std::string>{"//A"});
-	}
-
-	TEST(PrintSelectedActorLodestrings, NothingSelectedOrOnlyNullDoesNothing)
-	{
-		for (const std::vector<FLodexObject>& Selected :
-			{std::vector<FLodexObject>{}, std::vector<FLodexObject>{FLodexObject()}})
-		{
-			FSelectionScene Scene;
-			Scene.Run(Selected, "Absolute");
-			EXPECT_TRUE(Scene.Output.Lines.empty());
-			EXPECT_TRUE(Scene.Output.Copies.empty());
-		}
-	}
-
-	TEST(PrintSelectedActorLodestrings, EmptyLodestringStillLogsAndCopies)
-	{
-		FSelectionScene Scene;
-		Scene.Run({FTestGraph::Handle(Scene.A)}, "Tag ");
-		EXPECT_EQ(Scene.Output.Messages(), std::vector<std::string>{"Lodestring :  "});
-		EXPECT_EQ(Scene.Output.Copies, std::vector<std::string>{""});
 	}
 
 	TEST(LodexLogLine, RenderedAsTheEngineLogShowsIt)
@@ -98,9 +77,6 @@ namespace
 		const FLodexCommandKeys Keys = MakeCommandKeys(Set.ContextName, *Absolute);
 		EXPECT_EQ((std::vector<std::string>{Keys.Namespace, Keys.LabelKey, Keys.TooltipKey, Keys.DotName}),
 			(std::vector<std::string>{"MenuTool", "MenuCommand2", "MenuCommand2_ToolTip", ".MenuCommand2"}));
-		const FLodexCommandKeys Module = MakeCommandKeys(LodexModuleLocNamespace, GetModuleTestCommand());
-		EXPECT_EQ((std::vector<std::string>{Module.Namespace, Module.LabelKey, Module.TooltipKey, Module.DotName}),
-			(std::vector<std::string>{"FLodexDebugger", "TestCommand", "TestCommand_ToolTip", ".TestCommand"}));
 	}
 
 	class FRecordingMenuToolHost final : public IMenuToolHost
@@ -150,5 +126,55 @@ namespace
 				"RemoveViewportContextMenuExtender ActorType",
 				"UnregisterCommandSet MenuTool",
 			}));
+	}
+
+	TEST(BestCopy, LogsEachSelectedActorsBestLodestringWithItsCountAndCopiesThemAllOneALine)
+	{
+		FListedTestGraph Scene;
+		FTestGraph::FNode& House = Scene.Listed(Scene.Actor("House", nullptr, {"bldg"}));
+		FTestGraph::FNode& Door = Scene.Listed(Scene.Actor("Door", &House));
+		Scene.Listed(Scene.Add(FTestGraph::EKind::Component, "Hinge", &Door));
+		// Two untagged cubes at the root: nothing tells them apart.
+		FTestGraph::FNode& Cube = Scene.Listed(Scene.Actor("Cube"));
+		Scene.Listed(Scene.Actor("Cube"));
+		// An actor of another level, which the scene does not hold.
+		FTestGraph::FNode& Elsewhere = Scene.Actor("Elsewhere");
+		const FLodexSceneIndex Index(Scene, Scene);
+
+		const FTestSelection Selection{&Door, nullptr, &Cube, &Elsewhere};
+		FRecordingOutput Output;
+		const std::vector<std::string> Copied = PrintSelectedBestLodestrings(Index, Selection, Output);
+
+		ASSERT_EQ(Copied.size(), 2u);
+		const std::string& DoorBest = Copied[0];
+		const std::string& CubeBest = Copied[1];
+		// What is copied finds what it says it finds.
+		EXPECT_EQ(EvaluateLodestring(Index, DoorBest).Matches.size(), 1u) << DoorBest;
+		EXPECT_EQ(EvaluateLodestring(Index, CubeBest).Matches.size(), 2u) << CubeBest;
+
+		EXPECT_EQ(Output.Messages(),
+			(std::vector<std::string>{"Best Lodestring : " + DoorBest + " (matches 1 object)",
+				"Best Lodestring : " + CubeBest + " (matches 2 objects): no Lodestring tells them apart",
+				"Best Lodestring : Elsewhere is not in the level: no Lodestring finds it"}));
+		ASSERT_EQ(Output.Lines.size(), 3u);
+		EXPECT_EQ(Output.Lines[1].Verbosity, ELodexLogVerbosity::Log);
+		EXPECT_EQ(Output.Lines[2].Verbosity, ELodexLogVerbosity::Warning);
+		// One copy, every Lodestring on a line of its own, so that the clipboard holds them all.
+		EXPECT_EQ(Output.Copies, std::vector<std::string>{DoorBest + "\r\n" + CubeBest});
+	}
+
+	TEST(BestCopy, AnEmptySelectionOrOneOfNothingButStrangersCopiesNothing)
+	{
+		FListedTestGraph Scene;
+		Scene.Listed(Scene.Actor("Lamp"));
+		FTestGraph::FNode& Elsewhere = Scene.Actor("Elsewhere");
+		const FLodexSceneIndex Index(Scene, Scene);
+
+		FRecordingOutput Output;
+		EXPECT_TRUE(PrintSelectedBestLodestrings(Index, FTestSelection{}, Output).empty());
+		EXPECT_TRUE(Output.Lines.empty());
+		EXPECT_TRUE(PrintSelectedBestLodestrings(Index, FTestSelection{&Elsewhere}, Output).empty());
+		EXPECT_EQ(Output.Lines.size(), 1u);
+		EXPECT_TRUE(Output.Copies.empty()) << "the clipboard keeps what it held";
 	}
 }

@@ -1,5 +1,4 @@
 // Copyright Lodex contributors.
-#include "LodexDebugger/Core/Shell/LodexExamplePanel.h"
 #include "LodexDebugger/Core/Shell/LodexMenuModel.h"
 #include "LodexDebugger/Core/Shell/LodexShell.h"
 
@@ -19,24 +18,20 @@ namespace
 
 	using FCallLog = std::vector<std::string>;
 
-	/** A tab tool recording its calls in the shared list; its Initialize sets the fields it was given. */
+	/** A tab tool recording its calls in the shared list. */
 	class FRecordingTabTool final : public ILodexTabTool
 	{
 	public:
 		FRecordingTabTool(FCallLog& InCalls, FLodexTabSpawnerRegistry& InSpawners, FLodexMenuExtender& InExtender,
-			FLodexTabFields InInitialFields)
+			FLodexTabFields InFields)
 			: Calls(InCalls)
 			, Spawners(InSpawners)
 			, Extender(InExtender)
-			, InitialFields(std::move(InInitialFields))
+			, Fields(std::move(InFields))
 		{
 		}
 
-		void Initialize() override
-		{
-			Calls.push_back("Initialize " + InitialFields.TabName);
-			Fields = InitialFields;
-		}
+		void Initialize() override { Calls.push_back("Initialize " + Fields.TabName); }
 		void RegisterNomadTabSpawner(const char* Group) override
 		{
 			Calls.push_back("RegisterNomadTabSpawner " + Fields.TabName + " in " + Group);
@@ -57,7 +52,6 @@ namespace
 		FCallLog& Calls;
 		FLodexTabSpawnerRegistry& Spawners;
 		FLodexMenuExtender& Extender;
-		FLodexTabFields InitialFields;
 		FLodexTabFields Fields;
 	};
 
@@ -170,8 +164,7 @@ namespace
 	TEST(LodexShell, StartupRunsEveryStepInOrderThroughTheModulesAddModuleListeners)
 	{
 		FRecordingShellHost Host;
-		FLodexShell& Shell = Host.Shell;
-		Shell.StartupModule(Host);
+		Host.Shell.StartupModule(Host);
 		EXPECT_EQ(Host.TakeCalls(),
 			(FLines{"IsRunningCommandlet", "LoadModule LevelEditor", "CreateMenuExtender", "CreateMenuBarCommandList",
 				"AddMenuBarExtension after Window: VELT Lode String Debugger (Open the Lode String Debugger menu) hook "
@@ -189,10 +182,9 @@ namespace
 		// A module whose AddModuleListeners adds nothing has nothing started.
 		FRecordingShellHost Bare;
 		Bare.bModuleAddsListeners = false;
-		FLodexShell& BareShell = Bare.Shell;
-		BareShell.StartupModule(Bare);
+		Bare.Shell.StartupModule(Bare);
 		EXPECT_EQ(Bare.TakeCalls().back(), "AddModuleListeners");
-		EXPECT_TRUE(BareShell.GetModuleListeners().empty());
+		EXPECT_TRUE(Bare.Shell.GetModuleListeners().empty());
 	}
 
 	TEST(LodexShell, ShutdownStopsTheListenersInOrderThenTakesBackEverythingTheEditorHolds)
@@ -227,26 +219,7 @@ namespace
 			(FLines{"IsModuleLoaded LevelEditor", "ReleaseMenuExtender", "DestroyListeners"}));
 	}
 
-	TEST(LodexTabToolBase, RegistersItsSpawnerFromTheFieldsInitializeSetsWhateverTheyAre)
-	{
-		FCallLog Calls;
-		FLodexTabSpawnerRegistry Spawners;
-		FLodexMenuExtender Extender;
-		FRecordingTabTool Tool(Calls, Spawners, Extender, {"NotesTool", "Notes", "Take notes ✎"});
-		StartLodexTabToolBase(Tool);
-		ASSERT_EQ(Spawners.GetSpawners().size(), 1u);
-		const FLodexTabSpawnerEntry& Entry = Spawners.GetSpawners().front();
-		EXPECT_EQ(FLines({Entry.TabName, Entry.DisplayName, Entry.ToolTip, Entry.GroupName}),
-			FLines({"NotesTool", "Notes", "Take notes ✎", "Menu Root"}));
-		EXPECT_TRUE(Extender.GetExtensions().empty()) << "the base adds no pull-down entry";
-		StopLodexTabTool(Tool);
-		EXPECT_TRUE(Spawners.GetSpawners().empty());
-		EXPECT_EQ(Calls,
-			(FCallLog{"Initialize NotesTool", "RegisterNomadTabSpawner NotesTool in Menu Root",
-				"UnregisterNomadTabSpawner NotesTool"}));
-	}
-
-	TEST(LodexShell, ShutdownFetchesPropertyEditorAndRemovesTheSettingsSectionOnlyWhenLoaded)
+	TEST(LodexShell, UnderACommandletAddsNothingAndShutdownRemovesTheSettingsSectionOnlyWhenLoaded)
 	{
 		const std::string PropertyEditor = "IsModuleLoaded PropertyEditor";
 		const std::string Settings = "IsModuleLoaded Settings";
@@ -257,25 +230,16 @@ namespace
 		};
 		for (const auto& [Loaded, Expected] : Rows)
 		{
-			// A shell that never started: no listeners to stop, so only the module steps show.
+			// Under a commandlet no menu, listener or spawner is added, so only the module steps show.
 			FRecordingShellHost Host;
+			Host.bCommandlet = true;
 			Host.Loaded = Loaded;
-			FLodexShell().ShutdownModule(Host, Host);
+			Host.Shell.StartupModule(Host);
+			EXPECT_EQ(Host.TakeCalls(), (FLines{"IsRunningCommandlet"}));
+			EXPECT_TRUE(Host.Shell.GetModuleListeners().empty());
+			Host.Shell.ShutdownModule(Host, Host);
 			EXPECT_EQ(Host.TakeCalls(), Expected);
 		}
-	}
-
-	TEST(LodexShell, UnderACommandletAddsNoMenuNoListenerNoSpawnerAndShutdownStillLogs)
-	{
-		FRecordingShellHost Host;
-		Host.bCommandlet = true;
-		FLodexShell& Shell = Host.Shell;
-		Shell.StartupModule(Host);
-		EXPECT_EQ(Host.TakeCalls(), (FLines{"IsRunningCommandlet"}));
-		EXPECT_TRUE(Shell.GetModuleListeners().empty());
-		Shell.ShutdownModule(Host, Host);
-		EXPECT_EQ(
-			Host.TakeCalls(), (FLines{ShutdownLogged, "IsModuleLoaded PropertyEditor", "IsModuleLoaded Settings"}));
 	}
 
 	TEST(LodexPullDown, ShowsEachToolBeforeItsSeparatorWhateverTheStartOrder)
@@ -345,13 +309,17 @@ namespace
 			(FLines{Head, "entry Bee -> B", A, S1, S2, S3, S4}));
 	}
 
-	TEST(LodexExamplePanel, HoldsItsFixedTree)
+	TEST(LodexTabs, AreFoundByTheirExactNameCaseIncluded)
 	{
-		const FLodexExamplePanelInfo& Panel = GetLodexExamplePanel();
-		const FLodexStyleColor& Grey = Panel.BorderColor;
-		EXPECT_EQ((std::vector<float>{Panel.ScrollSlotPadding, Grey.R, Grey.G, Grey.B, Grey.A, Panel.BorderPadding}),
-			(std::vector<float>{5.0f, 192.0f, 192.0f, 192.0f, 255.0f, 15.0f}));
-		EXPECT_EQ(Grey.Kind, ELodexColorKind::Color8);
-		EXPECT_STREQ(Panel.Text, "This is a tab example.");
+		for (const FLodexTabInfo& Tab : GetLodexTabs())
+		{
+			EXPECT_EQ(FindLodexTab(Tab.TabName), &Tab) << Tab.TabName;
+		}
+		// Near misses: another case, a prefix, a longer name, blanks, the listener without a tab, a panel's name.
+		for (const char* Name : {"tabtool", "TABTOOL", "Tabtool", "recorderTool", "TabToo", "TabTool ", " TabTool",
+				 "TabToolPanel", "ReplTools", "", "MenuTool", "Lodestring Debugger"})
+		{
+			EXPECT_EQ(FindLodexTab(Name), nullptr) << '"' << Name << '"';
+		}
 	}
 }
