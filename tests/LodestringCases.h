@@ -91,9 +91,6 @@ namespace LodestringCases
 		// Modes are exact: anything else gives component steps only.
 		{"comp", "Tag ", "/fn:component('Comp')"},
 		{"comp", "relative", "/fn:component('Comp')"},
-		{"comp", "ABSOLUTE", "/fn:component('Comp')"},
-		{"a", "Tag ", ""},
-		{"a", "relative", ""},
 		{"a", "", ""},
 		// Objects that are no node and lie in a level or a package.
 		{"fog", "Absolute", ""},

@@ -4,6 +4,7 @@
 
 #include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
+#include "LodexDebugger/Core/Lodestring/LodestringProgram.h"
 #include "LodexDebugger/Core/Lodestring/LodexSceneIndex.h"
 
 #include <gtest/gtest.h>
@@ -15,37 +16,28 @@
 
 namespace
 {
-	/** The names of a Lodestring's steps with a generated instance suffix (names and tags of plain steps only). */
+	/** The names a Lodestring's standard reading tests (steps, components, @name) that end in a generated number. */
 	std::size_t CountGeneratedNames(const std::string& Lodestring)
 	{
+		FLodestringProgram Program;
+		FLodexPathError Error;
+		EXPECT_TRUE(CompileLodestring(Lodestring, Program, Error)) << Lodestring << ": " << Error.Message;
+		const std::vector<FLodexPredicateEdge> NoEdges;
 		std::size_t Count = 0;
-		std::size_t Start = 0;
-		while (Start < Lodestring.size())
+		for (const FLodexStepOp& Op : Program.GetOps())
 		{
-			while (Start < Lodestring.size() && Lodestring[Start] == '/')
+			if (Op.StandardStep == 0)
 			{
-				++Start;
+				continue;
 			}
-			std::size_t End = Start;
-			if (Lodestring.compare(Start, 14, "fn:component('") == 0)
+			Count += !Op.bAnyName && HasGeneratedInstanceSuffix(Op.Name) ? 1 : 0;
+			for (const FLodexPredicateEdge& Edge : Op.Predicate != nullptr ? Op.Predicate->Edges : NoEdges)
 			{
-				const std::size_t Close = Lodestring.find("')", Start + 14);
-				Count += HasGeneratedInstanceSuffix(Lodestring.substr(Start + 14, Close - Start - 14)) ? 1 : 0;
-				End = Close + 2;
+				Count += Edge.bStandard && Edge.Kind == ELodexPredicateEdgeKind::Comparison &&
+						Edge.Attribute == ELodexAttribute::Name && HasGeneratedInstanceSuffix(Edge.Value)
+					? 1
+					: 0;
 			}
-			else if (Lodestring.compare(Start, 11, "*[@name = '") == 0)
-			{
-				const std::size_t Close = Lodestring.find("']", Start + 11);
-				Count += HasGeneratedInstanceSuffix(Lodestring.substr(Start + 11, Close - Start - 11)) ? 1 : 0;
-				End = Close + 2;
-			}
-			else
-			{
-				End = std::min(Lodestring.find('/', Start), Lodestring.size());
-				const std::string Step = Lodestring.substr(Start, End - Start);
-				Count += Step.rfind("*[", 0) != 0 && HasGeneratedInstanceSuffix(Step) ? 1 : 0;
-			}
-			Start = End;
 		}
 		return Count;
 	}
@@ -120,73 +112,57 @@ namespace
 	 * (`Shelf_C_4`, `Crate_3`), engine component names (`StaticMeshComponent0`), now and then a component holding
 	 * another. Small numbers, so that names repeat.
 	 */
-	class FWarehouseScene final
-		: public FTestGraph
-		, public ILodexSceneObjects
+	void MakeWarehouse(FListedTestGraph& Level, unsigned Seed)
 	{
-	public:
-		explicit FWarehouseScene(unsigned Seed)
-			: Random(Seed)
+		using EKind = FTestGraph::EKind;
+		std::mt19937 Random(Seed);
+		const auto Pick = [&Random](int Low, int High)
 		{
-			static const char* const Places[] = {"Warehouse", "Yard", "Office", "Dock", "Warehouse"};
-			static const char* const Kinds[] = {"Shelf_C", "Crate", "Pallet_C", "Rack", "Bin"};
-			static const char* const Components[] = {
-				"StaticMeshComponent0", "SceneComponent0", "Light_1", "Collision", "StaticMeshComponent0"};
-			for (int Place = Pick(1, 5); Place > 0; --Place)
+			return std::uniform_int_distribution<int>(Low, High)(Random);
+		};
+		const auto Chance = [&Random](double Probability)
+		{
+			return std::bernoulli_distribution(Probability)(Random);
+		};
+		static const char* const Places[] = {"Warehouse", "Yard", "Office", "Dock", "Warehouse"};
+		static const char* const Kinds[] = {"Shelf_C", "Crate", "Pallet_C", "Rack", "Bin"};
+		static const char* const Components[] = {
+			"StaticMeshComponent0", "SceneComponent0", "Light_1", "Collision", "StaticMeshComponent0"};
+		for (int Place = Pick(1, 5); Place > 0; --Place)
+		{
+			FTestGraph::FNode& Root = Level.Listed(Level.Actor(Places[Pick(0, 4)]));
+			if (Chance(0.3))
 			{
-				FNode& Root = List(Actor(Places[Pick(0, 4)]));
-				if (Chance(0.3))
+				Root.Tags.push_back(Chance(0.5) ? "north" : "south");
+			}
+			std::vector<FTestGraph::FNode*> Holders{&Root};
+			for (int Count = Pick(1, 9); Count > 0; --Count)
+			{
+				FTestGraph::FNode* Parent =
+					Holders[static_cast<std::size_t>(Pick(0, static_cast<int>(Holders.size()) - 1))];
+				const char* Kind = Kinds[Pick(0, 4)];
+				std::string Name = Kind;
+				if (Chance(0.8))
 				{
-					Root.Tags.push_back(Chance(0.5) ? "north" : "south");
+					Name += "_" + std::to_string(Pick(0, 4));
 				}
-				std::vector<FNode*> Holders{&Root};
-				for (int Count = Pick(1, 9); Count > 0; --Count)
+				FTestGraph::FNode& Made = Level.Listed(Level.Actor(Name, Parent));
+				if (Chance(0.15))
 				{
-					FNode* Parent = Holders[static_cast<std::size_t>(Pick(0, static_cast<int>(Holders.size()) - 1))];
-					const char* Kind = Kinds[Pick(0, 4)];
-					std::string Name = Kind;
-					if (Chance(0.8))
+					Made.Tags.push_back("t" + std::to_string(Pick(0, 9)));
+				}
+				Holders.push_back(&Made);
+				for (int Component = Pick(0, 2); Component > 0; --Component)
+				{
+					FTestGraph::FNode& Held = Level.Listed(Level.Add(EKind::Component, Components[Pick(0, 4)], &Made));
+					if (Chance(0.2))
 					{
-						Name += "_" + std::to_string(Pick(0, 4));
-					}
-					FNode& Made = List(Actor(Name, Parent));
-					if (Chance(0.15))
-					{
-						Made.Tags.push_back("t" + std::to_string(Pick(0, 9)));
-					}
-					Holders.push_back(&Made);
-					for (int Component = Pick(0, 2); Component > 0; --Component)
-					{
-						FNode& Held = List(Add(EKind::Component, Components[Pick(0, 4)], &Made));
-						if (Chance(0.2))
-						{
-							List(Add(EKind::Component, Components[Pick(0, 4)], &Held));
-						}
+						Level.Listed(Level.Add(EKind::Component, Components[Pick(0, 4)], &Held));
 					}
 				}
 			}
 		}
-
-		void GetAllObjects(std::vector<FLodexObject>& OutObjects) const override
-		{
-			for (const FNode* Node : Listed)
-			{
-				OutObjects.push_back(Handle(*Node));
-			}
-		}
-
-	private:
-		FNode& List(FNode& Node)
-		{
-			Listed.push_back(&Node);
-			return Node;
-		}
-		int Pick(int Low, int High) { return std::uniform_int_distribution<int>(Low, High)(Random); }
-		bool Chance(double Probability) { return std::bernoulli_distribution(Probability)(Random); }
-
-		std::mt19937 Random;
-		std::vector<FNode*> Listed;
-	};
+	}
 
 	/**
 	 * The anchored locators of an object, made here from the tree alone: for each of the nearest eight node
@@ -272,7 +248,8 @@ namespace
 		std::size_t StableComponents = 0;
 		for (unsigned Seed = 1; Seed <= 600; ++Seed)
 		{
-			const FWarehouseScene Scene(Seed);
+			FListedTestGraph Scene;
+			MakeWarehouse(Scene, Seed);
 			const FLodexSceneIndex Index(Scene, Scene);
 			const FLodexBestLocatorFinder Finder(Index);
 			for (std::uint32_t Object = 0; Object < Index.Num(); ++Object)

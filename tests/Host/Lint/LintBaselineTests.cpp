@@ -17,8 +17,6 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-
 #include <cstdlib>
 #include <random>
 #include <string>
@@ -166,30 +164,24 @@ namespace
 	{
 		const FLodexRun Run = RunLodex(Args({"--format", "sarif", Dir.Path + "/Tests.cs"}));
 		EXPECT_EQ(Run.Exit, 1) << Run.Err;
+		// Each break an error; a raw literal takes no fix in the log (--fix still rewrites it), the removed lamp has
+		// no repair. The rule is on the driver's list with every other (LintFormats).
+		std::vector<std::string> Broken;
 		const nlohmann::json Log = nlohmann::json::parse(Run.Out);
-		const nlohmann::json& SarifRun = Log["runs"][0];
-		const nlohmann::json& Rules = SarifRun["tool"]["driver"]["rules"];
-		EXPECT_TRUE(std::any_of(
-			Rules.begin(), Rules.end(), [](const nlohmann::json& Rule) { return Rule["id"] == "broken-by-change"; }));
-		std::vector<std::string> Fixed;
-		std::size_t Broken = 0;
-		for (const nlohmann::json& Result : SarifRun["results"])
+		for (const nlohmann::json& Result : Log["runs"][0]["results"])
 		{
-			if (Result["ruleId"] != "broken-by-change")
+			if (Result["ruleId"] == "broken-by-change")
 			{
-				continue;
-			}
-			++Broken;
-			EXPECT_EQ(Result["level"], "error");
-			if (Result.contains("fixes"))
-			{
-				const nlohmann::json& Replacement = Result["fixes"][0]["artifactChanges"][0]["replacements"][0];
-				Fixed.push_back(Replacement["insertedContent"]["text"].get<std::string>());
+				Broken.push_back(Result["level"].get<std::string>() +
+					(Result.contains("fixes") ? " " +
+								Result["fixes"][0]["artifactChanges"][0]["replacements"][0]["insertedContent"]["text"]
+									.get<std::string>()
+											  : ""));
 			}
 		}
-		EXPECT_EQ(Broken, 5u);
-		// A raw literal takes no fix in the log (--fix still rewrites it); the removed lamp has no repair.
-		EXPECT_EQ(Fixed, (std::vector<std::string>{"/Door_3", "//FrontDoor", "/Crate_1"})) << Run.Out;
+		EXPECT_EQ(Broken,
+			(std::vector<std::string>{"error /Door_3", "error //FrontDoor", "error", "error /Crate_1", "error"}))
+			<< Run.Out;
 	}
 
 	TEST(LintBaselineCandidates, TwoCloseCandidatesAreListedForAPersonNotRepaired)
