@@ -55,8 +55,6 @@ namespace
 			{8, "7", false, false, Error, 0, "7", 0, 0},
 			{9, "broken", false, true, Error, 1, "0", 0, 0},
 			{4, "5", false, true, Error, 0, "0", 4, 1},
-			{10, "5", false, true, Error, 0, "0", 10, 1},
-			{-1, "5", false, true, Error, 0, "0", -1, 1},
 		};
 		for (const FRow& Row : Rows)
 		{

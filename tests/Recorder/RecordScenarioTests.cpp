@@ -13,19 +13,17 @@ namespace
 	{
 		const char* Log;
 		const char* Golden;
-		bool bWithScene;
 	};
 
 	/** Small input logs and the scripts they give, line by line (each traced by hand from the rules). */
 	const FScenario Scenarios[] = {
-		// The sample session of `lodex demo`: every desktop gesture, both duration forms, the buttons.
-		{"samples/session.jsonl", "tests/fixtures/recorder/session.txt", true},
-		// Its buttons need no scene: the log carries their Lode Strings.
-		{"samples/session.jsonl", "tests/fixtures/recorder/session.txt", false},
+		// The sample session of `lodex demo`: every desktop gesture, both duration forms, the buttons, with no scene:
+		// the log carries their Lode Strings.
+		{"samples/session.jsonl", "tests/fixtures/recorder/session.txt"},
 		// VR mode: the device once, the poses that moved, key presses at once, back to the desktop.
-		{"tests/fixtures/recorder/vr.jsonl", "tests/fixtures/recorder/vr.txt", false},
+		{"tests/fixtures/recorder/vr.jsonl", "tests/fixtures/recorder/vr.txt"},
 		// The play session ends before Stop: Stop still writes what was waiting; the Escape that ended it is not.
-		{"tests/fixtures/recorder/play-ends.jsonl", "tests/fixtures/recorder/play-ends.txt", false},
+		{"tests/fixtures/recorder/play-ends.jsonl", "tests/fixtures/recorder/play-ends.txt"},
 	};
 
 	std::string ReadSourceFile(const std::string& Relative)
@@ -35,21 +33,17 @@ namespace
 
 	TEST(RecordScenario, EachLogGivesItsGoldenScript)
 	{
-		FSceneSnapshot Scene;
-		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::LoadFile(std::string(LODEX_SOURCE_DIR) + "/samples/level.json", Scene, Error))
-			<< Error;
 		for (const FScenario& Scenario : Scenarios)
 		{
-			FInputLogReplayOptions Options;
-			Options.Scene = Scenario.bWithScene ? &Scene : nullptr;
 			FInputLogReplay Replay;
-			ASSERT_TRUE(ReplayInputLog(ReadSourceFile(Scenario.Log), Scenario.Log, Options, Replay, Error)) << Error;
+			std::string Error;
+			ASSERT_TRUE(
+				ReplayInputLog(ReadSourceFile(Scenario.Log), Scenario.Log, FInputLogReplayOptions(), Replay, Error))
+				<< Error;
 			const std::vector<std::string> Golden =
 				LodexText::SplitDroppingEmpty(ReadSourceFile(Scenario.Golden), "\n");
 			ASSERT_FALSE(Golden.empty()) << Scenario.Golden;
-			EXPECT_EQ(Replay.Script, LodexText::Join(Golden, "\r\n"))
-				<< Scenario.Log << (Scenario.bWithScene ? " with the scene" : " without a scene");
+			EXPECT_EQ(Replay.Script, LodexText::Join(Golden, "\r\n")) << Scenario.Log;
 		}
 	}
 

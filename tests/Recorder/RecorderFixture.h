@@ -86,40 +86,33 @@ protected:
 		return Input;
 	}
 
-	void KeyDown(std::uint32_t Frame, const char* Name)
+	/** Hands Input to the recorder's Handler at Frame. */
+	template<typename TInput>
+	void Send(std::uint32_t Frame, bool (FLodexInputRecorder::*Handler)(const TInput&), const TInput& Input)
 	{
 		At(Frame);
-		Recorder().HandleKeyDown(Key(Name));
+		(Recorder().*Handler)(Input);
 	}
-	void KeyUp(std::uint32_t Frame, const char* Name)
-	{
-		At(Frame);
-		Recorder().HandleKeyUp(Key(Name));
-	}
-	void Analog(std::uint32_t Frame, const char* Name)
-	{
-		At(Frame);
-		Recorder().HandleAnalogInput(Key(Name, 0.5f));
-	}
+
+	using FRecorder = FLodexInputRecorder;
+	void KeyDown(std::uint32_t Frame, const char* Name) { Send(Frame, &FRecorder::HandleKeyDown, Key(Name)); }
+	void KeyUp(std::uint32_t Frame, const char* Name) { Send(Frame, &FRecorder::HandleKeyUp, Key(Name)); }
+	void Analog(std::uint32_t Frame, const char* Name) { Send(Frame, &FRecorder::HandleAnalogInput, Key(Name, 0.5f)); }
 	void Move(std::uint32_t Frame, double X, double Y, const char* Button = "")
 	{
-		At(Frame);
-		Recorder().HandleMouseMove(Pointer(X, Y, Button));
+		Send(Frame, &FRecorder::HandleMouseMove, Pointer(X, Y, Button));
 	}
 	void Down(std::uint32_t Frame, double X, double Y, const char* Button = "LeftMouseButton")
 	{
-		At(Frame);
-		Recorder().HandleMouseButtonDown(Pointer(X, Y, Button));
+		Send(Frame, &FRecorder::HandleMouseButtonDown, Pointer(X, Y, Button));
 	}
 	void Up(std::uint32_t Frame, double X, double Y, const char* Button = "LeftMouseButton")
 	{
-		At(Frame);
-		Recorder().HandleMouseButtonUp(Pointer(X, Y, Button));
+		Send(Frame, &FRecorder::HandleMouseButtonUp, Pointer(X, Y, Button));
 	}
 	void DoubleClick(std::uint32_t Frame, double X, double Y, const char* Button = "LeftMouseButton")
 	{
-		At(Frame);
-		Recorder().HandleMouseButtonDoubleClick(Pointer(X, Y, Button));
+		Send(Frame, &FRecorder::HandleMouseButtonDoubleClick, Pointer(X, Y, Button));
 	}
 	void Click(std::uint32_t Frame, double X, double Y, std::uint32_t Frames = 6)
 	{

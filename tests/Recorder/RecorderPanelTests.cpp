@@ -128,13 +128,6 @@ namespace
 	{
 		EXPECT_EQ(FLodexRecorderPanel::GetPathModes(), (FLines{"Relative", "Absolute"}));
 		EXPECT_EQ(Panel.GetPathMode(), "Relative") << "the combo box starts on its first entry";
-		std::vector<std::string> Labels;
-		for (const FLodexQuickInsertInfo& Info : FLodexRecorderPanel::GetQuickInserts())
-		{
-			Labels.push_back(Info.Label);
-		}
-		EXPECT_EQ(
-			Labels, (FLines{"LoadScene", "ClickObject", "GetObjectPosition", "SetObjectPosition", "WaitForObject"}));
 
 		Host.SetLevelPath("/Game/Maps/Village");
 		Select("hinge");
@@ -169,24 +162,6 @@ namespace
 		Panel.SetPathMode("Absolute");
 		EXPECT_TRUE(Panel.InsertQuickLine(ELodexQuickInsert::WaitForObject));
 		EXPECT_EQ(Panel.GetLines(), FLines{"api.WaitForObject(\"\");"});
-	}
-
-	TEST(RecorderPanel, ToolRowDownloadDialogAndInfo)
-	{
-		EXPECT_EQ(FLodexRecorderPanel::GetDownloadButton().Brush, std::string("Icons.Download"));
-		EXPECT_EQ(FLodexRecorderPanel::GetDownloadButton().ToolTip, std::string("Download the output"));
-		EXPECT_EQ(FLodexRecorderPanel::GetInfoButton().Brush, std::string("Icons.Info"));
-		EXPECT_EQ(FLodexRecorderPanel::GetInfoButton().ToolTip, std::string("Information"));
-		EXPECT_EQ(FLodexRecorderPanel::GetResetButton().Brush, std::string("Icons.Reset"));
-		EXPECT_EQ(FLodexRecorderPanel::GetResetButton().ToolTip, std::string("Reset"));
-		EXPECT_EQ(FLodexRecorderPanel::GetPathModeLabel(), std::string("Lode String:"));
-		EXPECT_EQ(FLodexRecorderPanel::GetUseFpsLabel(), std::string("Use FPS"));
-
-		const FLodexSaveDialogInfo Dialog = FLodexRecorderPanel::GetSaveDialog();
-		EXPECT_EQ(Dialog.Title, "Save Recorded Input");
-		EXPECT_EQ(Dialog.DefaultFileName, "RecordedInput.txt");
-		EXPECT_EQ(Dialog.FileTypes, "Text File (*.txt)|*.txt");
-		EXPECT_EQ(std::string(FLodexRecorderPanel::GetSupportUrl()).rfind("https://", 0), 0u);
 	}
 
 	TEST(RecorderPanel, DownloadSplitsTheShownTextWhereTheTextAreaDoesAndJoinsItsLinesWithCrLf)
