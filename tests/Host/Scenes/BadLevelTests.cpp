@@ -115,9 +115,7 @@ namespace
 		{
 			const auto Setup = [&Row](FTestPackage& Package)
 			{
-				Package.LegacyFileVersion = Row.Legacy;
-				Package.FileVersionUE4 = Row.UE4;
-				Package.FileVersionUE5 = Row.UE5;
+				Package.SetVersions(Row.Legacy, Row.UE4, Row.UE5, 40);
 				Package.PackageFlags = Row.Flags;
 			};
 			EXPECT_EQ(ReadError(Build(SmallTestMap(), Setup).Bytes), "level.umap: " + Row.Error);

@@ -23,6 +23,24 @@ inline const FSceneObject* FindSceneObject(const FSceneSnapshot& Scene, const st
 	return nullptr;
 }
 
+/** Each object as "kind id class 'label' [tags] parent", the tags "-" when it saves none, in the scene's order. */
+inline std::vector<std::string> DescribeObjects(const FSceneSnapshot& Scene)
+{
+	std::vector<std::string> Lines;
+	for (const FSceneObject& Object : Scene.GetObjects())
+	{
+		std::string Tags;
+		for (const std::string& Tag : Object.Tags)
+		{
+			Tags += (Tags.empty() ? "" : ",") + Tag;
+		}
+		Lines.push_back(LodexSnapshot::GetKindName(Object.Kind) + std::string(" ") + Object.Id + " " +
+			Object.ClassName + " '" + Object.Label + "' " + (Object.bHasTags ? "[" + Tags + "]" : "-") + " " +
+			(Object.AttachParent != nullptr ? Object.AttachParent->Id : "-"));
+	}
+	return Lines;
+}
+
 /** A project's Content folder in a temporary folder, and the level read from it. */
 class FLevelContentTest : public ::testing::Test
 {
@@ -68,13 +86,14 @@ protected:
 		return Found != nullptr ? *Found : None;
 	}
 
-	/** Each object as "kind id", in the scene's order. */
+	/** Each object as "kind id", then "editor-only" and "on demand" when it is, in the scene's order. */
 	std::vector<std::string> Listing() const
 	{
 		std::vector<std::string> Lines;
 		for (const FSceneObject& Object : Scene.Scene.GetObjects())
 		{
-			Lines.push_back(LodexSnapshot::GetKindName(Object.Kind) + std::string(" ") + Object.Id);
+			Lines.push_back(LodexSnapshot::GetKindName(Object.Kind) + std::string(" ") + Object.Id +
+				(Object.bEditorOnly ? " editor-only" : "") + (Object.bStreamedOnDemand ? " on demand" : ""));
 		}
 		return Lines;
 	}

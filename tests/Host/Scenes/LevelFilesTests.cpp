@@ -1,10 +1,8 @@
 // Copyright Lodex contributors.
 // The files a level is made of beyond the game's Content folder: a plug-in's level mounted at its own name, and a
 // Git LFS pointer checked out in place of a scene or a level.
-#include "Scenes/LevelScene.h"
+#include "LevelContentTest.h"
 #include "Scenes/SceneFile.h"
-#include "TempDir.h"
-#include "TestPackageWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -28,9 +26,32 @@ namespace
 								   "oid sha256:4d7a214614ab2935c943f9e0ff69d22eadbb8f32b1258daaa5e2ca24d17e2393\n"
 								   "size 12345\n";
 
-	TEST(LevelFiles, APluginsLevelIsMountedAtThePluginsNameForItsExternalActorsSubLevelsAndBlueprintClasses)
+	using LevelFiles = FLevelContentTest;
+
+	TEST_F(LevelFiles, AreToldFromOtherFilesByTheirFirstBytes)
 	{
-		FTempDir Temp;
+		const struct
+		{
+			std::string Bytes;
+			bool bPackage;
+		} Rows[] = {
+			{std::string("\xC1\x83\x2A\x9E\x01", 5), true},
+			{std::string("\x9E\x2A\x83\xC1", 4), true},
+			{std::string("\xC1\x83\x2A", 3), false},
+			{"{\"objects\": []}", false},
+			{"", false},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(IsUnrealPackageBytes(Row.Bytes), Row.bPackage) << Row.Bytes;
+		}
+		EXPECT_TRUE(IsUnrealPackageFile(Temp.Write("level.json", WriteTestMap(FTestMap()))));
+		EXPECT_FALSE(IsUnrealPackageFile(Temp.Write("scene.umap", "{\"objects\": []}")));
+		EXPECT_FALSE(IsUnrealPackageFile(Temp.File("missing.umap")));
+	}
+
+	TEST_F(LevelFiles, APluginsLevelIsMountedAtThePluginsNameForItsExternalActorsSubLevelsAndBlueprintClasses)
+	{
 		const std::string Plugin = Temp.Path + "/Plugins/Nature/Rivers";
 		WriteTestFile(Plugin, "Rivers.uplugin", "{}");
 		const std::string Level = "/Rivers/Maps/Main.Main:PersistentLevel";
@@ -51,10 +72,8 @@ namespace
 		WriteTestFile(
 			Plugin + "/Content", "Maps/Banks.umap", WriteTestMap(TestMap("/Rivers/Maps/Banks", {TestActor("Reed")})));
 		// A /Game/ package of a plug-in's level is in the project's own Content folder.
-		WriteTestFile(
-			Temp.Path + "/Content", "Maps/Town.umap", WriteTestMap(TestMap("/Game/Maps/Town", {TestActor("Well")})));
+		WriteMap(TestMap("/Game/Maps/Town", {TestActor("Well")}));
 
-		FLevelScene Scene;
 		std::string Error;
 		ASSERT_TRUE(ReadLevelScene(Plugin + "/Content/Maps/Main.umap", FLevelReadOptions(), Scene, Error)) << Error;
 		EXPECT_EQ(IdsOf(Scene),
@@ -76,41 +95,30 @@ namespace
 			std::vector<std::string>{"the sub-level /Other/Maps/Far is not under " + Plugin + "/Content; left out"});
 	}
 
-	TEST(LevelFiles, AWorldPartitionMapWithoutActorPackagesSaysSo)
+	TEST_F(LevelFiles, AWorldPartitionMapWithoutActorPackagesSaysSo)
 	{
-		FTempDir Temp;
-		const std::string Map = Temp.Path + "/Content/Maps/Main.umap";
-		const std::string Folder = Temp.Path + "/Content/__ExternalActors__/Maps/Main";
-		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap",
-			WriteTestMap(
-				TestMap("/Game/Maps/Main", {TestActor("WorldSettings", {{"WorldPartition", "WorldPartition"}})})));
-		const auto NotesOf = [&Map]()
-		{
-			FLevelScene Scene;
-			std::string Error;
-			EXPECT_TRUE(ReadLevelScene(Map, FLevelReadOptions(), Scene, Error)) << Error;
-			return Scene.Notes;
-		};
-		EXPECT_EQ(NotesOf(),
+		const std::string Map = ContentFile("Maps/Main.umap");
+		const std::string Folder = ContentFile("__ExternalActors__/Maps/Main");
+		WriteMap(TestMap("/Game/Maps/Main", {TestActor("WorldSettings", {{"WorldPartition", "WorldPartition"}})}));
+		EXPECT_EQ(Read().Notes,
 			std::vector<std::string>{Map + ": a World Partition map, but it has no external actor folder " + Folder +
 				"; only the actors the map itself saves are read"});
-		WriteTestFile(Folder, "A/ZZ/readme.txt", "not a package");
-		EXPECT_EQ(NotesOf(),
+		Write("__ExternalActors__/Maps/Main/A/ZZ/readme.txt", "not a package");
+		EXPECT_EQ(Read().Notes,
 			std::vector<std::string>{Map + ": a World Partition map, but its external actor folder " + Folder +
 				" holds no actor packages; only the actors the map itself saves are read"});
-		WriteTestFile(Folder, "A/ZZ/First.uasset",
+		Write("__ExternalActors__/Maps/Main/A/ZZ/First.uasset",
 			WriteTestExternalActor(
 				"/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", TestActor("Boat")));
-		EXPECT_EQ(NotesOf(), std::vector<std::string>{});
+		EXPECT_EQ(Read().Notes, std::vector<std::string>{});
 		// A map without World Partition saves its actors itself: no folder, no note.
-		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", WriteTestMap(FTestMap()));
-		std::filesystem::remove_all(Temp.Path + "/Content/__ExternalActors__");
-		EXPECT_EQ(NotesOf(), std::vector<std::string>{});
+		WriteMap(FTestMap());
+		std::filesystem::remove_all(ContentFile("__ExternalActors__"));
+		EXPECT_EQ(Read().Notes, std::vector<std::string>{});
 	}
 
-	TEST(LevelFiles, AGitLfsPointerIsOneLineSayingToFetchTheRealFileWhereverItStands)
+	TEST_F(LevelFiles, AGitLfsPointerIsOneLineSayingToFetchTheRealFileWhereverItStands)
 	{
-		FTempDir Temp;
 		const std::string Expected =
 			": a Git LFS pointer, not the file itself: fetch the real file from Git LFS first (git lfs pull)";
 		// In place of a snapshot or a level named on the command line.
@@ -121,20 +129,17 @@ namespace
 		std::string Error;
 		EXPECT_FALSE(LoadSceneFile(Options, File, Error));
 		EXPECT_EQ(Error, Options.Path + Expected);
-		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap", LfsPointer);
-		Options.Path = Temp.Path + "/Content/Maps/Main.umap";
+		Write("Maps/Main.umap", LfsPointer);
+		Options.Path = ContentFile("Maps/Main.umap");
 		EXPECT_FALSE(LoadSceneFile(Options, File, Error));
 		EXPECT_EQ(Error, Options.Path + Expected);
 
 		// In place of a file the level is made of.
-		WriteTestFile(Temp.Path + "/Content", "Maps/Main.umap",
-			WriteTestMap(TestMap("/Game/Maps/Main", {TestActor("WorldSettings")})));
-		const std::string Actor = Temp.Path + "/Content/__ExternalActors__/Maps/Main/A/ZZ/First.uasset";
-		WriteTestFile(Temp.Path + "/Content", "__ExternalActors__/Maps/Main/A/ZZ/First.uasset", LfsPointer);
+		WriteMap(TestMap("/Game/Maps/Main", {TestActor("WorldSettings")}));
+		const std::string Actor = "__ExternalActors__/Maps/Main/A/ZZ/First.uasset";
+		Write(Actor, LfsPointer);
 		// There, as any part of a level that cannot be read, it is a note, and the rest of the level is read.
-		FLevelScene Scene;
-		EXPECT_TRUE(ReadLevelScene(Options.Path, FLevelReadOptions(), Scene, Error)) << Error;
-		EXPECT_EQ(
-			Scene.Notes, std::vector<std::string>{Actor + Expected + "; this external actor package is left out"});
+		EXPECT_EQ(Read().Notes,
+			std::vector<std::string>{ContentFile(Actor) + Expected + "; this external actor package is left out"});
 	}
 }

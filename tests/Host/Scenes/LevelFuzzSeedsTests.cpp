@@ -53,10 +53,7 @@ namespace
 			"StaticMeshComponent0");
 		External.Guid = "0123456789ABCDEF0123456789ABCDEF";
 		FTestPackage OlderPackage(Map.PackagePath); // saved by 4.21: legacy version -7, UE4 517
-		OlderPackage.LegacyFileVersion = -7;
-		OlderPackage.FileVersionUE4 = 517;
-		OlderPackage.FileVersionUE5 = 0;
-		OlderPackage.ReleaseObjectVersion = 30;
+		OlderPackage.SetVersions(-7, 517, 0, 30);
 		return {
 			{"level.umap", WriteTestMap(Map)},
 			{"level-ue4-517.umap", WriteTestMap(Early, &OlderPackage)},

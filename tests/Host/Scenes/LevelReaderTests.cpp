@@ -28,31 +28,20 @@ namespace
 		ReadMap(TestMap("/Game/Maps/Main",
 			{TestActor("StaticMeshActor_193", {{"Root"}}, "Root"), TestActor("Cube"), Labelled, TestActor("Lamp_0"),
 				TestActor("Wall_07"), Wide}));
-		const struct
-		{
-			std::string Name, ClassName, Label;
-			std::vector<std::string> Tags;
-		} Rows[] = {
-			{"StaticMeshActor_193", "StaticMeshActor", "", {}},
-			{"Cube", "StaticMeshActor", "", {}},
-			{"BP_barrel_C_41", "StaticMeshActor", "Front door", {"locked", "red_2"}},
-			{"Lamp_0", "StaticMeshActor", "", {}},
-			{"Wall_07", "StaticMeshActor", "", {}},
-			{"T\u00fcr_2", "PointLight", "T\u00fcr \u7528\u6237 \U0001F600", {}},
-		};
-		for (const auto& Row : Rows)
-		{
-			const FSceneObject& Read = Object(Level + "." + Row.Name);
-			EXPECT_EQ(Read.Name, Row.Name);
-			EXPECT_EQ(Read.Kind, ELodexSnapshotKind::Actor) << Row.Name;
-			EXPECT_EQ(Read.ClassName, Row.ClassName) << Row.Name;
-			EXPECT_EQ(Read.Label, Row.Label) << Row.Name;
-			EXPECT_TRUE(Read.bHasTags) << Row.Name;
-			EXPECT_EQ(Read.Tags, Row.Tags) << Row.Name;
-		}
-		ASSERT_EQ(Scene.Scene.GetObjects().size(), 8u);
+		EXPECT_EQ(DescribeObjects(Scene.Scene),
+			(std::vector<std::string>{
+				"other " + Level + " Level '' - -",
+				"actor " + Level + ".StaticMeshActor_193 StaticMeshActor '' [] -",
+				"component " + Level + ".StaticMeshActor_193.Root StaticMeshComponent '' - -",
+				"actor " + Level + ".Cube StaticMeshActor '' [] -",
+				"actor " + Level + ".BP_barrel_C_41 StaticMeshActor 'Front door' [locked,red_2] -",
+				"actor " + Level + ".Lamp_0 StaticMeshActor '' [] -",
+				"actor " + Level + ".Wall_07 StaticMeshActor '' [] -",
+				"actor " + Level + ".T\u00fcr_2 PointLight 'T\u00fcr \u7528\u6237 \U0001F600' [] -",
+			}));
 		for (const FSceneObject& Object : Scene.Scene.GetObjects())
 		{
+			EXPECT_EQ(Object.Id.substr(Object.Id.size() - Object.Name.size()), Object.Name);
 			EXPECT_EQ(Object.Origin, ELodexPlacement::Placed) << Object.Id;
 			EXPECT_EQ(Object.Package, "/Game/Maps/Main") << Object.Id;
 		}
@@ -88,7 +77,7 @@ namespace
 		EXPECT_EQ(Object(Level).Name, "PersistentLevel");
 	}
 
-	TEST_F(LevelReader, AnActorsAttachParentIsTheOwnerOfTheComponentItsRootIsAttachedTo)
+	TEST_F(LevelReader, AnActorsAttachParentIsTheOwnerOfTheComponentItsRootIsAttachedToWhenItWasRead)
 	{
 		ReadMap(TestMap("/Game/Maps/Main",
 			{
@@ -103,27 +92,22 @@ namespace
 					{{"Mesh", "StaticMeshComponent", "Rootless.Pivot"}, {"Pivot", "SceneComponent", "Child.Mesh"}}),
 				// Attached to its own component: no parent.
 				TestActor("Self", {{"Root", "SceneComponent", "Self.Root"}}, "Root"),
+				// Attached outside the objects read: left out, with a note.
+				TestActor(
+					"Far", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root"),
 			}));
 		const struct
 		{
 			std::string Actor, Parent;
-		} Rows[] = {{"Base", ""}, {"Child", "Base"}, {"Loose", ""}, {"Rootless", "Child"}, {"Self", ""}};
+		} Rows[] = {{"Base", ""}, {"Child", "Base"}, {"Loose", ""}, {"Rootless", "Child"}, {"Self", ""}, {"Far", ""}};
 		for (const auto& Row : Rows)
 		{
 			const FSceneObject* Parent = Object(Level + "." + Row.Actor).AttachParent;
 			EXPECT_EQ(Parent != nullptr ? Parent->Name : "", Row.Parent) << Row.Actor;
 		}
-	}
-
-	TEST_F(LevelReader, AnAttachParentOutsideTheObjectsReadIsLeftOutWithANote)
-	{
-		ReadMap(TestMap("/Game/Maps/Main",
-			{TestActor(
-				"Child", {{"Root", "SceneComponent", "/Game/Maps/Other.Other:PersistentLevel.Far.Root"}}, "Root")}));
-		EXPECT_EQ(Object(Level + ".Child").AttachParent, nullptr);
 		EXPECT_EQ(Scene.Notes,
 			std::vector<std::string>{
-				"/Game/Maps/Main: actor 'Child' is attached to '/Game/Maps/Other.Other:PersistentLevel.Far.Root', "
+				"/Game/Maps/Main: actor 'Far' is attached to '/Game/Maps/Other.Other:PersistentLevel.Far.Root', "
 				"which is not among the objects read; it is shown unattached"});
 	}
 
@@ -202,10 +186,10 @@ namespace
 			(std::vector<std::string>{
 				"other " + Level,
 				"actor " + Level + ".DirectionalLight_0",
-				"other " + SubLevel,
+				"other " + SubLevel + " on demand",
 				"actor " + SubLevel + ".DirectionalLight_0",
 				"component " + SubLevel + ".DirectionalLight_0.Root",
-				"other /Game/Maps/Deeper.Deeper:PersistentLevel",
+				"other /Game/Maps/Deeper.Deeper:PersistentLevel on demand",
 				"actor /Game/Maps/Deeper.Deeper:PersistentLevel.Rock",
 			}));
 		EXPECT_EQ(Object(SubLevel + ".DirectionalLight_0").Package, "/Game/Maps/Sub");
@@ -258,6 +242,7 @@ namespace
 				{"Data", "/Game/BP/BP_Data.BP_Data_C"}, {"Lost", "/Game/BP/BP_Missing.BP_Missing_C"}});
 		ReadMap(TestMap("/Game/Maps/Main", {Mixed, Camera, Brush, Fan}));
 		const std::string Capturer = Level + ".SceneCapture2D_1";
+		// A component of an editor-only actor is editor-only with it.
 		// Settings is neither listed, nor a default subobject, nor of a component class: an object, not a component.
 		// A class whose package is missing shows no component super: its object is left out, as BP_Data's is.
 		EXPECT_EQ(Listing(),
@@ -271,24 +256,14 @@ namespace
 				"component " + Capturer + ".Root",
 				"component " + Capturer + ".NewSceneCaptureComponent2D",
 				"component " + Capturer + ".Gizmo",
-				"component " + Capturer + ".Sprite",
-				"actor " + Level + ".Brush_0",
-				"component " + Level + ".Brush_0.BrushComponent0",
+				"component " + Capturer + ".Sprite editor-only",
+				"actor " + Level + ".Brush_0 editor-only",
+				"component " + Level + ".Brush_0.BrushComponent0 editor-only",
 				"actor " + Level + ".Fan",
 				"component " + Level + ".Fan.Spinner",
 				"component " + Level + ".Fan.Fancy",
 			}));
 		EXPECT_EQ(Object(Capturer + ".NewSceneCaptureComponent2D").ClassName, "SceneCaptureComponent2D");
-		std::vector<std::string> EditorOnly;
-		for (const FSceneObject& Object : Scene.Scene.GetObjects())
-		{
-			if (Object.bEditorOnly)
-			{
-				EditorOnly.push_back(Object.Name);
-			}
-		}
-		// A component of an editor-only actor is editor-only with it.
-		EXPECT_EQ(EditorOnly, (std::vector<std::string>{"Sprite", "Brush_0", "BrushComponent0"}));
 	}
 
 	TEST_F(LevelReader, ASubLevelNoStreamingLevelLoadsAtStartIsMarkedStreamedOnDemand)
@@ -301,18 +276,17 @@ namespace
 			WriteMap(TestMap(std::string("/Game/Maps/") + Name, {TestActor("Rock")}));
 		}
 		ReadMap(Map);
-		std::vector<std::string> Levels;
-		for (const FSceneObject& Object : Scene.Scene.GetObjects())
-		{
-			if (Object.ClassName == "Level")
-			{
-				Levels.push_back(Object.Package + (Object.bStreamedOnDemand ? " on demand" : " at start"));
-			}
-		}
 		// A sub-level one streaming level loads at start is loaded at start, whatever another says.
-		EXPECT_EQ(Levels,
-			(std::vector<std::string>{"/Game/Maps/Main at start", "/Game/Maps/Streamed on demand",
-				"/Game/Maps/Both at start", "/Game/Maps/Loaded at start"}));
+		EXPECT_EQ(Listing(),
+			(std::vector<std::string>{
+				"other " + Level,
+				"other /Game/Maps/Streamed.Streamed:PersistentLevel on demand",
+				"actor /Game/Maps/Streamed.Streamed:PersistentLevel.Rock",
+				"other /Game/Maps/Both.Both:PersistentLevel",
+				"actor /Game/Maps/Both.Both:PersistentLevel.Rock",
+				"other /Game/Maps/Loaded.Loaded:PersistentLevel",
+				"actor /Game/Maps/Loaded.Loaded:PersistentLevel.Rock",
+			}));
 	}
 
 	TEST_F(LevelReader, AStreamingLevelTheWorldListsTwiceIsReadOnce)
@@ -376,35 +350,22 @@ namespace
 		// BP_Door's package is saved by 4.21 (legacy version -7, UE4 517): the engine 5.0 loads it all the same.
 		Write("BP/BP_Door.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Door", "BP_Door_C", "/Script/Engine.Actor", true, {"door", "locked"},
-				[](FTestPackage& Package)
-				{
-					Package.LegacyFileVersion = -7;
-					Package.FileVersionUE4 = 517;
-					Package.FileVersionUE5 = 0;
-					Package.ReleaseObjectVersion = 30;
-				}));
+				[](FTestPackage& Package) { Package.SetVersions(-7, 517, 0, 30); }));
 		Write("BP/BP_Gate.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Gate", "BP_Gate_C", "/Game/BP/BP_Door.BP_Door_C", false, {}));
 		Write("BP/BP_Plain.uasset",
 			WriteTestBlueprint("/Game/BP/BP_Plain", "BP_Plain_C", "/Script/Engine.Actor", false, {}));
 		Read();
-		const struct
-		{
-			std::string Actor;
-			std::vector<std::string> Tags;
-		} Rows[] = {
-			{"BP_Door_C_3", {"door", "locked"}},
-			{"BP_Gate_C_0", {"door", "locked"}},
-			{"BP_Door_C_4", {"own"}},
-			{"BP_Lost_C_0", {}},
-			{"BP_Plain_C_0", {}},
-			{"BP_C_0", {}},
-		};
-		for (const auto& Row : Rows)
-		{
-			EXPECT_EQ(Object(Level + "." + Row.Actor).Tags, Row.Tags) << Row.Actor;
-			EXPECT_EQ(Object(Level + "." + Row.Actor).ClassName, Row.Actor.substr(0, Row.Actor.rfind('_')));
-		}
+		EXPECT_EQ(DescribeObjects(Scene.Scene),
+			(std::vector<std::string>{
+				"other " + Level + " Level '' - -",
+				"actor " + Level + ".BP_Door_C_3 BP_Door_C '' [door,locked] -",
+				"actor " + Level + ".BP_Gate_C_0 BP_Gate_C '' [door,locked] -",
+				"actor " + Level + ".BP_Door_C_4 BP_Door_C '' [own] -",
+				"actor " + Level + ".BP_Lost_C_0 BP_Lost_C '' [] -",
+				"actor " + Level + ".BP_Plain_C_0 BP_Plain_C '' [] -",
+				"actor " + Level + ".BP_C_0 BP_C '' [] -",
+			}));
 		// The class's list is held once, not copied into each actor that takes it.
 		EXPECT_TRUE(Object(Level + ".BP_Door_C_3").Tags.SharesWith(Object(Level + ".BP_Gate_C_0").Tags));
 		EXPECT_EQ(Scene.Notes,
@@ -455,29 +416,6 @@ namespace
 					": not inside a Content folder; its external actors, sub-levels and Blueprint classes are not "
 					"looked up",
 				"the sub-level /Game/Sub is not under a Content folder; left out"}));
-	}
-
-	TEST(LevelFiles, AreToldFromOtherFilesByTheirFirstBytes)
-	{
-		const struct
-		{
-			std::string Bytes;
-			bool bPackage;
-		} Rows[] = {
-			{std::string("\xC1\x83\x2A\x9E\x01", 5), true},
-			{std::string("\x9E\x2A\x83\xC1", 4), true},
-			{std::string("\xC1\x83\x2A", 3), false},
-			{"{\"objects\": []}", false},
-			{"", false},
-		};
-		for (const auto& Row : Rows)
-		{
-			EXPECT_EQ(IsUnrealPackageBytes(Row.Bytes), Row.bPackage) << Row.Bytes;
-		}
-		FTempDir Temp;
-		EXPECT_TRUE(IsUnrealPackageFile(Temp.Write("level.json", WriteTestMap(FTestMap()))));
-		EXPECT_FALSE(IsUnrealPackageFile(Temp.Write("scene.umap", "{\"objects\": []}")));
-		EXPECT_FALSE(IsUnrealPackageFile(Temp.File("missing.umap")));
 	}
 
 	TEST(SceneFromObjects, ResolvesLinksByIndexAndRejectsBadOnes)

@@ -24,36 +24,10 @@ namespace
 		return Map;
 	}
 
-	/** Each object as "kind id class label [tags] parent", in the scene's order. */
-	std::vector<std::string> Listing(const FLevelScene& Scene)
-	{
-		std::vector<std::string> Lines;
-		for (const FSceneObject& Object : Scene.Scene.GetObjects())
-		{
-			std::string Tags;
-			for (const std::string& Tag : Object.Tags)
-			{
-				Tags += (Tags.empty() ? "" : ",") + Tag;
-			}
-			Lines.push_back(LodexSnapshot::GetKindName(Object.Kind) + std::string(" ") + Object.Id + " " +
-				Object.ClassName + " '" + Object.Label + "' [" + Tags + "] " +
-				(Object.AttachParent != nullptr ? Object.AttachParent->Id : "-"));
-		}
-		return Lines;
-	}
-
 	struct FVersions
 	{
 		std::int32_t Legacy, UE4, UE5, ReleaseObjectVersion;
 	};
-
-	void Apply(FTestPackage& Package, const FVersions& Versions)
-	{
-		Package.LegacyFileVersion = Versions.Legacy;
-		Package.FileVersionUE4 = Versions.UE4;
-		Package.FileVersionUE5 = Versions.UE5;
-		Package.ReleaseObjectVersion = Versions.ReleaseObjectVersion;
-	}
 
 	TEST(OlderPackages, EveryVersionTheEngineLoadsGivesTheSameLevel)
 	{
@@ -61,7 +35,7 @@ namespace
 		std::string Error;
 		ASSERT_TRUE(ReadLevelSceneBytes(WriteTestMap(OlderMap()), "level.umap", "/Game/Maps/Main", Expected, Error))
 			<< Error;
-		ASSERT_EQ(Listing(Expected).size(), 5u);
+		ASSERT_EQ(DescribeObjects(Expected.Scene).size(), 5u);
 		// Each row crosses a version where a field of the summary, the tables or the tags comes or goes.
 		const FVersions Rows[] = {
 			{-8, 522, 1000, 40}, // 5.0 before large world coordinates
@@ -84,12 +58,13 @@ namespace
 		for (const FVersions& Row : Versions)
 		{
 			FTestPackage Package("/Game/Maps/Main");
-			Apply(Package, Row);
+			Package.SetVersions(Row.Legacy, Row.UE4, Row.UE5, Row.ReleaseObjectVersion);
 			FLevelScene Scene;
 			EXPECT_TRUE(
 				ReadLevelSceneBytes(WriteTestMap(OlderMap(), &Package), "level.umap", "/Game/Maps/Main", Scene, Error))
 				<< Row.UE4 << ": " << Error;
-			EXPECT_EQ(Listing(Scene), Listing(Expected)) << "UE4 " << Row.UE4 << ", legacy " << Row.Legacy;
+			EXPECT_EQ(DescribeObjects(Scene.Scene), DescribeObjects(Expected.Scene))
+				<< "UE4 " << Row.UE4 << ", legacy " << Row.Legacy;
 		}
 	}
 
@@ -133,7 +108,7 @@ namespace
 			FTestMap Map = OlderMap();
 			Map.Actors[1].Name = "Bad.Cube";
 			FTestPackage Package("/Game/Maps/Main");
-			Apply(Package, {-7, UE4, 0, 40});
+			Package.SetVersions(-7, UE4, 0, 40);
 			const std::string Bytes = WriteTestMap(Map, &Package);
 			FLevelScene Scene;
 			std::string Error;
@@ -156,9 +131,7 @@ namespace
 		const std::string Packages = "/Game/__ExternalActors__/Maps/Main/";
 		Write(Folder + "A/AA/First.uasset",
 			WriteTestExternalActor("/Game/Maps/Main", Packages + "A/AA/First", TestActor("First_UAID_01"),
-				[](FTestPackage& Package) {
-					Apply(Package, {-7, 522, 0, 40});
-				}));
+				[](FTestPackage& Package) { Package.SetVersions(-7, 522, 0, 40); }));
 		Write(Folder + "C/CC/Second.uasset",
 			WriteTestExternalActor("/Game/Maps/Main", Packages + "C/CC/Second", TestActor("Second_UAID_02")));
 		Write(Folder + "B/BB/Bad.uasset", std::string("\xC1\x83\x2A\x9E\xF7\xFF\xFF\xFF", 8));

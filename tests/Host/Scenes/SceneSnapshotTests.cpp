@@ -8,39 +8,30 @@
 
 namespace
 {
-	TEST(SceneSnapshot, TextComesOutAsItWentIn)
+	TEST(SceneSnapshot, TextComesOutAsItWentInAndObjectsAreFoundByIdThenByUniqueName)
 	{
-		const std::string Text =
-			R"({"objects": [{"id": "g", "kind": "actor", "name": "Tür \u7528\u6237", "tags": ["用户", "a'b"]}]})";
+		// Absent tags mean no tags array; unknown fields are ignored; objects may refer to objects listed later.
+		FTempDir Dir;
+		const std::string Path = Dir.Write("scene.json", R"({"version": 3, "objects": [
+			{"id": "g", "kind": "actor", "name": "Tür \u7528\u6237", "tags": ["用户", "a'b"]},
+			{"id": "c", "kind": "component", "name": "C", "outer": "a"},
+			{"id": "a", "kind": "actor", "name": "A", "colour": "red", "attachParent": "b"},
+			{"id": "b", "kind": "actor", "name": "B"},
+			{"id": "x", "kind": "actor", "name": "Twin"},
+			{"id": "y", "kind": "actor", "name": "Twin"},
+			{"id": "Twin2", "kind": "actor", "name": "x"}]})");
 		FSceneSnapshot Scene;
 		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::Parse(Text, "utf8.json", Scene, Error)) << Error;
+		ASSERT_TRUE(FSceneSnapshot::LoadFile(Path, Scene, Error)) << Error;
 		const FLodexObject Gate = Scene.FindObject("g", Error);
 		EXPECT_EQ(BuildLodestring(Scene, Gate, "Absolute"), "/*[@name = 'Tür 用户']");
 		EXPECT_EQ(BuildLodestring(Scene, Gate, "Tag"), "/*[@tag = '用户' or @tag = 'a'b']");
-	}
-
-	TEST(SceneSnapshot, AbsentTagsMeanNoTagsArrayAndUnknownFieldsAreIgnored)
-	{
-		const std::string Text =
-			R"({"version": 3, "objects": [{"id": "a", "kind": "actor", "name": "A", "colour": "red"}]})";
-		FSceneSnapshot Scene;
-		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::Parse(Text, "a.json", Scene, Error)) << Error;
+		EXPECT_EQ(BuildLodestring(Scene, Scene.FindObject("c", Error), "Absolute"),
+			"/*[@name = 'B']/*[@name = 'A']/fn:component('C')");
 		std::vector<std::string> Tags{"stale"};
 		EXPECT_FALSE(Scene.GetTags(Scene.FindObject("a", Error), Tags));
 		EXPECT_TRUE(Tags.empty());
-	}
 
-	TEST(SceneSnapshot, LookupByIdThenByUniqueName)
-	{
-		const std::string Text = R"({"objects": [
-			{"id": "x", "kind": "actor", "name": "Twin"},
-			{"id": "y", "kind": "actor", "name": "Twin"},
-			{"id": "Twin2", "kind": "actor", "name": "x"}]})";
-		FSceneSnapshot Scene;
-		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::Parse(Text, "twins.json", Scene, Error)) << Error;
 		EXPECT_EQ(FSceneSnapshot::Resolve(Scene.FindObject("x", Error)).Id, "x") << "an id wins over a name";
 		EXPECT_FALSE(Scene.FindObject("Twin", Error));
 		EXPECT_EQ(Error, "2 objects are named 'Twin'; name one by its id");
@@ -95,6 +86,17 @@ namespace
 				"bad.json: objects[0] (id 'a'): field 'tags' must be an array of strings, found string"},
 			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "tags": ["t", null]}]})",
 				"bad.json: objects[0] (id 'a'): field 'tags'[1] must be a string, found null"},
+			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "guid": "0A1B"}]})",
+				"bad.json: objects[0] (id 'a'): field 'guid' must be 32 hex digits, found '0A1B'"},
+			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "guid": "0A1B2C3D4E5F60718293A4B5C6D7E8FG"}]})",
+				"bad.json: objects[0] (id 'a'): field 'guid' must be 32 hex digits, found "
+				"'0A1B2C3D4E5F60718293A4B5C6D7E8FG'"},
+			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "guid": ""}]})",
+				"bad.json: objects[0] (id 'a'): field 'guid' must be 32 hex digits, found ''"},
+			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "location": [1, 2]}]})",
+				"bad.json: objects[0] (id 'a'): field 'location' must be an array of 3 numbers"},
+			{R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "location": [1, 2, "3"]}]})",
+				"bad.json: objects[0] (id 'a'): field 'location' must be an array of 3 numbers"},
 			// Text is one line: a name or tag ends up in a one-line Lodestring, an id or kind in a one-line message.
 			{R"({"objects": [{"id": "a\r", "kind": "actor", "name": "A"}]})",
 				"bad.json: objects[0]: field 'id' must be one line of text: it holds the control character U+000D"},
@@ -118,19 +120,5 @@ namespace
 			EXPECT_FALSE(FSceneSnapshot::Parse(Row.Text, "bad.json", Scene, Error)) << Row.Text;
 			EXPECT_EQ(Error, Row.Error) << Row.Text;
 		}
-	}
-
-	TEST(SceneSnapshot, ObjectsMayReferToObjectsListedLater)
-	{
-		FTempDir Dir;
-		const std::string Path = Dir.Write("later.json", R"({"objects": [
-			{"id": "c", "kind": "component", "name": "C", "outer": "a"},
-			{"id": "a", "kind": "actor", "name": "A", "attachParent": "b"},
-			{"id": "b", "kind": "actor", "name": "B"}]})");
-		FSceneSnapshot Scene;
-		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::LoadFile(Path, Scene, Error)) << Error;
-		EXPECT_EQ(BuildLodestring(Scene, Scene.FindObject("c", Error), "Absolute"),
-			"/*[@name = 'B']/*[@name = 'A']/fn:component('C')");
 	}
 }

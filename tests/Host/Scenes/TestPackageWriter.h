@@ -82,6 +82,15 @@ public:
 	std::uint16_t EngineMajor = 5, EngineMinor = 0, EnginePatch = 3;
 	std::string EngineBranch = "++UE5+Release-5.0";
 
+	/** Sets the versions the summary states. */
+	void SetVersions(std::int32_t Legacy, std::int32_t UE4, std::int32_t UE5, std::int32_t Release)
+	{
+		LegacyFileVersion = Legacy;
+		FileVersionUE4 = UE4;
+		FileVersionUE5 = UE5;
+		ReleaseObjectVersion = Release;
+	}
+
 	explicit FTestPackage(std::string InPackagePath = "/Game/Maps/Main")
 		: PackagePath(std::move(InPackagePath))
 	{
