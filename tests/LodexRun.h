@@ -60,3 +60,26 @@ inline FLodexRun RunLodexPiped(const std::string& Input, const std::string& Argu
 	Run.Err = FTempDir::Read(Dir.File("err"));
 	return Run;
 }
+
+/** What a run printed: a quiet success's output; otherwise the exit code, then standard error, then standard output. */
+template<typename TRun>
+std::string Printed(const TRun& Run)
+{
+	return Run.Exit == 0 && Run.Err.empty() ? Run.Out : "exit " + std::to_string(Run.Exit) + ": " + Run.Err + Run.Out;
+}
+
+inline bool Contains(const std::string& Text, const std::string& Part)
+{
+	return Text.find(Part) != std::string::npos;
+}
+
+/** How many times Part occurs in Text. */
+inline int CountOf(const std::string& Text, const std::string& Part)
+{
+	int Count = 0;
+	for (std::size_t At = Text.find(Part); At != std::string::npos; At = Text.find(Part, At + 1))
+	{
+		++Count;
+	}
+	return Count;
+}

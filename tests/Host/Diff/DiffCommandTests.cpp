@@ -118,11 +118,8 @@ namespace
 			File +
 				":1:42: error: //Lamp_2 found Lamp_2 on the baseline and now matches no object: Lamp_2 was renamed "
 				"Lamp_3; suggested: /Lamp_3 [broken-by-change]");
-		const FLodexRun Missing = RunLodex({"lint", "--scene", Map, "--baseline", "nosuch:" + Map, File});
-		EXPECT_EQ(Missing.Exit, 1);
-		EXPECT_EQ(
-			Missing.Err, "lodex: nosuch:" + Map + ": no revision 'nosuch' in the repository at " + Repo.Path + "\n");
-		EXPECT_EQ(Missing.Out, "");
+		EXPECT_EQ(Printed(RunLodex({"lint", "--scene", Map, "--baseline", "nosuch:" + Map, File})),
+			"exit 1: lodex: nosuch:" + Map + ": no revision 'nosuch' in the repository at " + Repo.Path + "\n");
 	}
 
 	TEST_F(DiffCommand, WhatCannotBeReadIsOneLine)
@@ -141,10 +138,7 @@ namespace
 		};
 		for (const auto& Row : Rows)
 		{
-			const FLodexRun Run = RunLodex({"diff", "--exit-code", Row.Old, Map});
-			EXPECT_EQ(Run.Exit, 1);
-			EXPECT_EQ(Run.Err, Row.Error);
-			EXPECT_EQ(Run.Out, "");
+			EXPECT_EQ(Printed(RunLodex({"diff", "--exit-code", Row.Old, Map})), "exit 1: " + Row.Error);
 		}
 		// A level kept in Git LFS, whose objects were not fetched.
 		WriteTestFile(
