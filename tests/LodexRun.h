@@ -5,6 +5,7 @@
 #include "TempDir.h"
 
 #include <cstdlib>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -18,26 +19,17 @@ struct FLodexRun
 	std::string Err;
 };
 
-/** Runs the tool in this process on its arguments, with no standard input at all. */
-inline FLodexRun RunLodex(const std::vector<std::string>& Args)
+/**
+ * Runs the tool in this process on its arguments: with no standard input at all, or its standard input holding Input
+ * as a pipe or a file would.
+ */
+inline FLodexRun RunLodex(const std::vector<std::string>& Args, const std::optional<std::string>& Input = std::nullopt)
 {
+	std::istringstream In(Input.value_or(""));
 	std::ostringstream Out;
 	std::ostringstream Err;
 	FLodexRun Run;
-	Run.Exit = RunLodexCli(Args, Out, Err);
-	Run.Out = Out.str();
-	Run.Err = Err.str();
-	return Run;
-}
-
-/** Runs the tool in this process, its standard input holding Input as a pipe or a file would. */
-inline FLodexRun RunLodex(const std::vector<std::string>& Args, const std::string& Input)
-{
-	std::istringstream In(Input);
-	std::ostringstream Out;
-	std::ostringstream Err;
-	FLodexRun Run;
-	Run.Exit = RunLodexCli(Args, In, Out, Err);
+	Run.Exit = Input ? RunLodexCli(Args, In, Out, Err) : RunLodexCli(Args, Out, Err);
 	Run.Out = Out.str();
 	Run.Err = Err.str();
 	return Run;

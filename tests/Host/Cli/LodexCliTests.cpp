@@ -228,13 +228,6 @@ namespace
 		EXPECT_FALSE(FTempDir::Exists(Dir.File("clip")));
 	}
 
-	/** The line of Text that starts with Start, without its end. */
-	std::string LineStartingWith(const std::string& Text, const std::string& Start)
-	{
-		const std::size_t At = Text.find("\n" + Start);
-		return At == std::string::npos ? std::string() : Text.substr(At + 1, Text.find('\n', At + 1) - At - 1);
-	}
-
 	TEST(LodexBinary, DemoShowsTheSampleAsATableTheCommandRunTheExplorerAndWhatTheModuleAddsFromAnyFolder)
 	{
 		const FProcessRun Run = ChildProcess::RunLodex({"demo"}, {}, [] { (void)!chdir("/"); });
@@ -246,15 +239,13 @@ namespace
 			"----------------------  ----------  "
 			"----------------------------------------------------------------------  "
 			"--------------------------------------------  ------------------------------------------------------\n");
-		EXPECT_EQ(LineStartingWith(Run.Out, "PersistentLevel"),
-			"PersistentLevel         other       (empty)                                                               "
-			"  (empty)                                       (empty)");
-		// A name with a non-ASCII letter is padded by characters, not bytes.
-		EXPECT_EQ(LineStartingWith(Run.Out, "Tür"),
-			"Tür                     actor       /*[@name = 'Tür']                                                     "
-			"  //Tür                                         /*[@tag = '用户']");
 		for (const char* Expected :
 			{
+				"\nPersistentLevel         other       (empty)                                                        "
+				"         (empty)                                       (empty)\n",
+				// A name with a non-ASCII letter is padded by characters, not bytes.
+				"\nTür                     actor       /*[@name = 'Tür']                                              "
+				"         //Tür                                         /*[@tag = '用户']\n",
 				"\n\"Lodestring Absolute\" (MenuTool.MenuCommand2) on the selection Door, Lamp_2\n\n"
 				"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = "
 				"'Lamp_2'] \n\nClipboard: /*[@name = 'Lamp_2']\n\n",
@@ -318,6 +309,12 @@ namespace
 		}
 		EXPECT_EQ(CountOf(Run.Out, "group \"Menu Root\"\n"), 4);
 		EXPECT_EQ(CountOf(Run.Out, "debugPanel"), 0);
+		// The recorded sample session, and its script as the panel holds it after Stop.
+		EXPECT_TRUE(Contains(Run.Out,
+			"\nA recorded session: the sample input log (samples/session.jsonl), 136 events from frame 1000 to 1450 on "
+			"the host \"rig-3\", replayed through the Input Recorder\n\nThe script after Stop, one line a line (`lodex "
+			"record` prints it with \"\\r\\n\" between lines):\n\n" +
+				FTempDir::Read(std::string(LODEX_SOURCE_DIR) + "/tests/fixtures/recorder/session.txt")));
 	}
 
 	/** A folder holding one clipboard tool, a shell script. */

@@ -288,34 +288,24 @@ namespace
 
 	TEST(LodexInstallDryRun, ListsWhatItWouldDoWithHowManyFilesItWouldLeaveAndChangesNothing)
 	{
-		// How many of the module's files are in place already, and the dry run's lines after the copies.
-		const std::pair<std::size_t, std::string> Rows[] = {
-			{0, ""},
-			{ModuleFiles.size(), "  leave 8 files already up to date\n"},
-		};
-		for (const auto& [InPlace, Leave] : Rows)
+		// None of the module's files in place yet, then all of them.
+		for (const bool bInPlace : {false, true})
 		{
 			FProject Project;
-			std::string Copies;
-			for (std::size_t File = 0; File < ModuleFiles.size(); ++File)
+			for (const auto& [Relative, Text] : ModuleFiles)
 			{
-				const auto& [Relative, Text] = ModuleFiles[File];
-				if (File < InPlace)
+				if (bInPlace)
 				{
 					Write(Project.Plugin + "/" + Relative, Text);
-				}
-				else
-				{
-					Copies += "  copy " + Relative + "\n";
 				}
 			}
 			const auto Before = Project.ProjectFiles();
 			EXPECT_EQ(Printed(Project.Install({"--dry-run"})),
 				"Dry run: installing LodexDebugger from " + Project.Source + " into " + Project.Plugin + " would\n" +
-					Copies + "  add " + AddedEntry + "kept in UnrealCLR.uplugin.bak)\n" + Leave +
-					"Nothing was changed.\n")
-				<< InPlace;
-			EXPECT_EQ(Project.ProjectFiles(), Before) << InPlace;
+					(bInPlace ? "" : Listed("copy")) + "  add " + AddedEntry + "kept in UnrealCLR.uplugin.bak)\n" +
+					(bInPlace ? "  leave 8 files already up to date\n" : "") + "Nothing was changed.\n")
+				<< bInPlace;
+			EXPECT_EQ(Project.ProjectFiles(), Before) << bInPlace;
 		}
 	}
 

@@ -130,17 +130,4 @@ namespace
 				<< Row.Value;
 		}
 	}
-
-	TEST(LodexRecord, TheDemoShowsTheRecordedSampleSessionAndItsScript)
-	{
-		const FLodexRun Run = RunLodex({"demo"});
-		ASSERT_EQ(Run.Exit, 0) << Run.Err;
-		const std::string Expected =
-			"\nA recorded session: the sample input log (samples/session.jsonl), 136 events "
-			"from frame 1000 to 1450 on the host \"rig-3\", replayed through the Input "
-			"Recorder\n\nThe script after Stop, one line a line (`lodex record` prints it with "
-			"\"\\r\\n\" between lines):\n\n" +
-			FTempDir::Read(SourceDir + "/tests/fixtures/recorder/session.txt");
-		EXPECT_NE(Run.Out.find(Expected), std::string::npos) << Run.Out;
-	}
 }
