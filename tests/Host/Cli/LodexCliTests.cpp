@@ -24,25 +24,63 @@ namespace
 		std::string ScenePath;
 	};
 
-	TEST_F(LodexCli, PathTakesSeveralObjectsByIdOrNameAndDefaultsToAbsolute)
+	TEST_F(LodexCli, PathPrintsEachObjectsLodestringOrOneLineSayingWhichObjectOrSceneIsWrong)
 	{
-		const FLodexRun Run = RunLodex({"path", "--scene", ScenePath, "hinge", "Fog", "House"});
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Out, "/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n\n/*[@name = 'House']\n");
-		const FLodexRun Empty = RunLodex({"path", "--scene", ScenePath, "--mode", "", "door"});
-		EXPECT_EQ(Empty.Exit, 0) << Empty.Err;
-		EXPECT_EQ(Empty.Out, "\n");
-	}
-
-	TEST_F(LodexCli, PathRefusesUnknownAndAmbiguousObjects)
-	{
-		const FLodexRun Unknown = RunLodex({"path", "--scene", ScenePath, "door", "Nobody"});
-		EXPECT_EQ(Unknown.Exit, 1);
-		EXPECT_EQ(Unknown.Out, "") << "nothing is printed when one object is wrong";
-		EXPECT_EQ(Unknown.Err, "lodex: " + ScenePath + ": no object has the id, name or label 'Nobody'\n");
-		const FLodexRun Ambiguous = RunLodex({"path", "--scene", ScenePath, "Comp"});
-		EXPECT_EQ(Ambiguous.Exit, 1);
-		EXPECT_EQ(Ambiguous.Err, "lodex: " + ScenePath + ": 3 objects are named 'Comp'; name one by its id\n");
+		const std::string Null = Dir.Write("null.json", R"({"objects": [
+			{"id": "h", "kind": "actor", "name": "House", "outer": null, "attachParent": null},
+			{"id": "d", "kind": "actor", "name": "Door", "outer": null, "attachParent": "h", "rootWidget": null},
+			{"id": "w", "kind": "widget", "name": "W", "widgetParent": null}]})");
+		const std::string Dangling =
+			Dir.Write("dangling.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "outer": "x"}]})");
+		// Warehouse > Shelf_C_4 > Crate_3 with StaticMeshComponent0, the only one of that name in the warehouse.
+		const std::string Warehouse = Dir.Write("warehouse.json", R"({"objects": [
+			{"id": "level", "kind": "other", "name": "PersistentLevel"},
+			{"id": "warehouse", "kind": "actor", "name": "Warehouse", "outer": "level", "tags": []},
+			{"id": "shelf", "kind": "actor", "name": "Shelf_C_4", "outer": "level", "attachParent": "warehouse", "tags": []},
+			{"id": "crate", "kind": "actor", "name": "Crate_3", "outer": "level", "attachParent": "shelf", "tags": []},
+			{"id": "mesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "crate"},
+			{"id": "yard", "kind": "actor", "name": "Yard", "outer": "level", "tags": []},
+			{"id": "yardmesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "yard"},
+			{"id": "twin1", "kind": "actor", "name": "Twin", "outer": "level", "tags": []},
+			{"id": "twin2", "kind": "actor", "name": "Twin", "outer": "level", "tags": []}]})");
+		const std::string Sample = std::string(LODEX_SOURCE_DIR) + "/samples/level.json";
+		const struct
+		{
+			std::vector<std::string> Args;
+			std::string Printed;
+		} Rows[] = {
+			// Objects by id, name or label, Absolute by default; a mode nobody knows gives no node steps.
+			{{"path", "--scene", ScenePath, "hinge", "Fog", "House"},
+				"/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n\n/*[@name = 'House']\n"},
+			{{"path", "--scene", ScenePath, "--mode", "", "door"}, "\n"},
+			// Nothing is printed when one object is wrong.
+			{{"path", "--scene", ScenePath, "door", "Nobody"},
+				"exit 1: lodex: " + ScenePath + ": no object has the id, name or label 'Nobody'\n"},
+			{{"path", "--scene", ScenePath, "Comp"},
+				"exit 1: lodex: " + ScenePath + ": 3 objects are named 'Comp'; name one by its id\n"},
+			// The best: the house by its tag, the knob by its name, the hinge below its door; a component below
+			// generated names rests on the stable actor above them; of two objects nothing tells apart, the best
+			// there is and why it is not unique.
+			{{"path", "--scene", Sample, "--mode", "best", "house", "knob", "hinge", "level"},
+				"exit 0: lodex: PersistentLevel takes no step in a Lodestring\n"
+				"//*[@tag = 'bldg']\n//Knob\n//Door/fn:component('Hinge')\n\n"},
+			{{"path", "--scene", Warehouse, "--mode", "best", "mesh", "crate", "twin1"},
+				"exit 0: lodex: /*[@name = 'Twin'] matches 2 objects: no Lodestring tells them apart\n"
+				"//Warehouse//fn:component('StaticMeshComponent0')\n//Crate_3\n/*[@name = 'Twin']\n"},
+			// A null reference means none.
+			{{"path", "--scene", Null, "h", "d", "w"},
+				"/*[@name = 'House']\n/*[@name = 'House']/*[@name = 'Door']\n/*[@name = 'W']\n"},
+			{{"copy", "--scene", Dangling, "--mode", "Absolute", "a"},
+				"exit 1: lodex: " + Dangling + ": objects[0] (id 'a'): field 'outer': no object has the id 'x'\n"},
+			{{"copy", "--scene", Dir.File("absent.json"), "--mode", "Absolute", "a"},
+				"exit 1: lodex: " + Dir.File("absent.json") + ": cannot open the file\n"},
+			{{"copy", "--scene", Dir.Path, "--mode", "Absolute", "a"},
+				"exit 1: lodex: " + Dir.Path + ": is a folder, not a scene file\n"},
+		};
+		for (const auto& Row : Rows)
+		{
+			EXPECT_EQ(Printed(RunLodex(Row.Args)), Row.Printed) << ::testing::PrintToString(Row.Args);
+		}
 	}
 
 	TEST_F(LodexCli, CopyLogsEveryActorAndLeavesTheLastOnTheClipboardAndNothingSelectedLeavesItAlone)
@@ -85,10 +123,11 @@ namespace
 			const std::set<std::string> Before = FTempDir::List(Dir.Path);
 			const FLodexRun Run = RunLodex(
 				{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", Row.Clipboard, "a", "door"});
-			EXPECT_EQ(Run.Exit, 1);
-			EXPECT_EQ(Run.Out, "LogTemp: Lodestring : //A \nLogTemp: Lodestring : //Door \n");
-			// The failure once, then how many objects each copied Lodestring matches.
-			EXPECT_EQ(Run.Err, "lodex: " + Row.Error + "\n//A matches 1 object\n//Door matches 1 object\n");
+			// The failure once, then how many objects each copied Lodestring matches; the log stands.
+			EXPECT_EQ(Printed(Run),
+				"exit 1: lodex: " + Row.Error +
+					"\n//A matches 1 object\n//Door matches 1 object\n"
+					"LogTemp: Lodestring : //A \nLogTemp: Lodestring : //Door \n");
 			EXPECT_EQ(FTempDir::List(Dir.Path), Before);
 		}
 		EXPECT_TRUE(FTempDir::List(Dir.File("folder")).empty());
@@ -118,6 +157,11 @@ namespace
 			{{"copy", "--scene", ScenePath, "--mode", "Relative", "--clipboard", "", "door"},
 				"lodex: --clipboard: needs a file name", "Usage: lodex copy [OPTIONS] [objects...]"},
 			{{"install"}, "lodex: --project is required", "Usage: lodex install [OPTIONS]"},
+			// One evaluator, no more, no less.
+			{{"repl"}, "lodex: Exactly 1 option from [--scene,--evaluator] is required", "Usage: lodex repl [OPTIONS]"},
+			{{"debug", "--scene", ScenePath, "--evaluator", ScenePath},
+				"lodex: Exactly 1 option from [--scene,--evaluator] is required and 2 were given",
+				"Usage: lodex debug [OPTIONS]"},
 			{{"record", "--fps"}, "lodex: --input is required", "Usage: lodex record [OPTIONS]"},
 			{{"lint", "Tests"}, "lodex: --scene (or --project) is required", "Usage: lodex lint [OPTIONS] [tests...]"},
 			{{"lint", "--scene", ScenePath}, "lodex: tests is required", "Usage: lodex lint [OPTIONS] [tests...]"},
@@ -134,9 +178,7 @@ namespace
 
 	TEST_F(LodexCli, VersionAndHelpEverywhere)
 	{
-		const FLodexRun Version = RunLodex({"--version"});
-		EXPECT_EQ(Version.Exit, 0);
-		EXPECT_EQ(Version.Out, "lodex 0.1.0\n");
+		EXPECT_EQ(Printed(RunLodex({"--version"})), "lodex 0.1.0\n");
 		for (const std::vector<std::string>& Call : std::vector<std::vector<std::string>>{
 				 {"--help"}, {"path", "--help"}, {"copy", "--help"}, {"demo", "--help"}})
 		{
@@ -145,40 +187,6 @@ namespace
 			EXPECT_NE(Run.Out.find("Usage:"), std::string::npos) << Run.Out;
 		}
 		EXPECT_NE(RunLodex({"copy", "--help"}).Out.find("--clipboard"), std::string::npos);
-	}
-
-	TEST_F(LodexCli, ANullReferenceMeansNone)
-	{
-		const std::string Scene = Dir.Write("null.json", R"({"objects": [
-			{"id": "h", "kind": "actor", "name": "House", "outer": null, "attachParent": null},
-			{"id": "d", "kind": "actor", "name": "Door", "outer": null, "attachParent": "h", "rootWidget": null},
-			{"id": "w", "kind": "widget", "name": "W", "widgetParent": null}]})");
-		const FLodexRun Run = RunLodex({"path", "--scene", Scene, "h", "d", "w"});
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Out, "/*[@name = 'House']\n/*[@name = 'House']/*[@name = 'Door']\n/*[@name = 'W']\n");
-	}
-
-	TEST_F(LodexCli, BadSceneFilesFailWithOneLineAndNoOutput)
-	{
-		const std::string Dangling =
-			Dir.Write("dangling.json", R"({"objects": [{"id": "a", "kind": "actor", "name": "A", "outer": "x"}]})");
-		struct FRow
-		{
-			std::string Path;
-			std::string Error;
-		};
-		const FRow Rows[] = {
-			{Dangling, "lodex: " + Dangling + ": objects[0] (id 'a'): field 'outer': no object has the id 'x'\n"},
-			{Dir.File("absent.json"), "lodex: " + Dir.File("absent.json") + ": cannot open the file\n"},
-			{Dir.Path, "lodex: " + Dir.Path + ": is a folder, not a scene file\n"},
-		};
-		for (const FRow& Row : Rows)
-		{
-			const FLodexRun Run = RunLodex({"copy", "--scene", Row.Path, "--mode", "Absolute", "a"});
-			EXPECT_EQ(Run.Exit, 1);
-			EXPECT_EQ(Run.Out, "");
-			EXPECT_EQ(Run.Err, Row.Error);
-		}
 	}
 
 	/**
@@ -213,31 +221,11 @@ namespace
 				{"copy", "--scene", Scene, "--mode", "Absolute", "--clipboard", Dir.File("clip"), "a"}};
 			for (const std::vector<std::string>& Call : Calls)
 			{
-				const FProcessRun Run = ChildProcess::RunLodex(Call);
-				EXPECT_EQ(Run.Signal, 0) << Row.Value;
-				EXPECT_EQ(Run.Exit, 1) << Row.Value;
-				EXPECT_EQ(Run.Out, "");
-				EXPECT_EQ(Run.Err, "lodex: " + Scene + ":" + Row.Error + "\n") << Row.Value;
+				EXPECT_EQ(Printed(ChildProcess::RunLodex(Call)), "exit 1: lodex: " + Scene + ":" + Row.Error + "\n")
+					<< Row.Value;
 			}
 		}
 		EXPECT_FALSE(FTempDir::Exists(Dir.File("clip")));
-	}
-
-	/** The line of Text that starts with Start, without its end. */
-	std::string LineStartingWith(const std::string& Text, const std::string& Start)
-	{
-		const std::size_t At = Text.find("\n" + Start);
-		return At == std::string::npos ? std::string() : Text.substr(At + 1, Text.find('\n', At + 1) - At - 1);
-	}
-
-	int CountOccurrences(const std::string& Text, const std::string& Part)
-	{
-		int Count = 0;
-		for (std::size_t At = Text.find(Part); At != std::string::npos; At = Text.find(Part, At + Part.size()))
-		{
-			++Count;
-		}
-		return Count;
 	}
 
 	TEST(LodexBinary, DemoShowsTheSampleAsATableTheCommandRunTheExplorerAndWhatTheModuleAddsFromAnyFolder)
@@ -251,15 +239,13 @@ namespace
 			"----------------------  ----------  "
 			"----------------------------------------------------------------------  "
 			"--------------------------------------------  ------------------------------------------------------\n");
-		EXPECT_EQ(LineStartingWith(Run.Out, "PersistentLevel"),
-			"PersistentLevel         other       (empty)                                                               "
-			"  (empty)                                       (empty)");
-		// A name with a non-ASCII letter is padded by characters, not bytes.
-		EXPECT_EQ(LineStartingWith(Run.Out, "Tür"),
-			"Tür                     actor       /*[@name = 'Tür']                                                     "
-			"  //Tür                                         /*[@tag = '用户']");
 		for (const char* Expected :
 			{
+				"\nPersistentLevel         other       (empty)                                                        "
+				"         (empty)                                       (empty)\n",
+				// A name with a non-ASCII letter is padded by characters, not bytes.
+				"\nTür                     actor       /*[@name = 'Tür']                                              "
+				"         //Tür                                         /*[@tag = '用户']\n",
 				"\n\"Lodestring Absolute\" (MenuTool.MenuCommand2) on the selection Door, Lamp_2\n\n"
 				"LogTemp: Lodestring : /*[@name = 'House']/*[@name = 'Door'] \nLogTemp: Lodestring : /*[@name = "
 				"'Lamp_2'] \n\nClipboard: /*[@name = 'Lamp_2']\n\n",
@@ -321,8 +307,14 @@ namespace
 		{
 			EXPECT_NE(Run.Out.find(Expected), std::string::npos) << Expected;
 		}
-		EXPECT_EQ(CountOccurrences(Run.Out, "group \"Menu Root\"\n"), 4);
-		EXPECT_EQ(CountOccurrences(Run.Out, "debugPanel"), 0);
+		EXPECT_EQ(CountOf(Run.Out, "group \"Menu Root\"\n"), 4);
+		EXPECT_EQ(CountOf(Run.Out, "debugPanel"), 0);
+		// The recorded sample session, and its script as the panel holds it after Stop.
+		EXPECT_TRUE(Contains(Run.Out,
+			"\nA recorded session: the sample input log (samples/session.jsonl), 136 events from frame 1000 to 1450 on "
+			"the host \"rig-3\", replayed through the Input Recorder\n\nThe script after Stop, one line a line (`lodex "
+			"record` prints it with \"\\r\\n\" between lines):\n\n" +
+				FTempDir::Read(std::string(LODEX_SOURCE_DIR) + "/tests/fixtures/recorder/session.txt")));
 	}
 
 	/** A folder holding one clipboard tool, a shell script. */
@@ -400,50 +392,16 @@ namespace
 		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
 		EXPECT_EQ(FTempDir::List(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
 	}
-}
 
-namespace
-{
-	TEST(LodexBest, PathAndCopyGiveTheShortestStableLodestringThatFindsEachObjectAlone)
+	TEST(LodexBest, CopyLogsAndCopiesTheShortestStableLodestringThatFindsEachObjectAlone)
 	{
-		const std::string Sample = std::string(LODEX_SOURCE_DIR) + "/samples/level.json";
-		// The house by its tag, the knob by its name, the hinge below its door, a lamp's light below the lamp's tag.
-		const FLodexRun Path =
-			RunLodex({"path", "--scene", Sample, "--mode", "best", "house", "knob", "hinge", "level"});
-		EXPECT_EQ(Path.Exit, 0) << Path.Err;
-		EXPECT_EQ(Path.Out, "//*[@tag = 'bldg']\n//Knob\n//Door/fn:component('Hinge')\n\n");
-		EXPECT_EQ(Path.Err, "lodex: PersistentLevel takes no step in a Lodestring\n");
-
 		FTempDir Dir;
 		const std::string Clipboard = Dir.File("clipboard.txt");
-		const FLodexRun Copy =
-			RunLodex({"copy", "--scene", Sample, "--mode", "best", "--clipboard", Clipboard, "house", "knob"});
-		EXPECT_EQ(Copy.Exit, 0) << Copy.Err;
-		EXPECT_EQ(Copy.Out,
+		EXPECT_EQ(Printed(RunLodex({"copy", "--scene", std::string(LODEX_SOURCE_DIR) + "/samples/level.json", "--mode",
+					  "best", "--clipboard", Clipboard, "house", "knob"})),
+			"exit 0: //*[@tag = 'bldg'] matches 1 object\n//Knob matches 1 object\n"
 			"LogTemp: Best Lodestring : //*[@tag = 'bldg'] (matches 1 object)\n"
 			"LogTemp: Best Lodestring : //Knob (matches 1 object)\n");
-		EXPECT_EQ(Copy.Err, "//*[@tag = 'bldg'] matches 1 object\n//Knob matches 1 object\n");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "//*[@tag = 'bldg']\r\n//Knob");
-	}
-
-	TEST(LodexBest, AComponentBelowGeneratedNamesRestsOnTheStableActorAboveThem)
-	{
-		// Warehouse > Shelf_C_4 > Crate_3 with StaticMeshComponent0, the only one of that name in the warehouse.
-		FTempDir Dir;
-		const std::string Scene = Dir.Write("warehouse.json", R"({"objects": [
-			{"id": "level", "kind": "other", "name": "PersistentLevel"},
-			{"id": "warehouse", "kind": "actor", "name": "Warehouse", "outer": "level", "tags": []},
-			{"id": "shelf", "kind": "actor", "name": "Shelf_C_4", "outer": "level", "attachParent": "warehouse", "tags": []},
-			{"id": "crate", "kind": "actor", "name": "Crate_3", "outer": "level", "attachParent": "shelf", "tags": []},
-			{"id": "mesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "crate"},
-			{"id": "yard", "kind": "actor", "name": "Yard", "outer": "level", "tags": []},
-			{"id": "yardmesh", "kind": "component", "name": "StaticMeshComponent0", "outer": "yard"},
-			{"id": "twin1", "kind": "actor", "name": "Twin", "outer": "level", "tags": []},
-			{"id": "twin2", "kind": "actor", "name": "Twin", "outer": "level", "tags": []}]})");
-		const FLodexRun Path = RunLodex({"path", "--scene", Scene, "--mode", "best", "mesh", "crate", "twin1"});
-		EXPECT_EQ(Path.Exit, 0) << Path.Err;
-		EXPECT_EQ(Path.Out, "//Warehouse//fn:component('StaticMeshComponent0')\n//Crate_3\n/*[@name = 'Twin']\n");
-		// Two objects nothing tells apart: the best there is, and why it is not unique.
-		EXPECT_EQ(Path.Err, "lodex: /*[@name = 'Twin'] matches 2 objects: no Lodestring tells them apart\n");
 	}
 }

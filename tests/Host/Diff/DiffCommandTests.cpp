@@ -41,6 +41,12 @@ namespace
 							   .c_str());
 	}
 
+	/** What diff says of the two commits the fixture makes, after the names of the two sides. */
+	const char* const Changes =
+		": 1 renamed, 1 re-labelled (2 of 2 actors paired: 2 by GUID, 0 by level script class, 0 by "
+		"fingerprint)\nrenamed:\n  Lamp (Lamp_2) -> Lamp_3\nre-labelled:\n  Gate_UAID_1: 'Gate' -> "
+		"'Front Gate'\n";
+
 	class DiffCommand : public ::testing::Test
 	{
 	protected:
@@ -61,17 +67,10 @@ namespace
 
 	TEST_F(DiffCommand, RevisionsAreReadThroughGitWithTheirExternalActorsAndExitOneOnlyForChangesWithExitCode)
 	{
-		const std::string Expected = "lamp -> now: 1 renamed, 1 re-labelled (2 of 2 actors paired: 2 by GUID, 0 by "
-									 "level script class, 0 by fingerprint)\nrenamed:\n  Lamp (Lamp_2) -> Lamp_3\n"
-									 "re-labelled:\n  Gate_UAID_1: 'Gate' -> 'Front Gate'\n";
 		// Both sides at revisions, and the earlier one against the work tree: the same changes.
 		for (const std::string& Later : {"HEAD:" + Map, Map})
 		{
-			const FLodexRun Run = RunLodex({"diff", "HEAD~1:" + Map, Later});
-			EXPECT_EQ(Run.Exit, 0) << Run.Err;
-			const std::string Header = "HEAD~1:" + Map + " -> " + Later + ": ";
-			ASSERT_EQ(Run.Out.rfind(Header, 0), 0u) << Run.Out;
-			EXPECT_EQ("lamp -> now: " + Run.Out.substr(Header.size()), Expected);
+			EXPECT_EQ(Printed(RunLodex({"diff", "HEAD~1:" + Map, Later})), "HEAD~1:" + Map + " -> " + Later + Changes);
 		}
 		// The work tree and the index are as they were.
 		EXPECT_EQ(std::system(("test -z \"$(git -C '" + Repo.Path + "' status --porcelain)\"").c_str()), 0);
@@ -90,10 +89,8 @@ namespace
 		ASSERT_EQ(Git(Repo, "commit -q -m textures"), 0);
 		ASSERT_EQ(Git(Repo, "config filter.broken.smudge false"), 0);
 		ASSERT_EQ(Git(Repo, "config filter.broken.required true"), 0);
-		const FLodexRun Run = RunLodex({"diff", "--exit-code", "HEAD~2:" + Map, "HEAD:" + Map});
-		EXPECT_EQ(Run.Exit, 1) << Run.Err;
-		EXPECT_NE(Run.Out.find("Lamp (Lamp_2) -> Lamp_3"), std::string::npos) << Run.Out << Run.Err;
-		EXPECT_NE(Run.Out.find("Gate_UAID_1: 'Gate' -> 'Front Gate'"), std::string::npos) << Run.Out;
+		EXPECT_EQ(Printed(RunLodex({"diff", "--exit-code", "HEAD~2:" + Map, "HEAD:" + Map})),
+			"exit 1: HEAD~2:" + Map + " -> HEAD:" + Map + Changes);
 	}
 
 	TEST_F(DiffCommand, ASnapshotOutsideContentIsReadAtARevisionToo)
@@ -118,11 +115,8 @@ namespace
 			File +
 				":1:42: error: //Lamp_2 found Lamp_2 on the baseline and now matches no object: Lamp_2 was renamed "
 				"Lamp_3; suggested: /Lamp_3 [broken-by-change]");
-		const FLodexRun Missing = RunLodex({"lint", "--scene", Map, "--baseline", "nosuch:" + Map, File});
-		EXPECT_EQ(Missing.Exit, 1);
-		EXPECT_EQ(
-			Missing.Err, "lodex: nosuch:" + Map + ": no revision 'nosuch' in the repository at " + Repo.Path + "\n");
-		EXPECT_EQ(Missing.Out, "");
+		EXPECT_EQ(Printed(RunLodex({"lint", "--scene", Map, "--baseline", "nosuch:" + Map, File})),
+			"exit 1: lodex: nosuch:" + Map + ": no revision 'nosuch' in the repository at " + Repo.Path + "\n");
 	}
 
 	TEST_F(DiffCommand, WhatCannotBeReadIsOneLine)
@@ -141,10 +135,7 @@ namespace
 		};
 		for (const auto& Row : Rows)
 		{
-			const FLodexRun Run = RunLodex({"diff", "--exit-code", Row.Old, Map});
-			EXPECT_EQ(Run.Exit, 1);
-			EXPECT_EQ(Run.Err, Row.Error);
-			EXPECT_EQ(Run.Out, "");
+			EXPECT_EQ(Printed(RunLodex({"diff", "--exit-code", Row.Old, Map})), "exit 1: " + Row.Error);
 		}
 		// A level kept in Git LFS, whose objects were not fetched.
 		WriteTestFile(

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -42,17 +43,11 @@ namespace
 		return Map;
 	}
 
+	/** The map's actor of that name, which the base map has. */
 	FTestActor& Find(FTestMap& Map, const std::string& Name)
 	{
-		for (FTestActor& Candidate : Map.Actors)
-		{
-			if (Candidate.Name == Name)
-			{
-				return Candidate;
-			}
-		}
-		ADD_FAILURE() << Name;
-		return Map.Actors[0];
+		return *std::find_if(
+			Map.Actors.begin(), Map.Actors.end(), [&](const FTestActor& Candidate) { return Candidate.Name == Name; });
 	}
 
 	FLevelScene ReadMap(const FTestMap& Map, const std::string& Name)

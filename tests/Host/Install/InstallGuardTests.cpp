@@ -91,12 +91,10 @@ namespace
 			const auto Before = Project.ProjectFiles();
 
 			const FProcessRun Run = InstallSignalledAt(Project, Row.Step, Row.Signal);
-			EXPECT_EQ(Run.Exit, Row.Exit) << Row.Step;
-			EXPECT_EQ(Run.Err,
-				std::string("lodex: paused at ") + Row.Step + "\nlodex: interrupted by " + Row.Status + "; " +
-					Row.Outcome + "\n")
+			EXPECT_EQ(Printed(Run),
+				"exit " + std::to_string(Row.Exit) + ": lodex: paused at " + Row.Step + "\nlodex: interrupted by " +
+					Row.Status + "; " + Row.Outcome + "\n")
 				<< Row.Step;
-			EXPECT_EQ(Run.Out, "") << Row.Step;
 			EXPECT_EQ(Project.ProjectFiles(), Before) << Row.Step;
 			EXPECT_EQ(FTempDir::Read(Outside), "an icon elsewhere") << Row.Step;
 		}
@@ -107,15 +105,32 @@ namespace
 		return "{\"Modules\": [], \"Deep\": " + std::string(Depth, '[') + std::string(Depth, ']') + "}";
 	}
 
-	TEST(LodexDescriptorDialect, KeysAndNamesMatchIgnoringCaseAndWhatTheEngineReadsIsKeptAsWritten)
+	TEST(LodexDescriptorDialect, TheEntryIsWrittenAsItsNeighboursAndKeysAndNamesMatchIgnoringCaseAsTheEngineReadsThem)
 	{
 		const std::string& Entry = CompactEntry;
+		const std::string Bom = "\xEF\xBB\xBF";
 		const struct
 		{
 			std::string Text;
 			std::optional<std::string> Updated;
 			std::string Note;
 		} Rows[] = {
+			// The entry is added into the text as its neighbours are written, and nothing else changes.
+			{"{\"FileVersion\": 3}", "{\"FileVersion\": 3, \"Modules\": [" + Entry + "]}", ""},
+			{"{}", "{\"Modules\": [" + Entry + "]}", ""},
+			{Bom + "{\"Modules\": []}\n", Bom + "{\"Modules\": [" + Entry + "]}\n", ""},
+			{"{\"Modules\": [{\"Name\": \"A\"}, {\"Name\": \"B\"}], \"N\": 0.10}",
+				"{\"Modules\": [{\"Name\": \"A\"}, {\"Name\": \"B\"}, " + Entry + "], \"N\": 0.10}", ""},
+			{"{\n\t\"Version\": 1.50,\n\t\"Big\": 1e2\n}\n",
+				"{\n\t\"Version\": 1.50,\n\t\"Big\": 1e2,\n\t\"Modules\": [\n\t\t" + LodexEntry + "\n\t]\n}\n", ""},
+			{"{\r\n\t\"Modules\": [ ]\r\n}\r\n",
+				"{\r\n\t\"Modules\": [\r\n\t\t{\r\n\t\t\t\"Name\": \"LodexDebugger\",\r\n\t\t\t\"Type\": "
+				"\"Editor\",\r\n\t\t\t\"LoadingPhase\": \"PostEngineInit\"\r\n\t\t}\r\n\t]\r\n}\r\n",
+				""},
+			{"{\n  \"Modules\": [\n    {\"Name\": \"UnrealCLR\"}\n  ]\n}",
+				"{\n  \"Modules\": [\n    {\"Name\": \"UnrealCLR\"},\n    {\n      \"Name\": \"LodexDebugger\",\n      "
+				"\"Type\": \"Editor\",\n      \"LoadingPhase\": \"PostEngineInit\"\n    }\n  ]\n}",
+				""},
 			// The engine's field map takes "modules" for "Modules".
 			{"{\"modules\": [{\"Name\": \"UnrealCLR\"}]}", "{\"modules\": [{\"Name\": \"UnrealCLR\"}, " + Entry + "]}",
 				""},
@@ -182,10 +197,8 @@ namespace
 	{
 		FProject Project;
 		Write(Project.Plugin + "/UnrealCLR.uplugin", Nested(70000));
-		const FProcessRun Deep = ChildProcess::RunLodex(Project.Arguments());
-		EXPECT_EQ(Deep.Exit, 1);
-		EXPECT_EQ(Deep.Err,
-			"lodex: " + Project.Plugin +
+		EXPECT_EQ(Printed(ChildProcess::RunLodex(Project.Arguments())),
+			"exit 1: lodex: " + Project.Plugin +
 				"/UnrealCLR.uplugin:1:280: nested deeper than 256 levels, "
 				"the most lodex reads\n");
 	}

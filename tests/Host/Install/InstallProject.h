@@ -56,13 +56,6 @@ namespace LodexInstallTesting
 		return Lines;
 	}
 
-	/** The output of a quiet success; otherwise the exit code, then standard error, then standard output. */
-	inline std::string Printed(const FProcessRun& Run)
-	{
-		return Run.Exit == 0 && Run.Err.empty() ? Run.Out
-												: "exit " + std::to_string(Run.Exit) + ": " + Run.Err + Run.Out;
-	}
-
 	inline void Write(const std::string& Path, const std::string& Text)
 	{
 		fs::create_directories(fs::path(Path).parent_path());

@@ -54,9 +54,7 @@ namespace
 
 	TEST_F(LevelCommand, ShowsEachActorWithItsLabelClassTagsAttachmentAndBestLodestringItsComponentsBelow)
 	{
-		const FLodexRun Run = RunLodex({"level", MapFile});
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Out,
+		EXPECT_EQ(Printed(RunLodex({"level", MapFile})),
 			MapFile +
 				"\n"
 				"└── level /Game/Maps/Main\n"
@@ -66,7 +64,6 @@ namespace
 				"    │   └── Mesh (StaticMeshComponent)\n"
 				"    ├── PointLight_7 (label \"Lamp\"; class PointLight)  /PointLight_7\n"
 				"    └── Tür (class StaticMeshActor)  /Tür\n");
-		EXPECT_EQ(Run.Err, "");
 	}
 
 	TEST_F(LevelCommand, AsJsonIsASceneSnapshotThatGivesTheSameLodestringsAsTheLevel)
@@ -89,15 +86,12 @@ namespace
 		const std::string SnapshotFile = Temp.Write("level.json", Json.Out);
 		for (const char* Mode : {"Absolute", "Relative", "best"})
 		{
-			const std::vector<std::string> Objects = {"Crate", "Lamp", "Main Warehouse", "Tür", "Mesh"};
-			std::vector<std::string> OnLevel = {"path", "--scene", MapFile, "--mode", Mode};
-			std::vector<std::string> OnSnapshot = {"path", "--scene", SnapshotFile, "--mode", Mode};
-			OnLevel.insert(OnLevel.end(), Objects.begin(), Objects.end());
-			OnSnapshot.insert(OnSnapshot.end(), Objects.begin(), Objects.end());
-			const FLodexRun Level = RunLodex(OnLevel);
-			const FLodexRun FromJson = RunLodex(OnSnapshot);
-			EXPECT_EQ(Level.Exit, 0) << Level.Err;
-			EXPECT_EQ(Level.Out, FromJson.Out) << Mode;
+			const auto Paths = [&](const std::string& Scene)
+			{
+				return Printed(RunLodex(
+					{"path", "--scene", Scene, "--mode", Mode, "Crate", "Lamp", "Main Warehouse", "Tür", "Mesh"}));
+			};
+			EXPECT_EQ(Paths(MapFile), Paths(SnapshotFile)) << Mode;
 		}
 	}
 
@@ -116,17 +110,13 @@ namespace
 		EXPECT_NE(Json.Out.find("\"label\": \"Front\\tdoor\\nwest\""), std::string::npos) << Json.Out;
 		// The snapshot reads back, the label naming its actor there too.
 		const std::string Snapshot = Temp.Write("tabs.json", Json.Out);
-		const FLodexRun Path = RunLodex({"path", "--scene", Snapshot, "Front\tdoor\nwest"});
-		EXPECT_EQ(Path.Exit, 0) << Path.Err;
-		EXPECT_EQ(Path.Out, "/*[@name = 'Door_2']\n");
+		EXPECT_EQ(Printed(RunLodex({"path", "--scene", Snapshot, "Front\tdoor\nwest"})), "/*[@name = 'Door_2']\n");
 	}
 
 	TEST_F(LevelCommand, LintOnALevelNotesSavedGeneratedNamesAndWarnsOfWhatTheLevelDoesNotHold)
 	{
 		const std::string Tests = WriteTests({"//Crate_3", "//Projectile_12", "/Warehouse"});
-		const FLodexRun Run = RunLodex({"lint", "--scene", MapFile, Tests});
-		EXPECT_EQ(Run.Exit, 0) << Run.Err;
-		EXPECT_EQ(Run.Out,
+		EXPECT_EQ(Printed(RunLodex({"lint", "--scene", MapFile, Tests})),
 			Tests +
 				":2:14: note: the name 'Crate_3' ends in an instance number saved with the level: it is the same "
 				"on every run, but an edit of the level may renumber it; a tag on the object, or on an ancestor, "
@@ -219,10 +209,8 @@ namespace
 	TEST_F(LevelCommand, RefusesWhatIsNotALevelAndReadsLevelsWhateverTheirName)
 	{
 		const std::string Snapshot = Temp.Write("scene.json", R"({"objects": []})");
-		const FLodexRun NotLevel = RunLodex({"level", Snapshot});
-		EXPECT_EQ(NotLevel.Exit, 1);
-		EXPECT_EQ(NotLevel.Err,
-			"lodex: " + Snapshot +
+		EXPECT_EQ(Printed(RunLodex({"level", Snapshot})),
+			"exit 1: lodex: " + Snapshot +
 				": not a level saved by Unreal Engine (a scene snapshot, or another kind of file); lodex level reads "
 				".umap files\n");
 		// A level under another name is still a level.
