@@ -125,6 +125,15 @@ namespace
 		EXPECT_EQ(Block.stackText, nullptr);
 		EXPECT_EQ(Block.pathText, nullptr);
 		EXPECT_STREQ(Block.resultText, "");
+
+		// Status 0 publishes no text and no status, but still takes the path buffer away when asked to.
+		Side.Attach(Block);
+		FLodexEvaluatorAnswer Withdrawn;
+		Withdrawn.NullFields = FLodexEvaluatorAnswer::NullPath | FLodexEvaluatorAnswer::NullContext;
+		Side.Publish(Block, Withdrawn);
+		EXPECT_EQ(Block.pathText, nullptr);
+		EXPECT_STREQ(Block.contextText, "");
+		EXPECT_EQ(Block.status, 0);
 	}
 
 	/** An evaluator for the threaded tests: answers every request with texts made from its path. */

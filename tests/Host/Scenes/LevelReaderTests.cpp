@@ -330,6 +330,22 @@ namespace
 		EXPECT_EQ(ReadError("Maps/Ping.umap"),
 			ContentFile("Maps/Pong.umap") +
 				": a redirector to /Game/Maps/Ping, which redirects back or on past 8 redirectors");
+
+		// A chain is followed through 7 redirectors; the 8th is one too many.
+		for (int Link = 0; Link < 8; ++Link)
+		{
+			const std::string Name = "/Game/Chain/R" + std::to_string(Link);
+			Write("Chain/R" + std::to_string(Link) + ".umap",
+				WriteTestRedirector(Name, "/Game/Chain/R" + std::to_string(Link + 1)));
+		}
+		WriteMap(TestMap("/Game/Chain/R8", {TestActor("Cube")}));
+		EXPECT_EQ(ReadError("Chain/R0.umap"),
+			ContentFile("Chain/R7.umap") +
+				": a redirector to /Game/Chain/R8, which redirects back or on past 8 redirectors");
+		std::string Error;
+		ASSERT_TRUE(ReadLevelScene(ContentFile("Chain/R1.umap"), FLevelReadOptions(), Scene, Error)) << Error;
+		EXPECT_EQ(Scene.Notes.size(), 7u);
+		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Chain/R8.umap")});
 	}
 
 	TEST_F(LevelReader, ABlueprintActorWithoutSavedTagsHasItsClassesDefaultTagsLookedUpAtTheTopOfItsPackage)
