@@ -10,19 +10,6 @@
 #include <string>
 #include <vector>
 
-/** The object of Scene with this id; null when none has it. */
-inline const FSceneObject* FindSceneObject(const FSceneSnapshot& Scene, const std::string& Id)
-{
-	for (const FSceneObject& Object : Scene.GetObjects())
-	{
-		if (Object.Id == Id)
-		{
-			return &Object;
-		}
-	}
-	return nullptr;
-}
-
 /** Each object as "kind id class 'label' [tags] parent", the tags "-" when it saves none, in the scene's order. */
 inline std::vector<std::string> DescribeObjects(const FSceneSnapshot& Scene)
 {
@@ -78,12 +65,19 @@ protected:
 		return Error;
 	}
 
+	/** The object of the scene with this id; fails the test when none has it. */
 	const FSceneObject& Object(const std::string& Id) const
 	{
-		const FSceneObject* Found = FindSceneObject(Scene.Scene, Id);
+		for (const FSceneObject& Object : Scene.Scene.GetObjects())
+		{
+			if (Object.Id == Id)
+			{
+				return Object;
+			}
+		}
 		static const FSceneObject None;
-		EXPECT_NE(Found, nullptr) << "no object " << Id;
-		return Found != nullptr ? *Found : None;
+		ADD_FAILURE() << "no object " << Id;
+		return None;
 	}
 
 	/** Each object as "kind id", then "editor-only" and "on demand" when it is, in the scene's order. */

@@ -161,13 +161,17 @@ namespace
 		EXPECT_EQ(BulbOwner->Id, HouseB + ".House:PersistentLevel.Lamp");
 	}
 
-	TEST_F(LevelInstances, ALoopAnUnnamedInstanceAndAnOnDemandHostAreToldAndStillRead)
+	TEST_F(LevelInstances, ALoopAnUnnamedInstanceAndAnOnDemandOrWorldPartitionHostAreToldAndStillRead)
 	{
 		WriteMap(TestMap("/Game/Maps/Main",
 			{Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House")}, {"/Game/Maps/Far"}));
 		WriteMap(
 			TestMap("/Game/Houses/House", {Instancing("Again_1", "LevelInstance", "/Game/Houses/House.House", GuidA)}));
-		WriteMap(TestMap("/Game/Maps/Far", {Instancing("Hut_1", "LevelInstance", "/Game/Houses/Hut.Hut", GuidB)}));
+		// Far is a World Partition map without its actor folder; the game moves the actors of the instances in it
+		// into its cells.
+		const FTestActor Settings = TestActor("WorldSettings", {{"WorldPartition", "WorldPartition"}});
+		WriteMap(
+			TestMap("/Game/Maps/Far", {Settings, Instancing("Hut_1", "LevelInstance", "/Game/Houses/Hut.Hut", GuidB)}));
 		WriteMap(TestMap("/Game/Houses/Hut", {TestActor("Door")}));
 
 		const std::vector<std::string> Lines = ReadLevels();
@@ -178,6 +182,7 @@ namespace
 				"/Game/Maps/Main.Main:PersistentLevel @/Game/Maps/Main",
 				"/Game/Maps/Main.Main:PersistentLevel.LevelInstance_1 @/Game/Maps/Main",
 				"/Game/Maps/Far.Far:PersistentLevel @/Game/Maps/Far streamed",
+				"/Game/Maps/Far.Far:PersistentLevel.WorldSettings @/Game/Maps/Far",
 				"/Game/Maps/Far.Far:PersistentLevel.Hut_1 @/Game/Maps/Far",
 				Unnamed + ".House:PersistentLevel @" + Unnamed +
 					" by /Game/Maps/Main.Main:PersistentLevel.LevelInstance_1",
@@ -186,14 +191,20 @@ namespace
 				HutB + ".Hut:PersistentLevel @" + HutB + " by /Game/Maps/Far.Far:PersistentLevel.Hut_1 streamed",
 				HutB + ".Hut:PersistentLevel.Door @" + HutB,
 			}));
+		const std::string Far = ContentFile("Maps/Far.umap");
 		EXPECT_EQ(Scene.Notes,
 			(std::vector<std::string>{
+				Far + ": a World Partition map, but it has no external actor folder " +
+					ContentFile("__ExternalActors__/Maps/Far") + "; only the actors the map itself saves are read",
 				"the Level Instance /Game/Maps/Main.Main:PersistentLevel.LevelInstance_1 of /Game/Houses/House (or an "
 				"instance it lies in) saves no ActorGuid: the game names its level anew each time it runs; shown as " +
 					Unnamed,
 				"the Level Instance " + Unnamed +
 					".House:PersistentLevel.Again_1 of /Game/Houses/House lies inside that level itself; its level is "
 					"not read again",
+				"the Level Instance /Game/Maps/Far.Far:PersistentLevel.Hut_1 of /Game/Houses/Hut lies in the World "
+				"Partition map " +
+					Far + ": the game moves its actors into the map's own streaming cells; shown in a level of its own",
 			}));
 	}
 
@@ -230,25 +241,5 @@ namespace
 				<< Lint.Out;
 			EXPECT_NE(Lint.Out.find("(in " + HouseB + ")\n"), std::string::npos) << Lint.Out;
 		}
-	}
-
-	TEST_F(LevelInstances, InAWorldPartitionMapTheyAreSaidToMoveIntoTheMapsCells)
-	{
-		const FTestActor Settings = TestActor("WorldSettings", {{"WorldPartition", "WorldPartition"}});
-		WriteMap(TestMap("/Game/Maps/Main",
-			{Settings, Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House", GuidA)}));
-		Write("__ExternalActors__/Maps/Main/A/ZZ/First.uasset",
-			WriteTestExternalActor(
-				"/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", TestActor("Boat")));
-		WriteMap(TestMap("/Game/Houses/House", {TestActor("Lamp")}));
-
-		const std::vector<std::string> Lines = ReadLevels();
-		EXPECT_EQ(Lines.size(), 6u); // the map's level and three actors, the instance's level and its lamp
-		EXPECT_EQ(Scene.Notes,
-			std::vector<std::string>{"the Level Instance /Game/Maps/Main.Main:PersistentLevel.LevelInstance_1 of "
-									 "/Game/Houses/House lies in the World Partition map " +
-				Temp.Path +
-				"/Content/Maps/Main.umap: the game moves its actors into the map's own streaming cells; shown in a "
-				"level of its own"});
 	}
 }

@@ -15,7 +15,7 @@ namespace
 
 	const std::string Level = "/Game/Maps/Main.Main:PersistentLevel";
 
-	TEST_F(LevelReader, ActorsKeepTheNameClassLabelTagsAndPackageTheLevelSaves)
+	TEST_F(LevelReader, ActorsKeepTheirSavedFieldsAndComeInTheActorsArraysOrderEachFollowedByItsComponents)
 	{
 		// A name is rendered from its stored number minus one; "Wall_07" and "Lamp_0" are stored as they are.
 		FTestActor Labelled = TestActor("BP_barrel_C_41");
@@ -25,56 +25,36 @@ namespace
 		FTestActor Wide = TestActorOfClass("T\u00fcr_2", "PointLight");
 		Wide.Label = "T\u00fcr \u7528\u6237 \U0001F600";
 		Wide.bTags = true;
-		ReadMap(TestMap("/Game/Maps/Main",
+		FTestMap Map = TestMap("/Game/Maps/Main",
 			{TestActor("StaticMeshActor_193", {{"Root"}}, "Root"), TestActor("Cube"), Labelled, TestActor("Lamp_0"),
-				TestActor("Wall_07"), Wide}));
+				TestActor("Wall_07", {{"Mesh"}, {"Light", "PointLightComponent"}}), Wide, TestActor("Unlisted")});
+		Map.Actors.back().bListed = false;
+		Map.Order = {4, 0, 1, 2, 3, 5, 6};
+		Map.bNullActor = true;
+		ReadMap(Map);
 		EXPECT_EQ(DescribeObjects(Scene.Scene),
 			(std::vector<std::string>{
 				"other " + Level + " Level '' - -",
+				"actor " + Level + ".Wall_07 StaticMeshActor '' [] -",
+				"component " + Level + ".Wall_07.Mesh StaticMeshComponent '' - -",
+				"component " + Level + ".Wall_07.Light PointLightComponent '' - -",
 				"actor " + Level + ".StaticMeshActor_193 StaticMeshActor '' [] -",
 				"component " + Level + ".StaticMeshActor_193.Root StaticMeshComponent '' - -",
 				"actor " + Level + ".Cube StaticMeshActor '' [] -",
 				"actor " + Level + ".BP_barrel_C_41 StaticMeshActor 'Front door' [locked,red_2] -",
 				"actor " + Level + ".Lamp_0 StaticMeshActor '' [] -",
-				"actor " + Level + ".Wall_07 StaticMeshActor '' [] -",
 				"actor " + Level + ".T\u00fcr_2 PointLight 'T\u00fcr \u7528\u6237 \U0001F600' [] -",
 			}));
 		for (const FSceneObject& Object : Scene.Scene.GetObjects())
 		{
-			EXPECT_EQ(Object.Id.substr(Object.Id.size() - Object.Name.size()), Object.Name);
+			EXPECT_EQ(Object.Id.substr(Object.Id.find_last_of(".:") + 1), Object.Name);
 			EXPECT_EQ(Object.Origin, ELodexPlacement::Placed) << Object.Id;
 			EXPECT_EQ(Object.Package, "/Game/Maps/Main") << Object.Id;
 		}
+		EXPECT_EQ(Object(Level + ".Wall_07.Light").Outer, &Object(Level + ".Wall_07"));
+		EXPECT_EQ(Object(Level + ".Wall_07").Outer, &Object(Level));
 		EXPECT_EQ(Scene.Files, std::vector<std::string>{ContentFile("Maps/Main.umap")});
 		EXPECT_TRUE(Scene.Notes.empty());
-	}
-
-	TEST_F(LevelReader, ActorsComeInTheActorsArraysOrderEachFollowedByItsComponents)
-	{
-		FTestMap Map = TestMap("/Game/Maps/Main",
-			{TestActor("A", {{"Root"}}, "Root"), TestActor("B"),
-				TestActor("C", {{"Mesh"}, {"Light", "PointLightComponent"}})});
-		Map.Actors.push_back(TestActor("Unlisted"));
-		Map.Actors.back().bListed = false;
-		Map.Order = {2, 0, 1, 3};
-		Map.bNullActor = true;
-		ReadMap(Map);
-		EXPECT_EQ(Listing(),
-			(std::vector<std::string>{
-				"other " + Level,
-				"actor " + Level + ".C",
-				"component " + Level + ".C.Mesh",
-				"component " + Level + ".C.Light",
-				"actor " + Level + ".A",
-				"component " + Level + ".A.Root",
-				"actor " + Level + ".B",
-			}));
-		const FSceneObject& Light = Object(Level + ".C.Light");
-		EXPECT_EQ(Light.Outer, &Object(Level + ".C"));
-		EXPECT_EQ(Light.ClassName, "PointLightComponent");
-		EXPECT_FALSE(Light.bHasTags);
-		EXPECT_EQ(Object(Level + ".C").Outer, &Object(Level));
-		EXPECT_EQ(Object(Level).Name, "PersistentLevel");
 	}
 
 	TEST_F(LevelReader, AnActorsAttachParentIsTheOwnerOfTheComponentItsRootIsAttachedToWhenItWasRead)
@@ -123,7 +103,10 @@ namespace
 		Write(Folder + "B/AA/Second.uasset",
 			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/B/AA/Second", Cube));
 		Write(Folder + "A/ZZ/First.uasset",
-			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", Base));
+			WriteTestExternalActor("/Game/Maps/Main", "/Game/__ExternalActors__/Maps/Main/A/ZZ/First", Base,
+				[](FTestPackage& Package) { Package.SetVersions(-7, 522, 0, 40); }));
+		// One that cannot be read is a note, and those after it are read.
+		Write(Folder + "B/00/Bad.uasset", "\xC1\x83\x2A\x9E");
 		// An actor package of another map in the same folder tree is left out.
 		Write(Folder + "C/00/Stray.uasset",
 			WriteTestExternalActor(
@@ -145,8 +128,11 @@ namespace
 		EXPECT_EQ(Object(Level + ".Cube_UAID_02").Package, "/Game/__ExternalActors__/Maps/Main/B/AA/Second");
 		EXPECT_EQ(Object(Level + ".Cube_UAID_02.Root").Package, "/Game/__ExternalActors__/Maps/Main/B/AA/Second");
 		EXPECT_EQ(Scene.Notes,
-			std::vector<std::string>{ContentFile(Folder + "C/00/Stray.uasset") +
-				": an actor of /Game/Maps/Other.Other:PersistentLevel, not of " + Level + "; left out"});
+			(std::vector<std::string>{ContentFile(Folder + "C/00/Stray.uasset") +
+					": an actor of /Game/Maps/Other.Other:PersistentLevel, not of " + Level + "; left out",
+				ContentFile(Folder + "B/00/Bad.uasset") +
+					": byte 4: the file ends at byte 4, inside the package summary; this external actor package is "
+					"left out"}));
 	}
 
 	TEST_F(LevelReader, AnActorTheActorsArrayNamesTwiceIsReadOnceAndOneInTwoPackagesIsAnError)
@@ -176,10 +162,14 @@ namespace
 	{
 		FTestMap Map;
 		Map.Actors = {TestActor("DirectionalLight_0")};
-		Map.SubLevels = {"/Game/Maps/Sub", "/Game/Maps/Missing", "/Game/Maps/Sub", "/Plugin/Maps/Elsewhere"};
+		Map.SubLevels = {
+			"/Game/Maps/Sub", "/Game/Maps/Missing", "/Game/Maps/Sub", "/Plugin/Maps/Elsewhere", "/Game/Maps/Both"};
+		// Loaded at start by one streaming level, of this world or another, whatever another says: not on demand.
+		Map.LoadedSubLevels = {"/Game/Maps/Deeper", "/Game/Maps/Both"};
 		WriteMap(TestMap("/Game/Maps/Sub", {TestActor("DirectionalLight_0", {{"Root"}}, "Root")},
 			{"/Game/Maps/Main", "/Game/Maps/Deeper"}));
 		WriteMap(TestMap("/Game/Maps/Deeper", {TestActor("Rock")}));
+		WriteMap(TestMap("/Game/Maps/Both", {TestActor("Rock")}));
 		ReadMap(Map);
 		const std::string SubLevel = "/Game/Maps/Sub.Sub:PersistentLevel";
 		EXPECT_EQ(Listing(),
@@ -189,11 +179,13 @@ namespace
 				"other " + SubLevel + " on demand",
 				"actor " + SubLevel + ".DirectionalLight_0",
 				"component " + SubLevel + ".DirectionalLight_0.Root",
-				"other /Game/Maps/Deeper.Deeper:PersistentLevel on demand",
+				"other /Game/Maps/Both.Both:PersistentLevel",
+				"actor /Game/Maps/Both.Both:PersistentLevel.Rock",
+				"other /Game/Maps/Deeper.Deeper:PersistentLevel",
 				"actor /Game/Maps/Deeper.Deeper:PersistentLevel.Rock",
 			}));
 		EXPECT_EQ(Object(SubLevel + ".DirectionalLight_0").Package, "/Game/Maps/Sub");
-		EXPECT_EQ(Scene.SubLevelCount, 2u);
+		EXPECT_EQ(Scene.SubLevelCount, 3u);
 		const std::string Content = Temp.Path + "/Content";
 		EXPECT_EQ(Scene.Notes,
 			(std::vector<std::string>{
@@ -208,7 +200,8 @@ namespace
 		EXPECT_EQ(Scene.SubLevelCount, 0u);
 		EXPECT_EQ(Scene.Notes,
 			std::vector<std::string>{ContentFile("Maps/Main.umap") +
-				": sub-levels left out: /Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere"});
+				": sub-levels left out: /Game/Maps/Sub, /Game/Maps/Missing, /Game/Maps/Sub, /Plugin/Maps/Elsewhere, "
+				"/Game/Maps/Both, /Game/Maps/Deeper, /Game/Maps/Both"});
 	}
 
 	TEST_F(LevelReader, ComponentsAreKnownByWhatThePackagesSaveAndEditorOnlyObjectsAreMarked)
@@ -264,29 +257,6 @@ namespace
 				"component " + Level + ".Fan.Fancy",
 			}));
 		EXPECT_EQ(Object(Capturer + ".NewSceneCaptureComponent2D").ClassName, "SceneCaptureComponent2D");
-	}
-
-	TEST_F(LevelReader, ASubLevelNoStreamingLevelLoadsAtStartIsMarkedStreamedOnDemand)
-	{
-		FTestMap Map;
-		Map.SubLevels = {"/Game/Maps/Streamed", "/Game/Maps/Both"};
-		Map.LoadedSubLevels = {"/Game/Maps/Loaded", "/Game/Maps/Both"};
-		for (const char* Name : {"Streamed", "Loaded", "Both"})
-		{
-			WriteMap(TestMap(std::string("/Game/Maps/") + Name, {TestActor("Rock")}));
-		}
-		ReadMap(Map);
-		// A sub-level one streaming level loads at start is loaded at start, whatever another says.
-		EXPECT_EQ(Listing(),
-			(std::vector<std::string>{
-				"other " + Level,
-				"other /Game/Maps/Streamed.Streamed:PersistentLevel on demand",
-				"actor /Game/Maps/Streamed.Streamed:PersistentLevel.Rock",
-				"other /Game/Maps/Both.Both:PersistentLevel",
-				"actor /Game/Maps/Both.Both:PersistentLevel.Rock",
-				"other /Game/Maps/Loaded.Loaded:PersistentLevel",
-				"actor /Game/Maps/Loaded.Loaded:PersistentLevel.Rock",
-			}));
 	}
 
 	TEST_F(LevelReader, AStreamingLevelTheWorldListsTwiceIsReadOnce)

@@ -1,7 +1,7 @@
 // Copyright Lodex contributors.
 // Packages saved by the engines before 5.0 that 5.0 loads (UE4 214 on, legacy versions -2 to -8), each field read
-// from the version that saves it; the summary read to its end; and a part of a level that cannot be read left out
-// with a note while the rest is read.
+// from the version that saves it; the summary read to its end; and the notes on parts of a level that cannot be
+// read, as the commands sum them up.
 #include "LevelContentTest.h"
 #include "LodexRun.h"
 
@@ -14,8 +14,6 @@
 
 namespace
 {
-	const std::string Level = "/Game/Maps/Main.Main:PersistentLevel";
-
 	/** Two actors, one attached to the other, with a label, two tags and a soft sub-level reference. */
 	FTestMap OlderMap()
 	{
@@ -29,7 +27,7 @@ namespace
 		std::int32_t Legacy, UE4, UE5, ReleaseObjectVersion;
 	};
 
-	TEST(OlderPackages, EveryVersionTheEngineLoadsGivesTheSameLevel)
+	TEST(OlderPackages, EveryVersionTheEngineLoadsGivesTheSameLevelAndNamesTheByteOfAnError)
 	{
 		FLevelScene Expected;
 		std::string Error;
@@ -65,6 +63,18 @@ namespace
 				<< Row.UE4 << ": " << Error;
 			EXPECT_EQ(DescribeObjects(Scene.Scene), DescribeObjects(Expected.Scene))
 				<< "UE4 " << Row.UE4 << ", legacy " << Row.Legacy;
+			// An error in an export entry names its byte, with a template index (UE4 508 on) or without.
+			FTestMap Bad = OlderMap();
+			Bad.Actors[1].Name = "Bad.Cube";
+			FTestPackage BadPackage("/Game/Maps/Main");
+			BadPackage.SetVersions(Row.Legacy, Row.UE4, Row.UE5, Row.ReleaseObjectVersion);
+			std::string BadError;
+			EXPECT_FALSE(
+				ReadLevelSceneBytes(WriteTestMap(Bad, &BadPackage), "level.umap", "/Game/Maps/Main", Scene, BadError));
+			EXPECT_EQ(BadError,
+				"level.umap: byte " + std::to_string(BadPackage.Layout.ExportEntries[5] + (Row.UE4 >= 508 ? 16 : 12)) +
+					": the name of actor 'Bad.Cube' holds '.', which no object name holds")
+				<< Row.UE4;
 		}
 	}
 
@@ -101,50 +111,7 @@ namespace
 		}
 	}
 
-	TEST(OlderPackages, AnErrorInAnExportEntryWithoutTemplateIndexNamesItsByte)
-	{
-		for (const std::int32_t UE4 : {507, 508})
-		{
-			FTestMap Map = OlderMap();
-			Map.Actors[1].Name = "Bad.Cube";
-			FTestPackage Package("/Game/Maps/Main");
-			Package.SetVersions(-7, UE4, 0, 40);
-			const std::string Bytes = WriteTestMap(Map, &Package);
-			FLevelScene Scene;
-			std::string Error;
-			EXPECT_FALSE(ReadLevelSceneBytes(Bytes, "level.umap", "/Game/Maps/Main", Scene, Error));
-			const std::size_t Entry = Package.Layout.ExportEntries[5]; // the second actor's
-
-			EXPECT_EQ(Error,
-				"level.umap: byte " + std::to_string(Entry + (UE4 >= 508 ? 16 : 12)) +
-					": the name of actor 'Bad.Cube' holds '.', which no object name holds")
-				<< UE4;
-		}
-	}
-
 	using OlderProject = FLevelContentTest;
-
-	TEST_F(OlderProject, AnUnreadableExternalActorIsANoteAndTheOthersAreRead)
-	{
-		WriteMap(TestMap("/Game/Maps/Main", {TestActor("WorldSettings")}));
-		const std::string Folder = "__ExternalActors__/Maps/Main/";
-		const std::string Packages = "/Game/__ExternalActors__/Maps/Main/";
-		Write(Folder + "A/AA/First.uasset",
-			WriteTestExternalActor("/Game/Maps/Main", Packages + "A/AA/First", TestActor("First_UAID_01"),
-				[](FTestPackage& Package) { Package.SetVersions(-7, 522, 0, 40); }));
-		Write(Folder + "C/CC/Second.uasset",
-			WriteTestExternalActor("/Game/Maps/Main", Packages + "C/CC/Second", TestActor("Second_UAID_02")));
-		Write(Folder + "B/BB/Bad.uasset", std::string("\xC1\x83\x2A\x9E\xF7\xFF\xFF\xFF", 8));
-		Read();
-		EXPECT_NE(FindSceneObject(Scene.Scene, Level + ".First_UAID_01"), nullptr);
-		EXPECT_NE(FindSceneObject(Scene.Scene, Level + ".Second_UAID_02"), nullptr);
-		EXPECT_EQ(Scene.ExternalActorCount, 2u);
-		EXPECT_EQ(Scene.Notes,
-			std::vector<std::string>{ContentFile(Folder + "B/BB/Bad.uasset") +
-				": byte 4: saved by an engine newer than 5.0 (legacy file version -9); Lodex reads package file "
-				"versions UE4 214 to 522 and UE5 1000 to 1004 (legacy versions -2 to -8), as Unreal Engine 5.0 loads "
-				"them; this external actor package is left out"});
-	}
 
 	TEST_F(OlderProject, CommandsSumUpNotesOfAKindAndListThemWithVerbose)
 	{

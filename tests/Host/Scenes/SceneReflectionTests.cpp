@@ -1,15 +1,9 @@
 // Copyright Lodex contributors.
-#include "Explore/ExplorerHost.h"
-#include "Demo/SampleData.h"
 #include "Scenes/SceneReflection.h"
 #include "Scenes/SceneSnapshot.h"
 
-#include "LodexDebugger/Core/Explorer/SnapshotWriter.h"
-#include "LodexDebugger/Core/Lodestring/Lodestring.h"
-
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -110,18 +104,6 @@ namespace
 		}
 	}
 
-	TEST(SceneReflection, FilesWithoutClassesLoadAndTheirObjectsHaveNoClass)
-	{
-		FSceneSnapshot Scene;
-		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::Parse(
-			R"({"objects": [{"id": "a", "kind": "actor", "name": "A"}], "classes": null})", "old.json", Scene, Error))
-			<< Error;
-		const FSceneReflection Reflection(Scene);
-		EXPECT_TRUE(Reflection.GetClass(Scene.FindObject("a", Error)).IsNull());
-		EXPECT_TRUE(Scene.GetClasses().empty());
-	}
-
 	TEST(SceneReflection, ComponentsOwnersAndTheReturnProperty)
 	{
 		const std::string Text = R"({"objects": [
@@ -156,86 +138,5 @@ namespace
 		EXPECT_EQ(Reflection.GetPropertyType(Early), "bool");
 		// As the engine's GetReturnProperty: only among the leading parameters.
 		EXPECT_TRUE(Reflection.GetReturnProperty(FSceneReflection::Handle(Class.Functions[1])).IsNull());
-	}
-
-	/** What the explorer sees of a scene: each object's Lodestrings, class chain and members, in file order. */
-	std::string DescribeScene(const FSceneSnapshot& Scene)
-	{
-		const FSceneReflection Reflection(Scene);
-		std::ostringstream Out;
-		for (const FSceneObject& Object : Scene.GetObjects())
-		{
-			const FLodexObject Handle = FSceneSnapshot::Handle(Object);
-			Out << LodexSnapshot::GetKindName(Object.Kind) << " " << Object.Name;
-			for (const char* Mode : {"Absolute", "Relative", "Tag"})
-			{
-				Out << " | " << BuildLodestring(Scene, Handle, Mode);
-			}
-			Out << "\n";
-			for (FLodexClass Class = Reflection.GetClass(Handle); Class; Class = Reflection.GetSuperClass(Class))
-			{
-				Out << "  class " << Reflection.GetClassName(Class) << "\n";
-				std::vector<FLodexFunction> Functions;
-				Reflection.GetOwnFunctions(Class, Functions);
-				for (const FLodexFunction Function : Functions)
-				{
-					Out << "    " << Reflection.GetFunctionName(Function) << "(";
-					std::vector<FLodexProperty> Properties;
-					Reflection.GetFunctionProperties(Function, Properties);
-					for (const FLodexProperty Property : Properties)
-					{
-						Out << Reflection.GetPropertyType(Property) << " " << Reflection.GetPropertyName(Property)
-							<< " " << Reflection.GetPropertyFlags(Property) << "; ";
-					}
-					Out << ")\n";
-				}
-				std::vector<FLodexProperty> Properties;
-				Reflection.GetOwnProperties(Class, Properties);
-				for (const FLodexProperty Property : Properties)
-				{
-					Out << "    " << Reflection.GetPropertyType(Property) << " " << Reflection.GetPropertyName(Property)
-						<< "\n";
-				}
-			}
-		}
-		return Out.str();
-	}
-
-	std::string Explore(const FSceneSnapshot& Scene, const std::vector<std::string>& Actions)
-	{
-		std::ostringstream Out;
-		FHeadlessExplorer Explorer(Scene, Out);
-		for (const std::string& Action : Actions)
-		{
-			std::string Error;
-			EXPECT_TRUE(Explorer.RunAction(Action, Error)) << Action << ": " << Error;
-		}
-		return Out.str();
-	}
-
-	TEST(SceneReflection, AnExportedSampleLoadsAgainWithTheSameLodestringsReflectionAndExplorer)
-	{
-		FSceneSnapshot Sample;
-		std::string Error;
-		ASSERT_TRUE(FSceneSnapshot::Parse(GetSampleLevelJson(), "sample", Sample, Error)) << Error;
-		const FSceneReflection Reflection(Sample);
-		std::vector<FLodexObject> Objects;
-		for (const FSceneObject& Object : Sample.GetObjects())
-		{
-			Objects.push_back(FSceneSnapshot::Handle(Object));
-		}
-		FLodexSnapshotCounts Counts;
-		const std::string Exported = LodexSnapshot::Write(Sample, Reflection, Objects, &Counts);
-		FSceneSnapshot Again;
-		ASSERT_TRUE(FSceneSnapshot::Parse(Exported, "exported", Again, Error)) << Error << "\n" << Exported;
-
-		EXPECT_EQ(Counts.Objects, Sample.GetObjects().size());
-		EXPECT_EQ(Again.GetObjects().size(), Sample.GetObjects().size());
-		EXPECT_EQ(Counts.Classes, Again.GetClasses().size());
-		EXPECT_EQ(DescribeScene(Again), DescribeScene(Sample));
-		const std::vector<std::string> Actions{"select Door", "pick method TryUnlock", "menu methods",
-			"choose Lodestring Absolute", "tree Hinge", "pick property RelativeLocation", "menu properties",
-			"choose Lodestring Relative", "show"};
-		EXPECT_EQ(Explore(Again, Actions), Explore(Sample, Actions));
 	}
 }

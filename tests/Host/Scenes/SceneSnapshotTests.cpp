@@ -1,4 +1,5 @@
 // Copyright Lodex contributors.
+#include "Scenes/SceneReflection.h"
 #include "Scenes/SceneSnapshot.h"
 #include "TempDir.h"
 
@@ -8,15 +9,16 @@
 
 namespace
 {
-	TEST(SceneSnapshot, TextComesOutAsItWentInAndObjectsAreFoundByIdThenByUniqueName)
+	TEST(SceneSnapshot, FieldsAreReadAsTheyWentInGuidsInCapitalsAndObjectsAreFoundByIdThenByUniqueName)
 	{
-		// Absent tags mean no tags array; unknown fields are ignored; objects may refer to objects listed later.
+		// Absent tags mean no tags array, null classes no classes; a guid is read in capitals; unknown fields are
+		// ignored; objects may refer to objects listed later.
 		FTempDir Dir;
-		const std::string Path = Dir.Write("scene.json", R"({"version": 3, "objects": [
+		const std::string Path = Dir.Write("scene.json", R"({"version": 3, "classes": null, "objects": [
 			{"id": "g", "kind": "actor", "name": "Tür \u7528\u6237", "tags": ["用户", "a'b"]},
 			{"id": "c", "kind": "component", "name": "C", "outer": "a"},
 			{"id": "a", "kind": "actor", "name": "A", "colour": "red", "attachParent": "b"},
-			{"id": "b", "kind": "actor", "name": "B"},
+			{"id": "b", "kind": "actor", "name": "B", "guid": "0a1b2c3d4e5f60718293a4b5c6d7e8f9", "location": [1, 2.5, -3]},
 			{"id": "x", "kind": "actor", "name": "Twin"},
 			{"id": "y", "kind": "actor", "name": "Twin"},
 			{"id": "Twin2", "kind": "actor", "name": "x"}]})");
@@ -28,9 +30,15 @@ namespace
 		EXPECT_EQ(BuildLodestring(Scene, Gate, "Tag"), "/*[@tag = '用户' or @tag = 'a'b']");
 		EXPECT_EQ(BuildLodestring(Scene, Scene.FindObject("c", Error), "Absolute"),
 			"/*[@name = 'B']/*[@name = 'A']/fn:component('C')");
+		EXPECT_TRUE(Scene.GetClasses().empty());
+		EXPECT_TRUE(FSceneReflection(Scene).GetClass(Gate).IsNull());
 		std::vector<std::string> Tags{"stale"};
 		EXPECT_FALSE(Scene.GetTags(Scene.FindObject("a", Error), Tags));
 		EXPECT_TRUE(Tags.empty());
+		const FSceneObject& B = FSceneSnapshot::Resolve(Scene.FindObject("b", Error));
+		EXPECT_EQ(B.Guid, "0A1B2C3D4E5F60718293A4B5C6D7E8F9");
+		EXPECT_TRUE(B.bHasLocation);
+		EXPECT_EQ(std::vector<double>(B.Location, B.Location + 3), (std::vector<double>{1, 2.5, -3}));
 
 		EXPECT_EQ(FSceneSnapshot::Resolve(Scene.FindObject("x", Error)).Id, "x") << "an id wins over a name";
 		EXPECT_FALSE(Scene.FindObject("Twin", Error));
