@@ -56,28 +56,35 @@ namespace
 		return Made;
 	}
 
-	TEST(BadLevel, AnotherFileKindOrByteOrderIsNoPackage)
+	TEST(BadLevel, AnotherFileKindOrByteOrderIsNoPackageAndOnlyThePackageTagInEitherOrderLooksLikeOne)
 	{
 		const struct
 		{
-			std::string Bytes, Error;
+			std::string Bytes;
+			bool bLooksLikeAPackage;
+			std::string Error;
 		} Rows[] = {
-			{"",
+			{"", false,
 				"level.umap: byte 0: not an Unreal package: it starts with nothing (the file is empty), not the "
 				"package tag C1 83 2A 9E"},
-			{"{\"objects\": []}",
+			{"{\"objects\": []}", false,
 				"level.umap: byte 0: not an Unreal package: it starts with 7B 22 6F 62, not the package tag C1 83 2A "
 				"9E"},
-			{"\xC1\x83",
+			{"\xC1\x83", false,
 				"level.umap: byte 0: not an Unreal package: it starts with C1 83, not the package tag C1 83 2A 9E"},
-			{std::string("\x9E\x2A\x83\xC1\0\0\0\0", 8),
+			{std::string("\x9E\x2A\x83\xC1\0\0\0\0", 8), true,
 				"level.umap: byte 0: a byte-swapped (big-endian) package; Lodex reads the editor's little-endian "
 				"packages"},
 		};
 		for (const auto& Row : Rows)
 		{
+			EXPECT_EQ(IsUnrealPackageBytes(Row.Bytes), Row.bLooksLikeAPackage) << Row.Error;
 			EXPECT_EQ(ReadError(Row.Bytes), Row.Error);
 		}
+		FTempDir Temp;
+		EXPECT_TRUE(IsUnrealPackageFile(Temp.Write("level.json", WriteTestMap(FTestMap()))));
+		EXPECT_FALSE(IsUnrealPackageFile(Temp.Write("scene.umap", "{\"objects\": []}")));
+		EXPECT_FALSE(IsUnrealPackageFile(Temp.File("missing.umap")));
 	}
 
 	TEST(BadLevel, AnotherEngineVersionSaysWhichSavedItAndWhichLodexReads)

@@ -28,28 +28,6 @@ namespace
 
 	using LevelFiles = FLevelContentTest;
 
-	TEST_F(LevelFiles, AreToldFromOtherFilesByTheirFirstBytes)
-	{
-		const struct
-		{
-			std::string Bytes;
-			bool bPackage;
-		} Rows[] = {
-			{std::string("\xC1\x83\x2A\x9E\x01", 5), true},
-			{std::string("\x9E\x2A\x83\xC1", 4), true},
-			{std::string("\xC1\x83\x2A", 3), false},
-			{"{\"objects\": []}", false},
-			{"", false},
-		};
-		for (const auto& Row : Rows)
-		{
-			EXPECT_EQ(IsUnrealPackageBytes(Row.Bytes), Row.bPackage) << Row.Bytes;
-		}
-		EXPECT_TRUE(IsUnrealPackageFile(Temp.Write("level.json", WriteTestMap(FTestMap()))));
-		EXPECT_FALSE(IsUnrealPackageFile(Temp.Write("scene.umap", "{\"objects\": []}")));
-		EXPECT_FALSE(IsUnrealPackageFile(Temp.File("missing.umap")));
-	}
-
 	TEST_F(LevelFiles, APluginsLevelIsMountedAtThePluginsNameForItsExternalActorsSubLevelsAndBlueprintClasses)
 	{
 		const std::string Plugin = Temp.Path + "/Plugins/Nature/Rivers";
