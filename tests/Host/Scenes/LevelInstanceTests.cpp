@@ -163,15 +163,15 @@ namespace
 
 	TEST_F(LevelInstances, ALoopAnUnnamedInstanceAndAnOnDemandOrWorldPartitionHostAreToldAndStillRead)
 	{
-		WriteMap(TestMap("/Game/Maps/Main",
-			{Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House")}, {"/Game/Maps/Far"}));
-		WriteMap(
-			TestMap("/Game/Houses/House", {Instancing("Again_1", "LevelInstance", "/Game/Houses/House.House", GuidA)}));
-		// Far is a World Partition map without its actor folder; the game moves the actors of the instances in it
+		// Main is a World Partition map without its actor folder: the game moves the actors of the instances in it
 		// into its cells.
 		const FTestActor Settings = TestActor("WorldSettings", {{"WorldPartition", "WorldPartition"}});
+		WriteMap(TestMap("/Game/Maps/Main",
+			{Settings, Instancing("LevelInstance_1", "LevelInstance", "/Game/Houses/House.House")},
+			{"/Game/Maps/Far"}));
 		WriteMap(
-			TestMap("/Game/Maps/Far", {Settings, Instancing("Hut_1", "LevelInstance", "/Game/Houses/Hut.Hut", GuidB)}));
+			TestMap("/Game/Houses/House", {Instancing("Again_1", "LevelInstance", "/Game/Houses/House.House", GuidA)}));
+		WriteMap(TestMap("/Game/Maps/Far", {Instancing("Hut_1", "LevelInstance", "/Game/Houses/Hut.Hut", GuidB)}));
 		WriteMap(TestMap("/Game/Houses/Hut", {TestActor("Door")}));
 
 		const std::vector<std::string> Lines = ReadLevels();
@@ -180,9 +180,9 @@ namespace
 		EXPECT_EQ(Lines,
 			(std::vector<std::string>{
 				"/Game/Maps/Main.Main:PersistentLevel @/Game/Maps/Main",
+				"/Game/Maps/Main.Main:PersistentLevel.WorldSettings @/Game/Maps/Main",
 				"/Game/Maps/Main.Main:PersistentLevel.LevelInstance_1 @/Game/Maps/Main",
 				"/Game/Maps/Far.Far:PersistentLevel @/Game/Maps/Far streamed",
-				"/Game/Maps/Far.Far:PersistentLevel.WorldSettings @/Game/Maps/Far",
 				"/Game/Maps/Far.Far:PersistentLevel.Hut_1 @/Game/Maps/Far",
 				Unnamed + ".House:PersistentLevel @" + Unnamed +
 					" by /Game/Maps/Main.Main:PersistentLevel.LevelInstance_1",
@@ -191,20 +191,21 @@ namespace
 				HutB + ".Hut:PersistentLevel @" + HutB + " by /Game/Maps/Far.Far:PersistentLevel.Hut_1 streamed",
 				HutB + ".Hut:PersistentLevel.Door @" + HutB,
 			}));
-		const std::string Far = ContentFile("Maps/Far.umap");
+		const std::string Main = ContentFile("Maps/Main.umap");
 		EXPECT_EQ(Scene.Notes,
 			(std::vector<std::string>{
-				Far + ": a World Partition map, but it has no external actor folder " +
-					ContentFile("__ExternalActors__/Maps/Far") + "; only the actors the map itself saves are read",
+				Main + ": a World Partition map, but it has no external actor folder " +
+					ContentFile("__ExternalActors__/Maps/Main") + "; only the actors the map itself saves are read",
 				"the Level Instance /Game/Maps/Main.Main:PersistentLevel.LevelInstance_1 of /Game/Houses/House (or an "
 				"instance it lies in) saves no ActorGuid: the game names its level anew each time it runs; shown as " +
 					Unnamed,
 				"the Level Instance " + Unnamed +
 					".House:PersistentLevel.Again_1 of /Game/Houses/House lies inside that level itself; its level is "
 					"not read again",
-				"the Level Instance /Game/Maps/Far.Far:PersistentLevel.Hut_1 of /Game/Houses/Hut lies in the World "
-				"Partition map " +
-					Far + ": the game moves its actors into the map's own streaming cells; shown in a level of its own",
+				"the Level Instance /Game/Maps/Main.Main:PersistentLevel.LevelInstance_1 of /Game/Houses/House lies in "
+				"the World Partition map " +
+					Main +
+					": the game moves its actors into the map's own streaming cells; shown in a level of its own",
 			}));
 	}
 
