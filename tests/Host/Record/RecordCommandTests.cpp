@@ -23,12 +23,6 @@ namespace
 			"\r\n");
 	}
 
-	TEST(LodexRecord, PrintsTheScriptExactlyAsThePanelHoldsItAfterStop)
-	{
-		EXPECT_EQ(Printed(RunLodex({"record", "--input", SampleLog, "--scene", SampleScene})), SampleScript())
-			<< "lines joined with \"\\r\\n\", nothing added at the end";
-	}
-
 	TEST(LodexRecord, AButtonThatTakesAnObjectFindsItInTheSceneGiven)
 	{
 		FTempDir Dir;
@@ -54,8 +48,10 @@ namespace
 		EXPECT_EQ(Run.Out.find("); // api.GetLastFPS()"), std::string::npos) << Run.Out;
 	}
 
-	TEST(LodexRecord, OutSavesTheScriptWholeReplacingAnOlderFileAndAFailedSaveLeavesWhatWasThere)
+	TEST(LodexRecord, PrintsTheScriptExactlyAsThePanelHoldsItAfterStopOrSavesItWholeWhereAFailedSaveLeavesWhatWasThere)
 	{
+		EXPECT_EQ(Printed(RunLodex({"record", "--input", SampleLog, "--scene", SampleScene})), SampleScript())
+			<< "lines joined with \"\\r\\n\", nothing added at the end";
 		FTempDir Dir;
 		const std::string Target = Dir.Write("RecordedInput.txt", "an older script");
 		EXPECT_EQ(Printed(RunLodex({"record", "--input", SampleLog, "--out", Target})), "");

@@ -12,7 +12,6 @@ namespace
 	/** Canned answers for the edge cases of the REPL, the debugger and a faulty evaluator. */
 	const char* const EdgeAnswers = "run /one\nresult 1\n"
 									"run /two\nresult 2\n"
-									"run /finished\nstatus 5\nresult 0\n"
 									"run /lines\ncontext A\\r\\n\\r\\nB\\r\\n\n"
 									"load /p\nresult <VELT.Highlight>/p</>\noperation root\nnode-type Step\n"
 									"context c1\nduration 12\n"
@@ -64,7 +63,7 @@ namespace
 
 	TEST_F(EvaluationCli, ReplTranscriptOfEnterLeavingTheBoxAndComingBack)
 	{
-		EXPECT_EQ(Printed(Repl("/one\n:blur\n:focus\n\n/finished\n")),
+		EXPECT_EQ(Printed(Repl("/one\n:blur\n:focus\n\n")),
 			// Enter: one request; the box keeps the focus, so the next tick's poll shows the count.
 			"> /one\n"
 			"  request: Run (1)\n"
@@ -91,14 +90,7 @@ namespace
 			"  no request: the path is empty (cleared)\n"
 			"  Lode String: \n"
 			"  count: \n"
-			"  StateColor (1, 1, 1, 1), HasError false, IsReady true\n"
-			"> /finished\n"
-			"  request: Run (1)\n"
-			"  evaluator took: Run (1)\n"
-			"  poll: Finished (5)\n"
-			"  Lode String: /finished\n"
-			"  count: 0\n"
-			"  StateColor (200, 0, 0, 1), HasError true, IsReady true\n");
+			"  StateColor (1, 1, 1, 1), HasError false, IsReady true\n");
 	}
 
 	TEST_F(EvaluationCli, ReplAnswerThatArrivesWhileHeldAndTheFocusIsElsewhereIsShownOnReturnAndHelpListsDirectives)
