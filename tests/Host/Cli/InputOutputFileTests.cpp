@@ -112,11 +112,7 @@ namespace
 		const std::string BigScene = SparseFile(Dir, "big.json", off_t(LodexMaxSceneFileBytes) + 1);
 		const std::string BigTest = SparseFile(Dir, "Big.cs", off_t(LodexMaxTextFileBytes) + 1);
 		const std::string BigLog = SparseFile(Dir, "big.jsonl", off_t(LodexMaxTextFileBytes) + 1);
-		const struct
-		{
-			std::vector<std::string> Args;
-			std::string Said;
-		} Rows[] = {
+		const std::pair<std::vector<std::string>, std::string> Rows[] = {
 			{{"lint", "--scene", "/dev/zero", TestFile},
 				"lodex: /dev/zero: is a character device, not a regular file or a pipe\n"},
 			{{"path", "--scene", "/dev/zero", "door"},
@@ -131,9 +127,9 @@ namespace
 			{{"record", "--input", "/dev/zero"},
 				"lodex: /dev/zero: is a character device, not a regular file or a pipe\n"},
 		};
-		for (const auto& Row : Rows)
+		for (const auto& [Args, Said] : Rows)
 		{
-			EXPECT_EQ(Printed(RunLodex(Row.Args)), "exit 1: " + Row.Said);
+			EXPECT_EQ(Printed(RunLodex(Args)), "exit 1: " + Said);
 		}
 	}
 

@@ -178,14 +178,11 @@ namespace
 		const FLevelScene New = ReadMap(After, "new.umap");
 		const nlohmann::json Json =
 			nlohmann::json::parse(FormatLevelDiffJson(DiffLevelScenes(Old.Scene, New.Scene), "old", "new"));
-		ASSERT_EQ(Json["changes"].size(), 1u);
-		const nlohmann::json& Change = Json["changes"][0];
-		EXPECT_EQ(Change["kind"], "renamed");
-		EXPECT_EQ(Change["old"]["id"], "/Game/Maps/Main.Main:PersistentLevel.Door_2");
-		EXPECT_EQ(Change["new"]["id"], "/Game/Maps/Main.Main:PersistentLevel.Door_3");
-		EXPECT_EQ(Change["new"]["guid"], "00000000000000000000000000000002");
-		EXPECT_EQ(Change["before"], "Door_2");
-		EXPECT_EQ(Change["after"], "Door_3");
+		EXPECT_EQ(Json["changes"], nlohmann::json::parse(R"([{"kind": "renamed", "before": "Door_2", "after": "Door_3",
+			"old": {"id": "/Game/Maps/Main.Main:PersistentLevel.Door_2", "name": "Door_2", "label": "Door",
+				"class": "StaticMeshActor", "guid": "00000000000000000000000000000002"},
+			"new": {"id": "/Game/Maps/Main.Main:PersistentLevel.Door_3", "name": "Door_3", "label": "Door",
+				"class": "StaticMeshActor", "guid": "00000000000000000000000000000002"}}])"));
 		EXPECT_EQ(Json["changed"], true);
 		EXPECT_EQ(Json["sharedGuids"], true);
 	}

@@ -129,8 +129,6 @@ namespace
 				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin:3:18: not valid JSON: expected a string to name the member"},
 			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "{\"Modules\": [], \"Size\": 1.}",
 				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin:1:25: not valid JSON: not a JSON number"},
-			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "[1, 2]",
-				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin: the descriptor is a JSON array, not an object"},
 			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "{\"Modules\": \"UnrealCLR\"}",
 				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin: \"Modules\" is a JSON string, not a list"},
 			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin.bak/", "",
@@ -253,27 +251,20 @@ namespace
 
 	TEST(LodexInstallProject, AFolderIsAGameProjectWhenItHoldsAUprojectFile)
 	{
-		// What the project folder holds instead of Game.uproject ("/" at the end: a folder), and whether it is one.
+		// The files the project folder holds instead of Game.uproject, and whether it is one.
 		const std::pair<std::vector<std::string>, bool> Rows[] = {
 			{{"Notes.txt", "Game.uproject.bak", "Config/DefaultGame.ini"}, false},
-			{{"Game.uproject/"}, false},
-			{{"Game.uproject/", "Other.uproject"}, true},
+			{{"Game.uproject/Game.uproject"}, false},
+			{{"Game.uproject/Game.uproject", "Other.uproject"}, true},
 		};
-		for (const auto& [Entries, bProject] : Rows)
+		for (const auto& [Files, bProject] : Rows)
 		{
-			SCOPED_TRACE(::testing::PrintToString(Entries));
+			SCOPED_TRACE(::testing::PrintToString(Files));
 			FProject Project;
 			fs::remove(Project.Project + "/Game.uproject");
-			for (const std::string& Entry : Entries)
+			for (const std::string& File : Files)
 			{
-				if (Entry.back() == '/')
-				{
-					fs::create_directories(Project.Project + "/" + Entry);
-				}
-				else
-				{
-					Write(Project.Project + "/" + Entry, "{\"FileVersion\": 3}");
-				}
+				Write(Project.Project + "/" + File, "{\"FileVersion\": 3}");
 			}
 			if (bProject)
 			{

@@ -113,9 +113,8 @@ namespace
 		Cave.PackagePath = "/Game/Maps/Cave";
 		Cave.Actors = {TestActor("Twin"), TestActor("Bat")};
 		WriteTestFile(Temp.Path + "/Content", "Maps/Cave.umap", WriteTestMap(Cave));
-		const std::string Map2 = Temp.Path + "/Content/Maps/Main.umap";
 		const std::string Tests = WriteTests({"//SM_Gargoyle_Statue", "//Brush_0", "//Bat", "//Twin"});
-		const FLodexRun Run = RunLodex({"lint", "--scene", Map2, Tests});
+		const FLodexRun Run = RunLodex({"lint", "--scene", MapFile, Tests});
 		EXPECT_EQ(Run.Exit, 1) << Run.Err;
 		EXPECT_EQ(Run.Out,
 			Tests +
@@ -138,13 +137,13 @@ namespace
 				"Checked 4 Lodestrings in 1 file: 1 error, 2 warnings, 2 notes\n");
 
 		// The tree says what the game does not have, and which level it streams in.
-		const FLodexRun Tree = RunLodex({"level", Map2});
+		const FLodexRun Tree = RunLodex({"level", MapFile});
 		EXPECT_NE(Tree.Out.find("Brush_0 (class Brush; editor only)"), std::string::npos) << Tree.Out;
 		EXPECT_NE(Tree.Out.find("level /Game/Maps/Cave (streamed in at play time)\n"), std::string::npos) << Tree.Out;
 		EXPECT_NE(Tree.Out.find("level /Game/Maps/Main\n"), std::string::npos) << Tree.Out;
 
 		// The level as a snapshot keeps both marks, and lint reads them back.
-		const FLodexRun Json = RunLodex({"level", Map2, "--format", "json"});
+		const FLodexRun Json = RunLodex({"level", MapFile, "--format", "json"});
 		ASSERT_EQ(Json.Exit, 0) << Json.Err;
 		EXPECT_NE(Json.Out.find("\"editorOnly\": true"), std::string::npos);
 		EXPECT_NE(Json.Out.find("\"streamedOnDemand\": true"), std::string::npos);

@@ -220,20 +220,15 @@ namespace
 	TEST_F(EvaluationCli, BadAnswerFilesAreOneLine)
 	{
 		const std::string Broken = Dir.Write("broken.txt", "run /a\nstatus x\n");
-		struct FRow
-		{
-			std::vector<std::string> Args;
-			std::string Err;
-		};
-		const std::vector<FRow> Rows{
+		const std::pair<std::vector<std::string>, std::string> Rows[] = {
 			{{"debug", "--evaluator", Broken}, Broken + ":2: 'status' needs a whole number, not 'x'"},
 			{{"repl", "--evaluator", Dir.File("absent.txt")}, Dir.File("absent.txt") + ": cannot open the file"},
 			{{"repl", "--evaluator", Dir.Path}, Dir.Path + ": cannot read the file"},
 			{{"repl", "--scene", Dir.File("absent.json")}, Dir.File("absent.json") + ": cannot open the file"},
 		};
-		for (const FRow& Row : Rows)
+		for (const auto& [Args, Error] : Rows)
 		{
-			EXPECT_EQ(Printed(RunLodex(Row.Args, "/a\n")), "exit 1: lodex: " + Row.Err + "\n");
+			EXPECT_EQ(Printed(RunLodex(Args, "/a\n")), "exit 1: lodex: " + Error + "\n");
 		}
 	}
 }
