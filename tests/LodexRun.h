@@ -4,11 +4,9 @@
 #include "LodexTool.h"
 #include "TempDir.h"
 
-#include <cstdlib>
 #include <optional>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
 #include <vector>
 
 /** What one run of the tool printed, and its exit code. */
@@ -32,24 +30,6 @@ inline FLodexRun RunLodex(const std::vector<std::string>& Args, const std::optio
 	Run.Exit = Input ? RunLodexCli(Args, In, Out, Err) : RunLodexCli(Args, Out, Err);
 	Run.Out = Out.str();
 	Run.Err = Err.str();
-	return Run;
-}
-
-/**
- * Runs the built tool through the shell, reading Input from a real pipe: `cat input | lodex Arguments`, with
- * Arguments written as shell words. Exit is -1 when the tool did not end by exiting.
- */
-inline FLodexRun RunLodexPiped(const std::string& Input, const std::string& Arguments)
-{
-	FTempDir Dir;
-	const std::string InputFile = Dir.Write("in", Input);
-	const std::string Command = "cat '" + InputFile + "' | '" LODEX_BINARY "' " + Arguments + " >'" + Dir.File("out") +
-		"' 2>'" + Dir.File("err") + "'";
-	FLodexRun Run;
-	const int Status = std::system(Command.c_str());
-	Run.Exit = WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
-	Run.Out = FTempDir::Read(Dir.File("out"));
-	Run.Err = FTempDir::Read(Dir.File("err"));
 	return Run;
 }
 

@@ -1,7 +1,6 @@
 // Copyright Lodex contributors.
 #include "ChildProcess.h"
 #include "LodestringCases.h"
-#include "Cli/LodexCli.h"
 #include "LodexRun.h"
 #include "TempDir.h"
 
@@ -44,11 +43,7 @@ namespace
 			{"id": "twin1", "kind": "actor", "name": "Twin", "outer": "level", "tags": []},
 			{"id": "twin2", "kind": "actor", "name": "Twin", "outer": "level", "tags": []}]})");
 		const std::string Sample = std::string(LODEX_SOURCE_DIR) + "/samples/level.json";
-		const struct
-		{
-			std::vector<std::string> Args;
-			std::string Printed;
-		} Rows[] = {
+		const std::pair<std::vector<std::string>, std::string> Rows[] = {
 			// Objects by id, name or label, Absolute by default; a mode nobody knows gives no node steps.
 			{{"path", "--scene", ScenePath, "hinge", "Fog", "House"},
 				"/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n\n/*[@name = 'House']\n"},
@@ -77,13 +72,13 @@ namespace
 			{{"copy", "--scene", Dir.Path, "--mode", "Absolute", "a"},
 				"exit 1: lodex: " + Dir.Path + ": is a folder, not a scene file\n"},
 		};
-		for (const auto& Row : Rows)
+		for (const auto& [Args, Expected] : Rows)
 		{
-			EXPECT_EQ(Printed(RunLodex(Row.Args)), Row.Printed) << ::testing::PrintToString(Row.Args);
+			EXPECT_EQ(Printed(RunLodex(Args)), Expected) << ::testing::PrintToString(Args);
 		}
 	}
 
-	TEST_F(LodexCli, CopyLogsEveryActorAndLeavesTheLastOnTheClipboardAndNothingSelectedLeavesItAlone)
+	TEST_F(LodexCli, CopyLogsEveryActorAndLeavesTheLastOrInBestModeAllOnTheClipboardAndNothingSelectedLeavesItAlone)
 	{
 		const std::string Clipboard = Dir.File("clipboard.txt");
 		const FLodexRun Run =
@@ -104,6 +99,14 @@ namespace
 		EXPECT_EQ(Empty.Exit, 0) << Empty.Err;
 		EXPECT_EQ(Empty.Out + Empty.Err, "");
 		EXPECT_EQ(FTempDir::Read(Clipboard), "//Door");
+
+		// The best of each: the shortest stable Lodestring that finds it alone, all of them copied.
+		EXPECT_EQ(Printed(RunLodex({"copy", "--scene", std::string(LODEX_SOURCE_DIR) + "/samples/level.json", "--mode",
+					  "best", "--clipboard", Clipboard, "house", "knob"})),
+			"exit 0: //*[@tag = 'bldg'] matches 1 object\n//Knob matches 1 object\n"
+			"LogTemp: Best Lodestring : //*[@tag = 'bldg'] (matches 1 object)\n"
+			"LogTemp: Best Lodestring : //Knob (matches 1 object)\n");
+		EXPECT_EQ(FTempDir::Read(Clipboard), "//*[@tag = 'bldg']\r\n//Knob");
 	}
 
 	TEST_F(LodexCli, CopyToAClipboardFileThatCannotBeWrittenKeepsTheLogSaysSoOnceAndLeavesNothingBehind)
@@ -197,11 +200,7 @@ namespace
 	{
 		FTempDir Dir;
 		const std::string Start = "{\"objects\": [{\"id\": \"a\", \"kind\": \"actor\", \"name\": \"A\",\n \"extra\": ";
-		const struct
-		{
-			std::string Value;
-			std::string Error;
-		} Rows[] = {
+		const std::pair<std::string, std::string> Rows[] = {
 			{"1e999", "2:11: number out of the range of a double: 1e999"},
 			{"[0, -1e999]", "2:15: number out of the range of a double: -1e999"},
 			{std::string(400, '7'),
@@ -214,15 +213,15 @@ namespace
 				"2:12: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last read: "
 				"'\"\\xFF'"},
 		};
-		for (const auto& Row : Rows)
+		for (const auto& [Value, Error] : Rows)
 		{
-			const std::string Scene = Dir.Write("scene.json", Start + Row.Value + "}]}");
+			const std::string Scene = Dir.Write("scene.json", Start + Value + "}]}");
 			const std::vector<std::string> Calls[] = {{"path", "--scene", Scene, "a"},
 				{"copy", "--scene", Scene, "--mode", "Absolute", "--clipboard", Dir.File("clip"), "a"}};
 			for (const std::vector<std::string>& Call : Calls)
 			{
-				EXPECT_EQ(Printed(ChildProcess::RunLodex(Call)), "exit 1: lodex: " + Scene + ":" + Row.Error + "\n")
-					<< Row.Value;
+				EXPECT_EQ(Printed(ChildProcess::RunLodex(Call)), "exit 1: lodex: " + Scene + ":" + Error + "\n")
+					<< Value;
 			}
 		}
 		EXPECT_FALSE(FTempDir::Exists(Dir.File("clip")));
@@ -391,17 +390,5 @@ namespace
 			<< Run.Err.substr(0, 300);
 		EXPECT_EQ(FTempDir::Read(Clipboard), "earlier text\n");
 		EXPECT_EQ(FTempDir::List(Dir.Path), (std::set<std::string>{"clipboard.txt", "scene.json"}));
-	}
-
-	TEST(LodexBest, CopyLogsAndCopiesTheShortestStableLodestringThatFindsEachObjectAlone)
-	{
-		FTempDir Dir;
-		const std::string Clipboard = Dir.File("clipboard.txt");
-		EXPECT_EQ(Printed(RunLodex({"copy", "--scene", std::string(LODEX_SOURCE_DIR) + "/samples/level.json", "--mode",
-					  "best", "--clipboard", Clipboard, "house", "knob"})),
-			"exit 0: //*[@tag = 'bldg'] matches 1 object\n//Knob matches 1 object\n"
-			"LogTemp: Best Lodestring : //*[@tag = 'bldg'] (matches 1 object)\n"
-			"LogTemp: Best Lodestring : //Knob (matches 1 object)\n");
-		EXPECT_EQ(FTempDir::Read(Clipboard), "//*[@tag = 'bldg']\r\n//Knob");
 	}
 }

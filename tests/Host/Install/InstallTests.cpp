@@ -14,8 +14,13 @@ namespace
 	{
 	};
 
-	TEST_F(LodexInstall, FreshInstallCopiesTheModuleAndIconsAndAddsOnlyTheModuleEntryToTheDescriptor)
+	TEST_F(LodexInstall, FreshInstallCopiesTheModuleAndIconsAndAddsOnlyTheModuleEntryToTheDescriptorAsTheDryRunSaid)
 	{
+		const auto Before = ProjectFiles();
+		EXPECT_EQ(Printed(Install({"--dry-run"})),
+			"Dry run: installing LodexDebugger from " + Source + " into " + Plugin + " would\n" + Listed("copy") +
+				"  add " + AddedEntry + "kept in UnrealCLR.uplugin.bak)\nNothing was changed.\n");
+		EXPECT_EQ(ProjectFiles(), Before);
 		EXPECT_EQ(Printed(Install()),
 			"Installing LodexDebugger from " + Source + " into " + Plugin + "\n" + Listed("copied") + "  added " +
 				AddedEntry + "in UnrealCLR.uplugin.bak)\n" +
@@ -35,7 +40,7 @@ namespace
 		EXPECT_EQ(ProjectFiles(), Expected);
 	}
 
-	TEST_F(LodexInstall, SecondRunAndDryRunAfterAnInstallChangeNothingAndSaySo)
+	TEST_F(LodexInstall, SecondRunAndDryRunAfterAnInstallChangeNothingAndSaySoUntilTheDescriptorLosesTheEntry)
 	{
 		ASSERT_EQ(Install().Exit, 0);
 		const auto Before = ProjectFiles();
@@ -45,6 +50,10 @@ namespace
 			"Dry run: installing LodexDebugger from " + Source + " into " + Plugin +
 				" would\n  change nothing: the module is installed and up to date\nNothing was changed.\n");
 		EXPECT_EQ(ProjectFiles(), Before);
+		Write(Plugin + "/UnrealCLR.uplugin", Descriptor);
+		EXPECT_EQ(Printed(Install({"--dry-run"})),
+			"Dry run: installing LodexDebugger from " + Source + " into " + Plugin + " would\n  add " + AddedEntry +
+				"kept in UnrealCLR.uplugin.bak)\n  leave 8 files already up to date\nNothing was changed.\n");
 	}
 
 	TEST_F(LodexInstall, ChangedBytesOfTheSameLengthAreReplacedNewFilesCopiedAndFilesNoLongerInTheSourceKept)
@@ -120,8 +129,6 @@ namespace
 				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin:3:18: not valid JSON: expected a string to name the member"},
 			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "{\"Modules\": [], \"Size\": 1.}",
 				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin:1:25: not valid JSON: not a JSON number"},
-			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "[1, 2]",
-				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin: the descriptor is a JSON array, not an object"},
 			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin", "{\"Modules\": \"UnrealCLR\"}",
 				"Game/Plugins/UnrealCLR/UnrealCLR.uplugin: \"Modules\" is a JSON string, not a list"},
 			{"Game/Plugins/UnrealCLR/UnrealCLR.uplugin.bak/", "",
@@ -167,12 +174,19 @@ namespace
 		}
 	}
 
-	TEST_F(LodexInstall, NothingIsWrittenThroughALinkAndALinkedDescriptorIsUpdatedWhereItPoints)
+	TEST_F(LodexInstall, NothingIsWrittenThroughALinkAndALinkedDescriptorIsReplacedWhereItPointsKeepingItsModeAndOwner)
 	{
 		// The descriptor lives elsewhere (a shared checkout of the plug-in); an icon's place holds a link to a
 		// file of another project.
 		const std::string Shared = Dir.Path + "/shared/UnrealCLR.uplugin";
 		Write(Shared, Descriptor);
+		fs::permissions(Shared, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+		if (geteuid() == 0)
+		{
+			ASSERT_EQ(chown(Shared.c_str(), ChildProcess::UnprivilegedId, ChildProcess::UnprivilegedId), 0);
+		}
+		struct stat Before;
+		ASSERT_EQ(stat(Shared.c_str(), &Before), 0);
 		fs::remove(Plugin + "/UnrealCLR.uplugin");
 		fs::create_symlink(Shared, Plugin + "/UnrealCLR.uplugin");
 		const std::string Other = Dir.Path + "/other/Info_icon.png";
@@ -194,23 +208,8 @@ namespace
 		EXPECT_EQ(FTempDir::Read(Plugin + "/UnrealCLR.uplugin.bak"), Descriptor);
 		EXPECT_EQ(FTempDir::List(Dir.Path + "/shared"), std::set<std::string>{"UnrealCLR.uplugin"})
 			<< "left beside the descriptor";
-	}
-
-	TEST_F(LodexInstall, TheDescriptorKeepsItsPermissionsAndOwner)
-	{
-		const std::string Path = Plugin + "/UnrealCLR.uplugin";
-		fs::permissions(Path, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
-		const bool bRoot = geteuid() == 0;
-		if (bRoot)
-		{
-			ASSERT_EQ(chown(Path.c_str(), ChildProcess::UnprivilegedId, ChildProcess::UnprivilegedId), 0);
-		}
-		struct stat Before;
-		ASSERT_EQ(stat(Path.c_str(), &Before), 0);
-		ASSERT_EQ(Install().Exit, 0);
 		struct stat After;
-		ASSERT_EQ(stat(Path.c_str(), &After), 0);
-		EXPECT_EQ(FTempDir::Read(Path), InstalledDescriptor);
+		ASSERT_EQ(stat(Shared.c_str(), &After), 0);
 		EXPECT_EQ(After.st_mode & 07777, 0640u);
 		EXPECT_EQ(After.st_uid, Before.st_uid);
 		EXPECT_EQ(After.st_gid, Before.st_gid);
@@ -252,27 +251,20 @@ namespace
 
 	TEST(LodexInstallProject, AFolderIsAGameProjectWhenItHoldsAUprojectFile)
 	{
-		// What the project folder holds instead of Game.uproject ("/" at the end: a folder), and whether it is one.
+		// The files the project folder holds instead of Game.uproject, and whether it is one.
 		const std::pair<std::vector<std::string>, bool> Rows[] = {
 			{{"Notes.txt", "Game.uproject.bak", "Config/DefaultGame.ini"}, false},
-			{{"Game.uproject/"}, false},
-			{{"Game.uproject/", "Other.uproject"}, true},
+			{{"Game.uproject/Game.uproject"}, false},
+			{{"Game.uproject/Game.uproject", "Other.uproject"}, true},
 		};
-		for (const auto& [Entries, bProject] : Rows)
+		for (const auto& [Files, bProject] : Rows)
 		{
-			SCOPED_TRACE(::testing::PrintToString(Entries));
+			SCOPED_TRACE(::testing::PrintToString(Files));
 			FProject Project;
 			fs::remove(Project.Project + "/Game.uproject");
-			for (const std::string& Entry : Entries)
+			for (const std::string& File : Files)
 			{
-				if (Entry.back() == '/')
-				{
-					fs::create_directories(Project.Project + "/" + Entry);
-				}
-				else
-				{
-					Write(Project.Project + "/" + Entry, "{\"FileVersion\": 3}");
-				}
+				Write(Project.Project + "/" + File, "{\"FileVersion\": 3}");
 			}
 			if (bProject)
 			{
@@ -286,29 +278,6 @@ namespace
 		}
 	}
 
-	TEST(LodexInstallDryRun, ListsWhatItWouldDoWithHowManyFilesItWouldLeaveAndChangesNothing)
-	{
-		// None of the module's files in place yet, then all of them.
-		for (const bool bInPlace : {false, true})
-		{
-			FProject Project;
-			for (const auto& [Relative, Text] : ModuleFiles)
-			{
-				if (bInPlace)
-				{
-					Write(Project.Plugin + "/" + Relative, Text);
-				}
-			}
-			const auto Before = Project.ProjectFiles();
-			EXPECT_EQ(Printed(Project.Install({"--dry-run"})),
-				"Dry run: installing LodexDebugger from " + Project.Source + " into " + Project.Plugin + " would\n" +
-					(bInPlace ? "" : Listed("copy")) + "  add " + AddedEntry + "kept in UnrealCLR.uplugin.bak)\n" +
-					(bInPlace ? "  leave 8 files already up to date\n" : "") + "Nothing was changed.\n")
-				<< bInPlace;
-			EXPECT_EQ(Project.ProjectFiles(), Before) << bInPlace;
-		}
-	}
-
 	/** A link, its folders made first. */
 	void Link(const std::string& Path, const std::string& Target)
 	{
@@ -316,47 +285,23 @@ namespace
 		fs::create_symlink(Target, Path);
 	}
 
-	/** Folders of 200 letters, then a shorter one: Length characters in all, each folder after a "/". */
-	std::string FolderChain(std::size_t Length)
+	/**
+	 * Folders of 200 letters, then one of at least 30: a chain that fits below the module's source folder with a file
+	 * in it, but whose last folder does not fit below its place in the plug-in, 17 characters longer.
+	 */
+	std::string ChainPastTheLongestPath(const FProject& P)
 	{
+		const std::size_t Length = PATH_MAX - 8 - (P.Source + "/Source/LodexDebugger/x.h").size();
 		std::string Chain;
-		while (Length - Chain.size() > 210)
+		while (Length - Chain.size() > 230)
 		{
 			Chain += "/" + std::string(200, 'd');
 		}
 		return Chain + "/" + std::string(Length - Chain.size() - 1, 'e');
 	}
 
-	/**
-	 * A folder chain that fits below the module's source folder with a file in it, but not below its place in the
-	 * plug-in, which is longer.
-	 */
-	std::string ChainPastTheLongestPath(const FProject& P)
-	{
-		return FolderChain(PATH_MAX - 8 - (P.Source + "/Source/LodexDebugger/x.h").size());
-	}
-
-	/**
-	 * The first folder below the plug-in's folder whose path is too long for the chain above: every folder before it
-	 * is made, and removed. Only the lengths of the project's paths count, so any project gives it.
-	 */
-	std::string FirstFolderPastTheLongestPath(const FProject& P)
-	{
-		const std::string Chain = ChainPastTheLongestPath(P);
-		std::string Folder = P.Plugin + "/Source/LodexDebugger";
-		for (std::size_t Part = 1; Folder.size() < PATH_MAX; Part = Chain.find('/', Part) + 1)
-		{
-			Folder += Chain.substr(Part - 1, Chain.find('/', Part) - Part + 1);
-		}
-		return Folder.substr(P.Plugin.size());
-	}
-
 	TEST(LodexInstallFailure, AWriteOrRenameThatFailsAtAnyStepLeavesTheProjectByteForByteAsItWas)
 	{
-		const auto OlderStopIcon = [](FProject& P)
-		{
-			Write(P.Plugin + "/Resources/Stop_icon.png", "an older Stop icon");
-		};
 		const struct
 		{
 			const char* Step;
@@ -368,41 +313,31 @@ namespace
 		} Rows[] = {
 			{"writing a module file past the file-size limit",
 				[&](FProject& P)
-				{
-					OlderStopIcon(P);
-					Write(P.Source + "/Source/LodexDebugger/Private/Zz_Large.cpp", std::string(64 * 1024, 'x'));
-				},
+				{ Write(P.Source + "/Source/LodexDebugger/Private/Zz_Large.cpp", std::string(64 * 1024, 'x')); },
 				16 * 1024,
 				"/Source/LodexDebugger/Private/Zz_Large.cpp: cannot write the file (File too large); nothing was "
 				"changed"},
 			{"a module file whose temporary name is past the longest name",
 				[&](FProject& P)
-				{
-					OlderStopIcon(P);
-					Write(P.Source + "/Source/LodexDebugger/Private/" + std::string(250, 'n') + ".h", "// long\n");
-				},
+				{ Write(P.Source + "/Source/LodexDebugger/Private/" + std::string(250, 'n') + ".h", "// long\n"); },
 				0,
 				"/Source/LodexDebugger/Private/" + std::string(250, 'n') +
 					".h: cannot write the file (File name too long); nothing was changed"},
 			{"a folder past the longest path",
 				[&](FProject& P)
-				{
-					OlderStopIcon(P);
-					Write(P.Source + "/Source/LodexDebugger" + ChainPastTheLongestPath(P) + "/x.h", "// deep\n");
-				},
+				{ Write(P.Source + "/Source/LodexDebugger" + ChainPastTheLongestPath(P) + "/x.h", "// deep\n"); },
 				0,
-				FirstFolderPastTheLongestPath(FProject()) +
+				"/Source/LodexDebugger" + ChainPastTheLongestPath(FProject()) +
 					": cannot make the folder (File name too long); nothing was changed"},
-			{"writing the descriptor's backup", OlderStopIcon, 100,
+			{"writing the descriptor's backup", {}, 100,
 				"/UnrealCLR.uplugin.bak: cannot write the file (File too large); nothing was changed"},
-			{"writing the descriptor", OlderStopIcon, Descriptor.size(),
+			{"writing the descriptor", {}, Descriptor.size(),
 				"/UnrealCLR.uplugin: cannot write the file (File too large); nothing was changed"},
 			// A link in the plug-in folder that the install replaces by a file lies on the way to a later change,
 			// whose rename then meets a file where a folder was.
 			{"renaming the descriptor into place",
 				[&](FProject& P)
 				{
-					OlderStopIcon(P);
 					Write(P.Source + "/Source/LodexDebugger/Shared", "// shared\n");
 					fs::remove(P.Plugin + "/UnrealCLR.uplugin");
 					Write(P.Plugin + "/Elsewhere/UnrealCLR.uplugin", Descriptor);
@@ -414,7 +349,11 @@ namespace
 		for (const auto& Row : Rows)
 		{
 			FProject Project;
-			Row.Setup(Project);
+			Write(Project.Plugin + "/Resources/Stop_icon.png", "an older Stop icon");
+			if (Row.Setup)
+			{
+				Row.Setup(Project);
+			}
 			const auto Before = Project.ProjectFiles();
 			const FProcessRun Run = ChildProcess::RunLodex(Project.Arguments(), {},
 				Row.SizeLimit != 0 ? ChildProcess::LimitFileSize(Row.SizeLimit) : std::function<void()>());

@@ -12,7 +12,6 @@ namespace
 	/** Canned answers for the edge cases of the REPL, the debugger and a faulty evaluator. */
 	const char* const EdgeAnswers = "run /one\nresult 1\n"
 									"run /two\nresult 2\n"
-									"run /finished\nstatus 5\nresult 0\n"
 									"run /lines\ncontext A\\r\\n\\r\\nB\\r\\n\n"
 									"load /p\nresult <VELT.Highlight>/p</>\noperation root\nnode-type Step\n"
 									"context c1\nduration 12\n"
@@ -64,7 +63,7 @@ namespace
 
 	TEST_F(EvaluationCli, ReplTranscriptOfEnterLeavingTheBoxAndComingBack)
 	{
-		EXPECT_EQ(Printed(Repl("/one\n:blur\n:focus\n\n/finished\n")),
+		EXPECT_EQ(Printed(Repl("/one\n:blur\n:focus\n\n")),
 			// Enter: one request; the box keeps the focus, so the next tick's poll shows the count.
 			"> /one\n"
 			"  request: Run (1)\n"
@@ -91,14 +90,7 @@ namespace
 			"  no request: the path is empty (cleared)\n"
 			"  Lode String: \n"
 			"  count: \n"
-			"  StateColor (1, 1, 1, 1), HasError false, IsReady true\n"
-			"> /finished\n"
-			"  request: Run (1)\n"
-			"  evaluator took: Run (1)\n"
-			"  poll: Finished (5)\n"
-			"  Lode String: /finished\n"
-			"  count: 0\n"
-			"  StateColor (200, 0, 0, 1), HasError true, IsReady true\n");
+			"  StateColor (1, 1, 1, 1), HasError false, IsReady true\n");
 	}
 
 	TEST_F(EvaluationCli, ReplAnswerThatArrivesWhileHeldAndTheFocusIsElsewhereIsShownOnReturnAndHelpListsDirectives)
@@ -228,20 +220,15 @@ namespace
 	TEST_F(EvaluationCli, BadAnswerFilesAreOneLine)
 	{
 		const std::string Broken = Dir.Write("broken.txt", "run /a\nstatus x\n");
-		struct FRow
-		{
-			std::vector<std::string> Args;
-			std::string Err;
-		};
-		const std::vector<FRow> Rows{
+		const std::pair<std::vector<std::string>, std::string> Rows[] = {
 			{{"debug", "--evaluator", Broken}, Broken + ":2: 'status' needs a whole number, not 'x'"},
 			{{"repl", "--evaluator", Dir.File("absent.txt")}, Dir.File("absent.txt") + ": cannot open the file"},
 			{{"repl", "--evaluator", Dir.Path}, Dir.Path + ": cannot read the file"},
 			{{"repl", "--scene", Dir.File("absent.json")}, Dir.File("absent.json") + ": cannot open the file"},
 		};
-		for (const FRow& Row : Rows)
+		for (const auto& [Args, Error] : Rows)
 		{
-			EXPECT_EQ(Printed(RunLodex(Row.Args, "/a\n")), "exit 1: lodex: " + Row.Err + "\n");
+			EXPECT_EQ(Printed(RunLodex(Args, "/a\n")), "exit 1: lodex: " + Error + "\n");
 		}
 	}
 }
