@@ -4,7 +4,6 @@
 
 #include "LodexDebugger/Core/Lodestring/LodestringEvaluator.h"
 #include "LodexDebugger/Core/Lodestring/LodexBestLocator.h"
-#include "LodexDebugger/Core/Lodestring/LodexLocatorLint.h"
 
 #include <gtest/gtest.h>
 
@@ -37,19 +36,6 @@ namespace
 			return Scene;
 		}
 
-		/** The absolute Lodestrings of the objects found, one a line. */
-		std::string Found(const std::string& Lodestring) const
-		{
-			const FLodexEvaluation Evaluation = EvaluateLodestring(Index, Lodestring);
-			EXPECT_TRUE(Evaluation.bOk) << Lodestring << ": " << Evaluation.Error.Message;
-			std::string Text;
-			for (const FLodexMatch& Match : Evaluation.Matches)
-			{
-				Text += Index.GetAbsoluteLodestring(Match.Object) + "\n";
-			}
-			return Text;
-		}
-
 		FListedTestGraph Scene;
 		const FLodexSceneIndex Index{MakeScene(Scene), Scene};
 		const FLodexBestLocatorFinder Finder{Index};
@@ -77,57 +63,5 @@ namespace
 			"House under Estate, subtree to 7: //*[@tag = 'bldg'] matches 1\n"
 			"Door under House, subtree to 7: //Door matches 1\n"
 			"Hinge (component) under Door, subtree to 7: //Door/fn:component('Hinge') matches 1\n");
-	}
-
-	TEST_F(UnlistedParents, EvaluationWalksThroughThem)
-	{
-		const struct
-		{
-			const char* Lodestring;
-			const char* Found;
-		} Rows[] = {
-			{"/*", "/*[@name = 'Lamp']\n/*[@name = 'Post']\n/*[@name = 'Estate']\n"},
-			{"/Estate/House/Door/fn:component('Hinge')",
-				"/*[@name = 'Estate']/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n"},
-			{"//*[@tag = 'bldg']//*", "/*[@name = 'Estate']/*[@name = 'House']/*[@name = 'Door']\n"},
-			{"/*[@tag = 'bldg']", ""}, // the house is no root
-			{"/Post/fn:component('Bulb')", "/*[@name = 'Post']/fn:component('Bulb')\n"},
-			{"/fn:component('Bulb')", ""},
-			{"/Estate//fn:component('Hinge')",
-				"/*[@name = 'Estate']/*[@name = 'House']/*[@name = 'Door']/fn:component('Hinge')\n"},
-		};
-		for (const auto& Row : Rows)
-		{
-			EXPECT_EQ(Found(Row.Lodestring), Row.Found) << Row.Lodestring;
-		}
-	}
-
-	TEST_F(UnlistedParents, LintCountsAndSuggestsThroughThem)
-	{
-		FLodexLintOptions Options;
-		Options.MaxAbsoluteDepth = 2;
-		const struct
-		{
-			const char* Lodestring;
-			std::size_t Count;
-			const char* Findings;
-		} Rows[] = {
-			{"//Door", 1, ""},
-			{"/Estate/House/Door", 1, "deep-absolute -> //Door\n"},
-			{"//*[@tag = 'bldg']/*", 1, ""},
-			{"/*", 3, "ambiguous\n"},
-		};
-		for (const auto& Row : Rows)
-		{
-			const FLodexLintResult Result = LintLodestring(Index, Finder, Row.Lodestring, Options);
-			EXPECT_EQ(Result.MatchCount, Row.Count) << Row.Lodestring;
-			std::string Findings;
-			for (const FLodexLintFinding& Finding : Result.Findings)
-			{
-				Findings +=
-					std::string(Finding.Rule) + (Finding.Suggestion.empty() ? "" : " -> " + Finding.Suggestion) + "\n";
-			}
-			EXPECT_EQ(Findings, Row.Findings) << Row.Lodestring;
-		}
 	}
 }
