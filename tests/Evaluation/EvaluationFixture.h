@@ -48,12 +48,6 @@ public:
 		return Ids(Evaluation);
 	}
 
-	std::uint32_t IndexOf(const std::string& Id) const
-	{
-		std::string Error;
-		return Index->FindIndex(Scene.FindObject(Id, Error));
-	}
-
 	bool bLoaded = false;
 	FSceneSnapshot Scene;
 	std::unique_ptr<FLodexSceneIndex> Index;

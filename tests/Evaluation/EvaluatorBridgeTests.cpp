@@ -5,7 +5,6 @@
 #include "LodexDebugger/Core/Evaluation/LodexBlockAccess.h"
 #include "LodexDebugger/Core/Evaluation/LodexDebuggerPanel.h"
 #include "LodexDebugger/Core/Evaluation/LodexEvaluator.h"
-#include "LodexDebugger/Core/Evaluation/LodexReplPanel.h"
 #include "LodexDebugger/Core/Text/LodexText.h"
 
 #include <gtest/gtest.h>
@@ -40,27 +39,6 @@ namespace
 			EXPECT_EQ(IsLodexGameRunning(Host), Row.bRunning) << ::testing::PrintToString(Row.Types);
 			EXPECT_EQ(Host.WorldTypeQueries, Row.Queries) << ::testing::PrintToString(Row.Types);
 		}
-	}
-
-	TEST(EvaluatorBridge, PathWriteConvertsLoadsTheHostModuleAndCopiesTheNul)
-	{
-		FTestEvaluatorHost Host;
-		EXPECT_TRUE(WriteLodestringToEvaluator(Host, "/*[@name = '\xE7\x94\xA8\xE6\x88\xB7']"));
-		EXPECT_EQ(Host.WrittenPath(),
-			"/*[@name = '?"
-			"?']");
-		EXPECT_EQ(Host.PathBuffer[17], 'x') << "nothing is written after the NUL";
-		EXPECT_EQ(Host.LoadedModules, std::vector<std::string>{"UnrealCLR"});
-
-		// The pointer is read afresh for every write.
-		char Other[8] = "xxxxxxx";
-		Host.Block.pathText = Other;
-		EXPECT_TRUE(WriteLodestringToEvaluator(Host, "ab"));
-		EXPECT_EQ(std::string(Other, sizeof(Other)), std::string("ab\0xxxx\0", 8));
-
-		Host.Block.pathText = nullptr;
-		EXPECT_FALSE(WriteLodestringToEvaluator(Host, "/a"));
-		EXPECT_EQ(std::string(Other), "ab");
 	}
 
 	TEST(EvaluatorBridge, BlockTextsReadAsTheEngineReadsEightBitTextAndNullAsEmpty)
@@ -194,30 +172,6 @@ namespace
 		return false;
 	}
 
-	TEST(EvaluatorHandshake, ReplRequestsAnsweredOnAnotherThread)
-	{
-		for (const bool bAcknowledge : {false, true})
-		{
-			FTestEvaluatorHost Host;
-			FEchoEvaluator Evaluator(bAcknowledge);
-			FLodexEvaluatorRunner Runner(Evaluator, Host.Block);
-			FLodexReplPanel Panel(Host);
-			for (int Index = 2; Index < 300; ++Index)
-			{
-				const std::string Path = LodexText::FormatInt(Index);
-				ASSERT_EQ(Panel.OnPathTextCommitted(Path).Outcome, ELodexRequestOutcome::Sent);
-				ASSERT_TRUE(
-					TickUntil([&Panel] { Panel.Tick(true); }, [&Panel, &Path] { return Panel.GetCountText() == Path; }))
-					<< "request " << Index << ", count " << Panel.GetCountText();
-				EXPECT_EQ(Panel.GetStateColor(), LodexReplColors::Several);
-			}
-			EXPECT_TRUE(Runner.WaitUntilQuiet(std::chrono::seconds(10)));
-			EXPECT_EQ(Runner.TakeTakenCommands(), std::vector<std::int32_t>(298, 1));
-			EXPECT_EQ(LodexBlock::LoadStatus(Host.Block), 0);
-			EXPECT_EQ(LodexBlock::LoadCommand(Host.Block), 0);
-		}
-	}
-
 	TEST(EvaluatorHandshake, DebuggerStepsAnsweredOnAnotherThreadShowTheirOwnTexts)
 	{
 		for (const bool bAcknowledge : {false, true})
@@ -226,6 +180,7 @@ namespace
 			FEchoEvaluator Evaluator(bAcknowledge);
 			FLodexEvaluatorRunner Runner(Evaluator, Host.Block);
 			FLodexDebuggerPanel Panel(Host);
+			std::vector<std::int32_t> Sent;
 			for (int Index = 0; Index < 200; ++Index)
 			{
 				const std::string Path = "/step" + LodexText::FormatInt(Index);
@@ -234,6 +189,7 @@ namespace
 					: Index % 3 == 1                         ? Panel.OnStepOverClicked()
 															 : Panel.OnRunClicked();
 				ASSERT_EQ(Request.Outcome, ELodexRequestOutcome::Sent);
+				Sent.push_back(static_cast<std::int32_t>(Request.Command));
 				const std::string Code = LodexText::FormatInt(static_cast<std::int32_t>(Request.Command));
 				ASSERT_TRUE(TickUntil([&Panel] { Panel.Tick(true); },
 					[&Panel, &Path, &Code] {
@@ -254,6 +210,10 @@ namespace
 				}
 				EXPECT_EQ(Panel.GetDurationText(), "Duration:" + LodexText::FormatInt(Path.size()) + ".0 (ms)");
 			}
+			EXPECT_TRUE(Runner.WaitUntilQuiet(std::chrono::seconds(10)));
+			EXPECT_EQ(Runner.TakeTakenCommands(), Sent);
+			EXPECT_EQ(LodexBlock::LoadStatus(Host.Block), 0);
+			EXPECT_EQ(LodexBlock::LoadCommand(Host.Block), 0);
 		}
 	}
 }

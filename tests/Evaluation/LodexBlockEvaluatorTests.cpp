@@ -1,7 +1,9 @@
 // Copyright Lodex contributors.
 #include "Evaluation/EvaluationFixture.h"
 
+#include "LodexDebugger/Core/Evaluation/LodexBlockAccess.h"
 #include "LodexDebugger/Core/Evaluation/LodexBlockEvaluator.h"
+#include "LodexDebugger/Core/Evaluation/LodexEvaluatorBridge.h"
 
 #include <gtest/gtest.h>
 
@@ -15,14 +17,8 @@
 namespace
 {
 	/** What a panel does with the block: write the path and the request, read a result and give it back. */
-	class FPanelSide
+	struct FPanelSide
 	{
-	public:
-		explicit FPanelSide(FLodexEvaluatorBlock& InBlock)
-			: Block(InBlock)
-		{
-		}
-
 		struct FResult
 		{
 			int Status = 0;
@@ -36,35 +32,22 @@ namespace
 
 		void Request(const std::string& Path, EEvaluatorCommand Command)
 		{
-			char* const Buffer = __atomic_load_n(&Block.pathText, __ATOMIC_RELAXED);
-			std::memcpy(Buffer, Path.c_str(), Path.size() + 1);
-			__atomic_store_n(&Block.command, static_cast<std::int32_t>(Command), __ATOMIC_RELEASE);
+			std::memcpy(LodexBlock::LoadPointer(Block.pathText), Path.c_str(), Path.size() + 1);
+			LodexBlock::StoreCommand(Block, static_cast<std::int32_t>(Command));
 		}
 
-		int Status() const { return __atomic_load_n(&Block.status, __ATOMIC_ACQUIRE); }
-		int Command() const { return __atomic_load_n(&Block.command, __ATOMIC_ACQUIRE); }
+		int Status() const { return LodexBlock::LoadStatus(Block); }
+		int Command() const { return LodexBlock::LoadCommand(Block); }
 
 		/** Reads every field (the status first, with acquire), then writes 0 to status and command. */
 		FResult Consume()
 		{
-			FResult Result;
-			Result.Status = Status();
-			Result.Context = Read(Block.contextText);
-			Result.Result = Read(Block.resultText);
-			Result.Operation = Read(Block.operationText);
-			Result.NodeType = Read(Block.nodeTypeText);
-			Result.Stack = Read(Block.stackText);
-			__atomic_load(&Block.durationMs, &Result.DurationMs, __ATOMIC_RELAXED);
-			__atomic_store_n(&Block.status, 0, __ATOMIC_RELEASE);
-			__atomic_store_n(&Block.command, 0, __ATOMIC_RELEASE);
+			const FResult Result{Status(), ReadEvaluatorText(Block.contextText), ReadEvaluatorText(Block.resultText),
+				ReadEvaluatorText(Block.operationText), ReadEvaluatorText(Block.nodeTypeText),
+				ReadEvaluatorText(Block.stackText), LodexBlock::LoadDouble(Block.durationMs)};
+			LodexBlock::StoreStatus(Block, 0);
+			LodexBlock::StoreCommand(Block, 0);
 			return Result;
-		}
-
-	private:
-		static std::string Read(const char* const& Field)
-		{
-			const char* const Text = __atomic_load_n(&Field, __ATOMIC_RELAXED);
-			return Text == nullptr ? std::string("(null)") : std::string(Text);
 		}
 
 		FLodexEvaluatorBlock& Block;
@@ -263,7 +246,7 @@ namespace
 			More.Context, "/*[@name = 'House']\r\n/*[@name = 'House']/*[@name = 'Door']\r\n... and 17 more objects");
 
 		std::memset(Block.pathText, 'x', 16); // a panel that wrote past the end leaves no NUL
-		__atomic_store_n(&Block.command, 1, __ATOMIC_RELEASE);
+		LodexBlock::StoreCommand(Block, 1);
 		ASSERT_EQ(Evaluator->PollOnce(), ELodexBlockPoll::Answered);
 		const FPanelSide::FResult Overlong = Panel.Consume();
 		EXPECT_EQ(Overlong.Status, 9);

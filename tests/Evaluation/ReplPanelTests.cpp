@@ -103,7 +103,7 @@ namespace
 		EXPECT_FALSE(Panel.HasError()) << "a null message is an empty one";
 	}
 
-	TEST(ReplPanelCommit, SendsRunWithTheConvertedPathWhateverThePendingState)
+	TEST(ReplPanelCommit, CommitAndRunSendRunWithTheConvertedPathWhateverThePendingStateAndOnlyRunMarksBusy)
 	{
 		FTestEvaluatorHost Host;
 		FLodexReplPanel Panel(Host);
@@ -118,11 +118,18 @@ namespace
 		EXPECT_TRUE(Panel.IsReady()) << "a commit does not mark the panel busy";
 		EXPECT_EQ(Panel.GetPathText(), "/*[@name = 'T\xC3\xBCr']");
 
-		// The same path again: a second Run, over whatever the block holds by then.
+		// The same path again by the Run button: a second Run, over whatever the block holds by then, and the panel
+		// busy until a focused tick sees the block idle (an evaluator that never answers).
 		Host.Block.command = 99;
-		EXPECT_EQ(Panel.OnPathTextCommitted("/*[@name = 'T\xC3\xBCr']").Outcome, ELodexRequestOutcome::Sent);
+		Host.Block.status = 0;
+		const FLodexRequest Again = Panel.Run();
+		EXPECT_EQ(Again.Outcome, ELodexRequestOutcome::Sent);
+		EXPECT_EQ(Again.Command, EEvaluatorCommand::Run);
 		EXPECT_EQ(Host.Block.command, 1);
 		EXPECT_EQ(Host.LoadedModules.size(), 2u);
+		EXPECT_FALSE(Panel.IsReady());
+		Panel.Tick(true);
+		EXPECT_TRUE(Panel.IsReady());
 	}
 
 	TEST(ReplPanelCommit, EmptyPathClearsWithoutTouchingTheBlock)
@@ -138,24 +145,7 @@ namespace
 		EXPECT_EQ(Fixture.Host.WrittenPath(), std::string(FTestEvaluatorHost::BufferSize - 1, 'x'));
 	}
 
-	TEST(ReplPanelCommit, GameNotRunningRecordsTheErrorSilently)
-	{
-		FTestEvaluatorHost Host;
-		FLodexReplPanel Panel(Host);
-		Host.Publish(3, "5");
-		Panel.PollEvaluator();
-		Host.StopGame();
-		const int Changes = Panel.GetStateColorChanges();
-		EXPECT_EQ(Panel.OnPathTextCommitted("/a").Outcome, ELodexRequestOutcome::GameNotRunning);
-		EXPECT_TRUE(Panel.HasError());
-		EXPECT_EQ(Panel.GetStateColor(), LodexReplColors::Error);
-		EXPECT_EQ(Panel.GetStateColorChanges(), Changes + 1);
-		EXPECT_EQ(Panel.GetCountText(), "5") << "the count keeps its previous value";
-		EXPECT_EQ(Host.Block.command, 0);
-		EXPECT_TRUE(Host.LoadedModules.empty());
-	}
-
-	TEST(ReplPanelCommit, NullPathBufferShowsTheEvaluatorUnavailableAndWritesNothing)
+	TEST(ReplPanelCommit, WithoutAPathBufferOrTheGameNothingIsSentAndTheStateShowsWhy)
 	{
 		FTestEvaluatorHost Host;
 		FLodexReplPanel Panel(Host);
@@ -167,21 +157,19 @@ namespace
 		EXPECT_EQ(Panel.GetStateColor(), LodexReplColors::Error);
 		EXPECT_EQ(Panel.GetCountText(), "n/a");
 		EXPECT_TRUE(Panel.IsReady()) << "nothing was sent, so the panel is not waiting";
-	}
 
-	TEST(ReplPanelRun, MarksBusyAndCommitsTheCurrentPath)
-	{
-		FTestEvaluatorHost Host;
-		FLodexReplPanel Panel(Host);
-		Panel.OnPathTextChanged("/typed");
-		const FLodexRequest Request = Panel.Run();
-		EXPECT_EQ(Request.Outcome, ELodexRequestOutcome::Sent);
-		EXPECT_EQ(Request.Command, EEvaluatorCommand::Run);
-		EXPECT_FALSE(Panel.IsReady());
-		EXPECT_EQ(Host.WrittenPath(), "/typed");
-		EXPECT_EQ(Host.Block.command, 1);
-		// An evaluator that never answers: the next focused tick sees status 0 and the panel is ready again.
-		Panel.Tick(true);
-		EXPECT_TRUE(Panel.IsReady());
+		// Without the game, the state alone records it, silently.
+		Host.Publish(3, "5");
+		Panel.PollEvaluator();
+		Host.StopGame();
+		const int Changes = Panel.GetStateColorChanges();
+		const std::size_t Loads = Host.LoadedModules.size();
+		EXPECT_EQ(Panel.OnPathTextCommitted("/a").Outcome, ELodexRequestOutcome::GameNotRunning);
+		EXPECT_TRUE(Panel.HasError());
+		EXPECT_EQ(Panel.GetStateColor(), LodexReplColors::Error);
+		EXPECT_EQ(Panel.GetStateColorChanges(), Changes + 1);
+		EXPECT_EQ(Panel.GetCountText(), "5") << "the count keeps its previous value";
+		EXPECT_EQ(Host.Block.command, 0);
+		EXPECT_EQ(Host.LoadedModules.size(), Loads);
 	}
 }

@@ -97,7 +97,7 @@ namespace
 		EXPECT_EQ(Step.ContextText, "");
 	}
 
-	TEST(ScriptedEvaluatorAnswers, InFileOrderThenTheLastAgainAndLoadStartsSteppingAnew)
+	TEST(ScriptedEvaluatorAnswers, InFileOrderThenTheLastAgainLoadStartsSteppingAnewAndNoMatchFails)
 	{
 		FLodexScriptedEvaluator Evaluator = MakeScripted("load /p\nresult loaded\n"
 														 "into /p\nresult first\n"
@@ -118,21 +118,14 @@ namespace
 		EXPECT_EQ(Ask(Evaluator, 6, "/p").ResultText, "second") << "Load made the step answers unused again";
 		EXPECT_EQ(Ask(Evaluator, 1, "/elsewhere").ResultText, "any run");
 		EXPECT_EQ(Ask(Evaluator, 1, "/p").ResultText, "any run");
+		const FLodexEvaluatorAnswer Missing = Ask(Evaluator, 5, "/q");
+		EXPECT_EQ(Missing.Status, 9);
+		EXPECT_EQ(Missing.ResultText, "No scripted answer for StepInto of '/q'");
+		EXPECT_EQ(Missing.ContextText, "/q");
 
 		FLodexScriptedEvaluator Anything = MakeScripted("any\nstatus 42\n");
 		EXPECT_EQ(Ask(Anything, 4, "/x").Status, 42);
 		EXPECT_EQ(Ask(Anything, 2, "/x").Status, 42) << "any answers codes no panel sends";
-	}
-
-	TEST(ScriptedEvaluatorAnswers, NoMatchingAnswerFails)
-	{
-		FLodexScriptedEvaluator Evaluator = MakeScripted("run /a\n");
-		const FLodexEvaluatorAnswer Answer = Ask(Evaluator, 5, "/a");
-		EXPECT_EQ(Answer.Status, 9);
-		EXPECT_EQ(Answer.ResultText, "No scripted answer for StepInto of '/a'");
-		EXPECT_EQ(Answer.ContextText, "/a");
-		EXPECT_EQ(Ask(Evaluator, 1, "/b").ResultText, "No scripted answer for Run of '/b'");
-		EXPECT_EQ(Ask(Evaluator, 1, "/a").Status, 3);
 	}
 
 	TEST(ScriptedEvaluatorServe, TakesTheRequestAndPublishesThroughTheBlock)

@@ -45,7 +45,6 @@ namespace
 		for (const auto& Row : Rows)
 		{
 			EXPECT_EQ(Row.first, Row.second);
-			EXPECT_TRUE(nlohmann::json::accept(Row.first)) << Row.first;
 		}
 		EXPECT_EQ(MakeFileName(2024, 5, 1, 9, 3, 7), "RecordedInput-20240501-090307.jsonl");
 	}
@@ -71,73 +70,62 @@ namespace
 		EXPECT_EQ(FormatJsonDouble(std::numeric_limits<double>::infinity()), "0");
 	}
 
-	/** A session that touches every kind of line, played live with the log on. */
-	class RecorderLogTest : public RecorderTest
+	TEST_F(RecorderTest, ReplayingTheLogOfASessionThatTouchesEveryKindOfLineGivesTheScriptThePanelHeld)
 	{
-	protected:
-		void PlaySession()
-		{
-			Host.SetLevelPath("/Game/Maps/Castle");
-			Panel.SetUseFps(true);
-			StartRecording(&Log);
-			Move(1000, 400.5, 300.25);
-			Move(1004, 430, 308);
-			Click(1010, 430, 308);
-			Wheel(1020, 10, 10, 1.5f);
-			KeyDown(1025, "E");
-			KeyUp(1040, "E");
-			Panel.SetUseFps(false);
-			Click(1050, 20, 20, 4);
-			DoubleClick(1058, 20, 20);
-			Up(1060, 20, 20);
-			Analog(1062, "Gamepad_LeftX");
-			Analog(1063, "Gamepad_LeftX");
-			At(1064);
-			Panel.InsertQuickLine(ELodexQuickInsert::LoadScene);
-			Down(1070, 100, 100, "RightMouseButton");
-			Up(1090, 300, 200, "RightMouseButton");
-			KeyUp(1095, "Z");
-			TickThrough(1100);
-			Host.SetPlaying(false); // the play session ends...
-			TickThrough(1120);
-			Host.SetViewport(FLodexViewportRect{50.0, 30.0, 1024, 600}); // ...and comes back elsewhere
-			Click(1130, 30, 40);
-			KeyDown(1140, "W");
-			At(1150);
-			Host.SetVR(true, "OpenXR");
-			Host.SetPose(ELodexVRDevice::Hmd, FLodexVRPose{{1.0, 2.0, 3.0}, {0.0, 0.0, 0.0, 1.0}});
-			Host.SetPose(ELodexVRDevice::RightAim, FLodexVRPose{{4.0, 5.0, 6.0}, {0.0, 0.0, 0.0, 1.0}});
-			TickThrough(1152);
-			KeyDown(1153, "A");
-			KeyUp(1155, "W");
-			Host.SetPose(ELodexVRDevice::Hmd, FLodexVRPose{{1.0, 2.5, 3.0}, {0.0, 0.0, 0.0, 1.0}});
-			TickThrough(1160);
-			Host.SetVR(false, "");
-			Click(1170, 50, 60);
-			At(1175);
-			ASSERT_TRUE(Panel.Stop());
-		}
 		FMemoryInputLog Log;
-	};
-
-	TEST_F(RecorderLogTest, ReplayingTheLogGivesTheScriptThePanelHeld)
-	{
-		PlaySession();
+		Host.SetLevelPath("/Game/Maps/Castle");
+		Panel.SetUseFps(true);
+		StartRecording(&Log);
+		Move(1000, 400.5, 300.25);
+		Move(1004, 430, 308);
+		Click(1010, 430, 308);
+		Wheel(1020, 10, 10, 1.5f);
+		KeyDown(1025, "E");
+		KeyUp(1040, "E");
+		Panel.SetUseFps(false);
+		Click(1050, 20, 20, 4);
+		DoubleClick(1058, 20, 20);
+		Up(1060, 20, 20);
+		Analog(1062, "Gamepad_LeftX");
+		Analog(1063, "Gamepad_LeftX");
+		At(1064);
+		Panel.InsertQuickLine(ELodexQuickInsert::LoadScene);
+		Down(1070, 100, 100, "RightMouseButton");
+		Up(1090, 300, 200, "RightMouseButton");
+		KeyUp(1095, "Z");
+		TickThrough(1100);
+		Host.SetPlaying(false); // the play session ends...
+		TickThrough(1120);
+		Host.SetViewport(FLodexViewportRect{50.0, 30.0, 1024, 600}); // ...and comes back elsewhere
+		Click(1130, 30, 40);
+		KeyDown(1140, "W");
+		At(1150);
+		Host.SetVR(true, "OpenXR");
+		Host.SetPose(ELodexVRDevice::Hmd, FLodexVRPose{{1.0, 2.0, 3.0}, {0.0, 0.0, 0.0, 1.0}});
+		Host.SetPose(ELodexVRDevice::RightAim, FLodexVRPose{{4.0, 5.0, 6.0}, {0.0, 0.0, 0.0, 1.0}});
+		TickThrough(1152);
+		KeyDown(1153, "A");
+		KeyUp(1155, "W");
+		Host.SetPose(ELodexVRDevice::Hmd, FLodexVRPose{{1.0, 2.5, 3.0}, {0.0, 0.0, 0.0, 1.0}});
+		TickThrough(1160);
+		Host.SetVR(false, "");
+		Click(1170, 50, 60);
+		At(1175);
+		ASSERT_TRUE(Panel.Stop());
 		const std::string Live = Panel.GetScriptText();
 		// Both clicks after the play session came back are in, at their places in the moved viewport.
 		EXPECT_NE(Live.find("api.Click(MouseButtons.LEFT, new Vector2(80, 60), 6); "), std::string::npos) << Live;
 		EXPECT_NE(Live.find("api.Click(MouseButtons.LEFT, new Vector2(100, 80), 6); "), std::string::npos) << Live;
 		EXPECT_GE(Log.FlushCount, 175) << "the log is flushed at every tick";
 
-		FInputLogReplayOptions Options;
 		FInputLogReplay Replay;
 		std::string Error;
-		ASSERT_TRUE(ReplayInputLog(Log.Text(), "live.jsonl", Options, Replay, Error)) << Error;
+		ASSERT_TRUE(ReplayInputLog(Log.Text(), "live.jsonl", FInputLogReplayOptions(), Replay, Error)) << Error;
 		EXPECT_EQ(Replay.Script, Live);
 		EXPECT_EQ(Replay.HostName, "rig-3");
 
 		// The log holds every event and tick, and each change of what the recorder read, where it happened.
-		const auto Count = [this](const char* Fragment)
+		const auto Count = [&Log](const char* Fragment)
 		{
 			return std::count_if(Log.Lines.begin(), Log.Lines.end(),
 				[Fragment](const std::string& Line) { return Line.find(Fragment) != std::string::npos; });

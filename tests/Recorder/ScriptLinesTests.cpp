@@ -7,12 +7,6 @@ namespace
 {
 	using namespace LodexScriptLines;
 
-	struct FLineRow
-	{
-		std::string Built;
-		const char* Expected;
-	};
-
 	// Each line format byte for byte, where no session test pins it already.
 	TEST(ScriptLines, LineFormatsByteForByte)
 	{
@@ -20,7 +14,7 @@ namespace
 		const FDuration Half = MakeDuration(30, 0.016666668f);
 		const FDuration Seven = MakeDuration(7, 0.016666668f);
 		const FLodexVRPose Pose{{10.5, -2.0, 130.25}, {0.0, 0.70710677, -0.0, 0.70710677}};
-		const FLineRow Rows[] = {
+		const std::pair<std::string, const char*> Rows[] = {
 			{MakeKeyPlaceholderLine("W"), "//put the W event here"},
 			{MakeAnalogPlaceholderLine("Gamepad_LeftX"), "//Put  Gamepad_LeftX here"},
 			{MakeClickLine(1, 0, 720, EDurationForm::Fps, Half),
@@ -38,9 +32,9 @@ namespace
 				"api.VRInput(\"Aim\", new Vector3(10.5f,-2.0f,130.25f), new Quaternion(0.0f, 0.707107f, 0.0f, "
 				"0.707107f), 2);"},
 		};
-		for (const FLineRow& Row : Rows)
+		for (const auto& Row : Rows)
 		{
-			EXPECT_EQ(Row.Built, Row.Expected);
+			EXPECT_EQ(Row.first, Row.second);
 		}
 	}
 
@@ -67,10 +61,8 @@ namespace
 			std::int32_t Code;
 			const char* ScriptName;
 		} Rows[] = {
-			{"LeftMouseButton", 0, "LEFT"},
+			// The exact names of the three buttons: the session tests.
 			{"leftmousebutton", 0, "LEFT"},
-			{"RightMouseButton", 1, "RIGHT"},
-			{"MiddleMouseButton", 2, "CENTER"},
 			{"CentreMouseButton", 2, "CENTER"},
 			{"ThumbMouseButton", -1, "Unknown"},
 			{"LeftMouseButtonX", -1, "Unknown"},
@@ -89,7 +81,6 @@ namespace
 	{
 		EXPECT_EQ(DescribeRecord(FLodexEventRecord(1234, ELodexEventKind::Drag, 2, -5, 7)),
 			"kind 4, frames 1234-0, code 2, from -5,7 to 0,0");
-		EXPECT_EQ(static_cast<std::uint32_t>(ELodexEventKind::Analog), 7u);
 	}
 
 	TEST(EventRecord, TheArrayKeepsOrderAndSequenceNumbersAcrossRemovalsFromTheFront)
