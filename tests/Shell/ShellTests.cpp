@@ -21,11 +21,9 @@ namespace
 	class FRecordingTabTool final : public ILodexTabTool
 	{
 	public:
-		FRecordingTabTool(FCallLog& InCalls, FLodexTabSpawnerRegistry& InSpawners, FLodexMenuExtender& InExtender,
-			FLodexTabFields InFields)
+		FRecordingTabTool(FCallLog& InCalls, FLodexTabSpawnerRegistry& InSpawners, FLodexTabFields InFields)
 			: Calls(InCalls)
 			, Spawners(InSpawners)
-			, Extender(InExtender)
 			, Fields(std::move(InFields))
 		{
 		}
@@ -44,13 +42,11 @@ namespace
 		void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position) override
 		{
 			Calls.push_back(std::string("AddMenuExtension ") + GetLodexExtensionPositionName(Position) + " " + Hook);
-			Extender.AddMenuExtension(Hook, Position, Fields.TabName);
 		}
 
 	private:
 		FCallLog& Calls;
 		FLodexTabSpawnerRegistry& Spawners;
-		FLodexMenuExtender& Extender;
 		FLodexTabFields Fields;
 	};
 
@@ -103,7 +99,7 @@ namespace
 			if (L.Tab != nullptr)
 			{
 				Tools[L.Name] = std::make_unique<FRecordingTabTool>(
-					Calls, Spawners, Extender, FLodexTabFields{L.Tab->TabName, L.Tab->DisplayName, L.Tab->ToolTip});
+					Calls, Spawners, FLodexTabFields{L.Tab->TabName, L.Tab->DisplayName, L.Tab->ToolTip});
 			}
 		}
 		void StartListener(const FLodexListenerInfo& L) override
@@ -139,7 +135,6 @@ namespace
 		FLodexShell Shell;
 		std::set<std::string> Loaded;
 		FLodexTabSpawnerRegistry Spawners;
-		FLodexMenuExtender Extender;
 		std::map<std::string, std::unique_ptr<FRecordingTabTool>> Tools;
 		mutable FCallLog Calls;
 	};

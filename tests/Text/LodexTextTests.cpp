@@ -11,7 +11,7 @@
 
 using namespace LodexText;
 
-TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppended)
+TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppendedAndKeepsNonFiniteTextAsPrinted)
 {
 	struct FRow
 	{
@@ -33,6 +33,8 @@ TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppended)
 		{100.0, 1, "100.0"},
 		{0.1f, 1, "0.1"},
 		{1e20, 1, "100000000000000000000.0"},
+		{std::numeric_limits<double>::infinity(), 1, "inf"},
+		{-std::numeric_limits<double>::infinity(), 1, "-inf"},
 	};
 	for (const FRow& Row : Rows)
 	{
@@ -42,12 +44,7 @@ TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppended)
 		AppendSanitizedFloat(Line, Row.Value, Row.MinDigits);
 		EXPECT_EQ(Line, "x=" + std::string(Row.Expected)) << Row.Value;
 	}
-}
-
-TEST(LodexTextFloat, NonFiniteTextIsKeptAsPrinted)
-{
-	EXPECT_EQ(SanitizeFloat(std::numeric_limits<double>::infinity()), "inf");
-	EXPECT_EQ(SanitizeFloat(-std::numeric_limits<double>::infinity()), "-inf");
+	// Text that is not a plain decimal is kept as printed.
 	const std::string Nan = SanitizeFloat(std::nan(""));
 	EXPECT_TRUE(Nan == "nan" || Nan == "-nan") << Nan;
 	// The largest double prints all of its 309 integer digits.
