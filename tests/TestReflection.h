@@ -5,6 +5,8 @@
 
 #include "LodexDebugger/Core/Explorer/ExplorerPanel.h"
 #include "LodexDebugger/Core/Explorer/LodexReflection.h"
+#include "LodexDebugger/Core/Paths/PathCommands.h"
+#include "LodexDebugger/Core/Shell/LodexShell.h"
 
 #include <algorithm>
 #include <deque>
@@ -66,11 +68,10 @@ public:
 	/** Gives an object its class. */
 	void SetClass(const FTestGraph::FNode& Object, const FClass& Class) { ClassOf[&Object] = &Class; }
 
-	/** Makes a component of an actor: its owner, and one of the actor's components in order. */
+	/** Makes a component of an actor: its owner. */
 	void AddComponent(const FTestGraph::FNode& Actor, const FTestGraph::FNode& Component)
 	{
 		OwnerOf[&Component] = FTestGraph::Handle(Actor);
-		ComponentsOf[&Actor].push_back(FTestGraph::Handle(Component));
 	}
 
 	/** The handle of a class's own function of that name (the first one). */
@@ -127,14 +128,8 @@ public:
 		const auto Found = OwnerOf.find(Component.Ptr);
 		return Found == OwnerOf.end() ? FLodexObject() : Found->second;
 	}
-	void GetComponents(FLodexObject Actor, std::vector<FLodexObject>& OutComponents) const override
-	{
-		const auto Found = ComponentsOf.find(Actor.Ptr);
-		if (Found != ComponentsOf.end())
-		{
-			OutComponents.insert(OutComponents.end(), Found->second.begin(), Found->second.end());
-		}
-	}
+	/** Nothing the tests run asks for an actor's components. */
+	void GetComponents(FLodexObject, std::vector<FLodexObject>&) const override {}
 
 private:
 	template<typename THandle, typename TItems>
@@ -160,7 +155,6 @@ private:
 	std::deque<FClass> Classes;
 	std::map<const void*, const FClass*> ClassOf;
 	std::map<const void*, FLodexObject> OwnerOf;
-	std::map<const void*, std::vector<FLodexObject>> ComponentsOf;
 };
 
 /** An actor selection held as a list, for the panel's selection events. */
@@ -179,4 +173,46 @@ public:
 	FLodexObject GetSelectedObject(std::size_t Index) const override { return Objects[Index]; }
 
 	std::vector<FLodexObject> Objects;
+};
+
+/** The editor's side of the commands and menus the tools register: each call recorded, in order, as "Call what". */
+class FRecordingCommandHost final
+	: public IMenuToolHost
+	, public ILodexExplorerPanelHost
+	, public ILodexPullDownCommandHost
+{
+public:
+	void CreateCommandList() override { Calls.push_back("CreateCommandList"); }
+	void RegisterCommandSet(const FLodexCommandSetInfo& S) override { Note("RegisterCommandSet", S.ContextName); }
+	void UnregisterCommandSet(const FLodexCommandSetInfo& S) override { Note("UnregisterCommandSet", S.ContextName); }
+	void MapPrintAction(const FLodexCommandInfo& C, const std::string& Mode) override
+	{
+		Note("MapPrintAction", C.CommandId + (" " + Mode));
+	}
+	void MapPrintReference(const FLodexCommandInfo& C, const std::string& Mode) override
+	{
+		Note("Map", C.CommandId + (" " + Mode));
+	}
+	void AddModuleMenuExtension(const FLodexMenuInfo& M) override { Note("AddModuleMenuExtension", M.ExtensionHook); }
+	void AddViewportContextMenuExtender(const FLodexMenuInfo& M) override
+	{
+		Note("AddViewportContextMenuExtender", M.ExtensionHook);
+	}
+	void RemoveViewportContextMenuExtender(const FLodexMenuInfo& M) override
+	{
+		Note("RemoveViewportContextMenuExtender", M.ExtensionHook);
+	}
+	void ExtendComponentsTreeMenu(const FLodexMenuInfo& M) override { Note("Extend", M.AddedThrough); }
+	void AddPullDownEntry(const FLodexPullDownCommandInfo& C) override
+	{
+		Note(
+			"entry", std::string(C.MenuLabel) + " " + GetLodexExtensionPositionName(C.MenuPosition) + " " + C.MenuHook);
+	}
+	void RegisterConsoleCommand(const FLodexPullDownCommandInfo& C) override { Note("register", C.ConsoleCommand); }
+	void UnregisterConsoleCommand(const FLodexPullDownCommandInfo& C) override { Note("unregister", C.ConsoleCommand); }
+
+	std::vector<std::string> Calls;
+
+private:
+	void Note(const char* Call, const std::string& What) { Calls.push_back(std::string(Call) + " " + What); }
 };

@@ -185,28 +185,7 @@ namespace
 		EXPECT_EQ(std::count(Scene.View.Calls.begin(), Scene.View.Calls.end(), "UpdateComponentsTree"), 0);
 	}
 
-	TEST(ExplorerPanel, SelectingAComponentInTheTreeClearsBothSearchBoxesAndRefillsFromIt)
-	{
-		FExplorerScene Scene;
-		Scene.Select({&Scene.Door});
-		Scene.Panel.HandleFilterTextChanged(EList::Properties, "open");
-		Scene.Panel.HandleFilterTextChanged(EList::Methods, "play");
-		Scene.Panel.OpenListContextMenu(EList::Methods);
-		Scene.View.Calls.clear();
-		Scene.Panel.HandleTreeSelectionUpdated({FExplorerScene::Node(ELodexTreeNodeKind::Component, &Scene.Hinge)});
-		EXPECT_EQ(Scene.Panel.GetSelection().SelectedComponent, FTestGraph::Handle(Scene.Hinge));
-		EXPECT_EQ(Scene.Panel.GetReferenceTarget(), 0u);
-		EXPECT_EQ(Scene.Shown(EList::Properties), HingeProperties);
-		EXPECT_EQ(Scene.Shown(EList::Methods), (std::vector<std::string>{"SetVisibility", "ExecuteUbergraph"}));
-		EXPECT_EQ(Scene.Panel.GetFilterText(EList::Properties), "");
-		EXPECT_EQ(Scene.Panel.GetFilterText(EList::Methods), "");
-		EXPECT_NE(std::find(Scene.View.Calls.begin(), Scene.View.Calls.end(), "ClearSearchBox Properties"),
-			Scene.View.Calls.end());
-		EXPECT_NE(std::find(Scene.View.Calls.begin(), Scene.View.Calls.end(), "ClearSearchBox Methods"),
-			Scene.View.Calls.end());
-	}
-
-	TEST(ExplorerPanel, TreeWalkTheLastComponentWinsTheActorNodeEndsItUnknownNodesGiveEmptyLists)
+	TEST(ExplorerPanel, TreeWalkTheLastComponentWinsTheActorNodeEndsItAndEveryWalkClearsBothSearchBoxes)
 	{
 		using K = ELodexTreeNodeKind;
 		FExplorerScene Scene;
@@ -217,39 +196,41 @@ namespace
 			std::vector<FLodexTreeNodeSelection> Nodes;
 			FLodexObject Component;
 			std::vector<std::string> Properties;
+			std::uint32_t Target;
 		};
 		const std::vector<FCase> Cases{
-			{"last component", {{K::Component, Hinge}, {K::Component, Knob}}, Knob, HingeProperties},
-			{"not found is skipped", {{K::Component, Hinge}, {K::Component, None}}, Hinge, HingeProperties},
-			{"actor ends the walk", {{K::Component, Hinge}, {K::Actor, None}, {K::Component, Knob}}, None,
-				DoorProperties},
-			{"nothing found", {{K::Component, None}, {K::Other, None}}, None, {}},
+			{"not found is skipped", {{K::Component, Knob}, {K::Component, None}}, Knob, HingeProperties, 0},
+			{"actor ends the walk", {{K::Component, Knob}, {K::Actor, None}, {K::Component, Hinge}}, None,
+				DoorProperties, 0},
+			{"nothing found", {{K::Component, None}, {K::Other, None}}, None, {}, 0},
+			// No nodes: the component and the target stay, only the search boxes are cleared.
+			{"no nodes", {}, Hinge, HingeProperties, 1},
+			{"last component", {{K::Component, Hinge}, {K::Component, Knob}}, Knob, HingeProperties, 0},
 		};
 		for (const FCase& Case : Cases)
 		{
-			// Selecting the door again starts each walk afresh.
-			Scene.Select({&Scene.Door});
+			// Selecting the hinge again starts each walk afresh, with text in both search boxes.
+			Scene.Select({&Scene.Hinge});
+			Scene.Panel.HandleFilterTextChanged(EList::Properties, "rot");
+			Scene.Panel.HandleFilterTextChanged(EList::Methods, "vis");
+			Scene.Panel.OpenListContextMenu(EList::Methods);
+			Scene.View.Calls.clear();
 			Scene.Panel.HandleTreeSelectionUpdated(Case.Nodes);
 			EXPECT_EQ(Scene.Panel.GetSelection().SelectedComponent, Case.Component) << Case.What;
-			EXPECT_EQ(Scene.Panel.GetNames(EList::Properties), Case.Properties) << Case.What;
+			EXPECT_EQ(Scene.Shown(EList::Properties), Case.Properties) << Case.What;
 			EXPECT_EQ(Scene.Panel.GetSelection().SelectedActor, FTestGraph::Handle(Scene.Door)) << Case.What;
+			EXPECT_EQ(Scene.Panel.GetReferenceTarget(), Case.Target) << Case.What;
+			EXPECT_EQ(Scene.Panel.GetFilterText(EList::Properties) + Scene.Panel.GetFilterText(EList::Methods), "");
+			EXPECT_EQ(std::vector<std::string>(Scene.View.Calls.end() - 4, Scene.View.Calls.end()),
+				(std::vector<std::string>{"RefreshList Properties", "ClearSearchBox Properties", "RefreshList Methods",
+					"ClearSearchBox Methods"}))
+				<< Case.What;
 		}
-	}
+		EXPECT_EQ(Scene.Shown(EList::Methods), (std::vector<std::string>{"SetVisibility", "ExecuteUbergraph"}));
 
-	TEST(ExplorerPanel, TreeWithoutNodesOrWithoutAnExploredActorOnlyClearsTheSearchBoxes)
-	{
-		FExplorerScene Scene;
-		Scene.Select({&Scene.Hinge});
-		Scene.Panel.HandleFilterTextChanged(EList::Properties, "rot");
-		Scene.Panel.OpenListContextMenu(EList::Properties);
-		Scene.Panel.HandleTreeSelectionUpdated({});
-		EXPECT_EQ(Scene.Panel.GetSelection().SelectedComponent, FTestGraph::Handle(Scene.Hinge));
-		EXPECT_EQ(Scene.Panel.GetReferenceTarget(), 2u);
-		EXPECT_EQ(Scene.Panel.GetFilterText(EList::Properties), "");
-		EXPECT_EQ(Scene.Shown(EList::Properties), HingeProperties);
-
+		// Without an explored actor nothing is filled.
 		FExplorerScene Fresh;
-		Fresh.Panel.HandleTreeSelectionUpdated({FExplorerScene::Node(ELodexTreeNodeKind::Actor)});
+		Fresh.Panel.HandleTreeSelectionUpdated({FExplorerScene::Node(K::Actor)});
 		EXPECT_TRUE(Fresh.Panel.GetNames(EList::Properties).empty());
 		EXPECT_EQ(Fresh.View.Calls, (std::vector<std::string>{"ClearSearchBox Properties", "ClearSearchBox Methods"}));
 	}
@@ -258,14 +239,13 @@ namespace
 	{
 		FExplorerScene Scene;
 		Scene.Select({&Scene.Door});
+		const FLodexFunction DoorsOwn = FTestReflection::FindFunction(Scene.DoorClass, "ReceiveBeginPlay");
 		Scene.Pick(EList::Methods, "ReceiveBeginPlay");
 		// Either row of the two "ReceiveBeginPlay" rows picks the first entry: the door's own.
-		EXPECT_EQ(Scene.Panel.GetSelection().SelectedFunction,
-			FTestReflection::FindFunction(Scene.DoorClass, "ReceiveBeginPlay"));
+		EXPECT_EQ(Scene.Panel.GetSelection().SelectedFunction, DoorsOwn);
 		Scene.Pick(EList::Methods, "receivebeginplay");
 		Scene.Pick(EList::Methods, "Nowhere");
-		EXPECT_EQ(Scene.Panel.GetSelection().SelectedFunction,
-			FTestReflection::FindFunction(Scene.DoorClass, "ReceiveBeginPlay"));
+		EXPECT_EQ(Scene.Panel.GetSelection().SelectedFunction, DoorsOwn);
 		Scene.Panel.HandleListSelectionChanged(EList::Methods, nullptr);
 		EXPECT_TRUE(Scene.Panel.GetSelection().SelectedFunction.IsNull());
 
@@ -306,7 +286,7 @@ namespace
 		EXPECT_EQ(Scene.Output.Lines.size(), 1u);
 	}
 
-	TEST(ExplorerPanel, ConstructionTakesTheFirstSelectedActorAndFillsNothing)
+	TEST(ExplorerPanel, ConstructionTakesTheFirstSelectedActorAndFillsNothingAndResetForgetsEverythingExplored)
 	{
 		FExplorerScene Scene;
 		Scene.Panel.Construct(FTestSelection{&Scene.Lamp, &Scene.Door});
@@ -320,6 +300,22 @@ namespace
 		FExplorerScene Empty;
 		Empty.Panel.Construct(FTestSelection{});
 		EXPECT_TRUE(Empty.Panel.GetSelection().SelectedActor.IsNull());
+
+		Scene.Select({&Scene.Hinge});
+		Scene.Pick(EList::Methods, "SetVisibility");
+		Scene.Panel.HandleFilterTextChanged(EList::Methods, "vis");
+		Scene.Panel.OpenListContextMenu(EList::Methods);
+		Scene.Panel.Reset();
+		const FLodexExplorerSelection& Selection = Scene.Panel.GetSelection();
+		EXPECT_TRUE(Selection.SelectedActor.IsNull() && Selection.SelectedComponent.IsNull() &&
+			Selection.SelectedFunction.IsNull() && Selection.SelectedProperty.IsNull() &&
+			Scene.Panel.GetExploredActor().IsNull());
+		EXPECT_EQ(Selection.ReferenceTarget, 0u);
+		EXPECT_TRUE(
+			Scene.Panel.GetNames(EList::Methods).empty() && Scene.Panel.GetFilteredItems(EList::Methods).empty());
+		EXPECT_EQ(Scene.Panel.GetFilterText(EList::Methods), "");
+		Scene.Panel.PrintReference("Absolute");
+		EXPECT_EQ(Scene.Output.Lines.size(), 1u);
 	}
 
 	TEST(ExplorerPanel, ListMenusSetTheTargetWhichHoldsUntilTheExploredObjectChanges)
@@ -345,49 +341,11 @@ namespace
 
 	TEST(ExplorerPanel, RegistersItsCommandsMapsBothAndExtendsTheTreeMenuInThatOrder)
 	{
-		class FHost final : public ILodexExplorerPanelHost
-		{
-		public:
-			void CreateCommandList() override { Calls.push_back("CreateCommandList"); }
-			void RegisterCommandSet(const FLodexCommandSetInfo& Set) override
-			{
-				Calls.push_back(std::string("RegisterCommandSet ") + Set.ContextName);
-			}
-			void MapPrintReference(const FLodexCommandInfo& Command, const std::string& Mode) override
-			{
-				Calls.push_back(std::string("Map ") + Command.CommandId + " " + Mode);
-			}
-			void ExtendComponentsTreeMenu(const FLodexMenuInfo& Menu) override
-			{
-				Calls.push_back(std::string("Extend ") + Menu.AddedThrough);
-			}
-			std::vector<std::string> Calls;
-		};
-		FHost Host;
+		FRecordingCommandHost Host;
 		FLodexExplorerPanel::RegisterWithEditor(Host);
 		EXPECT_EQ(Host.Calls,
 			(std::vector<std::string>{"CreateCommandList", "RegisterCommandSet DetailToolA",
 				"Map DetailCommand1 Relative", "Map DetailCommand2 Absolute",
 				"Extend Kismet.SubobjectEditorContextMenu"}));
-	}
-
-	TEST(ExplorerPanel, ResetForgetsEverythingItExplores)
-	{
-		FExplorerScene Scene;
-		Scene.Select({&Scene.Hinge});
-		Scene.Pick(EList::Methods, "SetVisibility");
-		Scene.Panel.HandleFilterTextChanged(EList::Methods, "vis");
-		Scene.Panel.OpenListContextMenu(EList::Methods);
-		Scene.Panel.Reset();
-		const FLodexExplorerSelection& Selection = Scene.Panel.GetSelection();
-		EXPECT_TRUE(Selection.SelectedActor.IsNull() && Selection.SelectedComponent.IsNull() &&
-			Selection.SelectedFunction.IsNull() && Selection.SelectedProperty.IsNull() &&
-			Scene.Panel.GetExploredActor().IsNull());
-		EXPECT_EQ(Selection.ReferenceTarget, 0u);
-		EXPECT_TRUE(
-			Scene.Panel.GetNames(EList::Methods).empty() && Scene.Panel.GetFilteredItems(EList::Methods).empty());
-		EXPECT_EQ(Scene.Panel.GetFilterText(EList::Methods), "");
-		Scene.Panel.PrintReference("Absolute");
-		EXPECT_TRUE(Scene.Output.Lines.empty());
 	}
 }

@@ -14,28 +14,15 @@ namespace
 {
 	using R = FTestReflection;
 
-	std::string JsonString(const std::string& Text)
-	{
-		std::string Out;
-		LodexSnapshot::AppendJsonString(Out, Text);
-		return Out;
-	}
-
 	TEST(SnapshotWriter, StringsAreEscapedAndBadUtf8BecomesReplacementCharacters)
 	{
-		const std::vector<std::pair<std::string, std::string>> Cases{
-			{"Door", "\"Door\""},
-			{"Bob's \"Sign\" C:\\x", "\"Bob's \\\"Sign\\\" C:\\\\x\""},
-			{"a\nb\rc\td\x01\x1f", "\"a\\nb\\rc\\td\\u0001\\u001f\""},
-			{"Tür 用户 \xF0\x9F\x98\x80", "\"Tür 用户 \xF0\x9F\x98\x80\""},
-			{"\xFF", "\"\xEF\xBF\xBD\""},
-			// A sequence cut short: one replacement per byte.
-			{"a\xE7\x94", "\"a\xEF\xBF\xBD\xEF\xBF\xBD\""},
-		};
-		for (const auto& Case : Cases)
-		{
-			EXPECT_EQ(JsonString(Case.first), Case.second) << Case.first;
-		}
+		// A sequence cut short at the end: one replacement per byte.
+		std::string Out;
+		LodexSnapshot::AppendJsonString(
+			Out, "Bob's \"Sign\" C:\\x a\nb\rc\td\x01\x1f Tür 用户 \xF0\x9F\x98\x80 \xFF a\xE7\x94");
+		EXPECT_EQ(Out,
+			"\"Bob's \\\"Sign\\\" C:\\\\x a\\nb\\rc\\td\\u0001\\u001f Tür 用户 \xF0\x9F\x98\x80 \xEF\xBF\xBD "
+			"a\xEF\xBF\xBD\xEF\xBF\xBD\"");
 	}
 
 	TEST(SnapshotWriter, ObjectsAsTheyAreWrittenGoOneValueALineWithEveryFieldALevelSaves)
@@ -185,24 +172,15 @@ namespace
 
 	TEST(SnapshotExport, ConsoleArgumentsDefaultFileAndMessages)
 	{
-		struct FArgumentsCase
+		const auto Parse = [](const std::vector<std::string>& Arguments)
 		{
-			std::vector<std::string> Arguments;
-			bool bDefault;
-			std::string File;
+			const LodexSnapshot::FExportRequest Request = LodexSnapshot::ParseConsoleArguments(Arguments);
+			return (Request.bUseDefaultFile ? "default " : "file ") + Request.File;
 		};
-		const std::vector<FArgumentsCase> Cases{
-			{{}, true, ""},
-			{{"level.json"}, false, "level.json"},
-			{{"C:/My", "Levels/level.json"}, false, "C:/My Levels/level.json"},
-			{{"\"/tmp/a", "b.json\""}, false, "/tmp/a b.json"},
-		};
-		for (const FArgumentsCase& Case : Cases)
-		{
-			const LodexSnapshot::FExportRequest Request = LodexSnapshot::ParseConsoleArguments(Case.Arguments);
-			EXPECT_EQ(Request.bUseDefaultFile, Case.bDefault);
-			EXPECT_EQ(Request.File, Case.File);
-		}
+		EXPECT_EQ(Parse({}), "default ");
+		EXPECT_EQ(Parse({"level.json"}), "file level.json");
+		EXPECT_EQ(Parse({"C:/My", "Levels/level.json"}), "file C:/My Levels/level.json");
+		EXPECT_EQ(Parse({"\"/tmp/a", "b.json\""}), "file /tmp/a b.json");
 		EXPECT_EQ(LodexSnapshot::MakeDefaultFileName("Level_01"), "Level_01.json");
 		EXPECT_EQ(LodexSnapshot::MakeDefaultFileName("a/b\\c:d*e?\"f<g>|"), "a_b_c_d_e__f_g__.json");
 		EXPECT_EQ(LodexSnapshot::MakeDefaultFileName(""), "World.json");
@@ -214,25 +192,7 @@ namespace
 
 	TEST(SnapshotExport, StartAddsTheEntryThenTheCommandAndStopRemovesTheCommand)
 	{
-		class FHost final : public ILodexPullDownCommandHost
-		{
-		public:
-			void AddPullDownEntry(const FLodexPullDownCommandInfo& Command) override
-			{
-				Calls.push_back(std::string("entry ") + Command.MenuLabel + " " +
-					GetLodexExtensionPositionName(Command.MenuPosition) + " " + Command.MenuHook);
-			}
-			void RegisterConsoleCommand(const FLodexPullDownCommandInfo& Command) override
-			{
-				Calls.push_back(std::string("register ") + Command.ConsoleCommand);
-			}
-			void UnregisterConsoleCommand(const FLodexPullDownCommandInfo& Command) override
-			{
-				Calls.push_back(std::string("unregister ") + Command.ConsoleCommand);
-			}
-			std::vector<std::string> Calls;
-		};
-		FHost Host;
+		FRecordingCommandHost Host;
 		LodexSnapshot::StartExport(Host);
 		LodexSnapshot::StopExport(Host);
 		EXPECT_EQ(Host.Calls,

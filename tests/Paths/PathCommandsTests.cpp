@@ -56,13 +56,6 @@ namespace
 		}
 	}
 
-	TEST(LodexLogLine, RenderedAsTheEngineLogShowsIt)
-	{
-		EXPECT_EQ(FormatLodexLogLine(ELodexLogVerbosity::Log, "Lodestring : //A "), "LogTemp: Lodestring : //A ");
-		EXPECT_EQ(FormatLodexLogLine(ELodexLogVerbosity::Warning, "ShutdownModule() called"),
-			"LogTemp: Warning: ShutdownModule() called");
-	}
-
 	TEST(CommandSets, LocalisationKeysFollowTheEngineAndCommandsAreFoundByExactIdOrMode)
 	{
 		const FLodexCommandSetInfo& Set = GetMenuToolCommandSet();
@@ -79,40 +72,9 @@ namespace
 			(std::vector<std::string>{"MenuTool", "MenuCommand2", "MenuCommand2_ToolTip", ".MenuCommand2"}));
 	}
 
-	class FRecordingMenuToolHost final : public IMenuToolHost
-	{
-	public:
-		void CreateCommandList() override { Calls.push_back("CreateCommandList"); }
-		void RegisterCommandSet(const FLodexCommandSetInfo& Set) override
-		{
-			Calls.push_back(std::string("RegisterCommandSet ") + Set.ContextName);
-		}
-		void MapPrintAction(const FLodexCommandInfo& Command, const std::string& Mode) override
-		{
-			Calls.push_back(std::string("MapPrintAction ") + Command.CommandId + " " + Mode);
-		}
-		void AddModuleMenuExtension(const FLodexMenuInfo& Menu) override
-		{
-			Calls.push_back(std::string("AddModuleMenuExtension ") + Menu.ExtensionHook);
-		}
-		void AddViewportContextMenuExtender(const FLodexMenuInfo& Menu) override
-		{
-			Calls.push_back(std::string("AddViewportContextMenuExtender ") + Menu.ExtensionHook);
-		}
-		void RemoveViewportContextMenuExtender(const FLodexMenuInfo& Menu) override
-		{
-			Calls.push_back(std::string("RemoveViewportContextMenuExtender ") + Menu.ExtensionHook);
-		}
-		void UnregisterCommandSet(const FLodexCommandSetInfo& Set) override
-		{
-			Calls.push_back(std::string("UnregisterCommandSet ") + Set.ContextName);
-		}
-		std::vector<std::string> Calls;
-	};
-
 	TEST(MenuToolStartup, RegistersInOrderAndShutdownTakesBackWhatTheLevelEditorHolds)
 	{
-		FRecordingMenuToolHost Host;
+		FRecordingCommandHost Host;
 		StartMenuTool(Host);
 		StopMenuTool(Host);
 		EXPECT_EQ(Host.Calls,
@@ -128,7 +90,7 @@ namespace
 			}));
 	}
 
-	TEST(BestCopy, LogsEachSelectedActorsBestLodestringWithItsCountAndCopiesThemAllOneALine)
+	TEST(BestCopy, LogsEachSelectedActorsBestLodestringWithItsCountAndCopiesThemAllOneALineOrNothingWhenNoneIsFound)
 	{
 		FListedTestGraph Scene;
 		FTestGraph::FNode& House = Scene.Listed(Scene.Actor("House", nullptr, {"bldg"}));
@@ -161,20 +123,11 @@ namespace
 		EXPECT_EQ(Output.Lines[2].Verbosity, ELodexLogVerbosity::Warning);
 		// One copy, every Lodestring on a line of its own, so that the clipboard holds them all.
 		EXPECT_EQ(Output.Copies, std::vector<std::string>{DoorBest + "\r\n" + CubeBest});
-	}
 
-	TEST(BestCopy, AnEmptySelectionOrOneOfNothingButStrangersCopiesNothing)
-	{
-		FListedTestGraph Scene;
-		Scene.Listed(Scene.Actor("Lamp"));
-		FTestGraph::FNode& Elsewhere = Scene.Actor("Elsewhere");
-		const FLodexSceneIndex Index(Scene, Scene);
-
-		FRecordingOutput Output;
+		// An empty selection logs nothing; one of nothing but strangers copies nothing: the clipboard keeps its text.
 		EXPECT_TRUE(PrintSelectedBestLodestrings(Index, FTestSelection{}, Output).empty());
-		EXPECT_TRUE(Output.Lines.empty());
-		EXPECT_TRUE(PrintSelectedBestLodestrings(Index, FTestSelection{&Elsewhere}, Output).empty());
-		EXPECT_EQ(Output.Lines.size(), 1u);
-		EXPECT_TRUE(Output.Copies.empty()) << "the clipboard keeps what it held";
+		EXPECT_TRUE(PrintSelectedBestLodestrings(Index, FTestSelection{&Elsewhere, nullptr}, Output).empty());
+		EXPECT_EQ(Output.Lines.size(), 4u);
+		EXPECT_EQ(Output.Copies.size(), 1u);
 	}
 }

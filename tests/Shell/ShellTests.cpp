@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 #include <memory>
 #include <set>
@@ -22,11 +21,9 @@ namespace
 	class FRecordingTabTool final : public ILodexTabTool
 	{
 	public:
-		FRecordingTabTool(FCallLog& InCalls, FLodexTabSpawnerRegistry& InSpawners, FLodexMenuExtender& InExtender,
-			FLodexTabFields InFields)
+		FRecordingTabTool(FCallLog& InCalls, FLodexTabSpawnerRegistry& InSpawners, FLodexTabFields InFields)
 			: Calls(InCalls)
 			, Spawners(InSpawners)
-			, Extender(InExtender)
 			, Fields(std::move(InFields))
 		{
 		}
@@ -45,13 +42,11 @@ namespace
 		void AddMenuExtension(const char* Hook, ELodexExtensionPosition Position) override
 		{
 			Calls.push_back(std::string("AddMenuExtension ") + GetLodexExtensionPositionName(Position) + " " + Hook);
-			Extender.AddMenuExtension(Hook, Position, Fields.TabName);
 		}
 
 	private:
 		FCallLog& Calls;
 		FLodexTabSpawnerRegistry& Spawners;
-		FLodexMenuExtender& Extender;
 		FLodexTabFields Fields;
 	};
 
@@ -104,7 +99,7 @@ namespace
 			if (L.Tab != nullptr)
 			{
 				Tools[L.Name] = std::make_unique<FRecordingTabTool>(
-					Calls, Spawners, Extender, FLodexTabFields{L.Tab->TabName, L.Tab->DisplayName, L.Tab->ToolTip});
+					Calls, Spawners, FLodexTabFields{L.Tab->TabName, L.Tab->DisplayName, L.Tab->ToolTip});
 			}
 		}
 		void StartListener(const FLodexListenerInfo& L) override
@@ -140,7 +135,6 @@ namespace
 		FLodexShell Shell;
 		std::set<std::string> Loaded;
 		FLodexTabSpawnerRegistry Spawners;
-		FLodexMenuExtender Extender;
 		std::map<std::string, std::unique_ptr<FRecordingTabTool>> Tools;
 		mutable FCallLog Calls;
 	};
@@ -161,7 +155,7 @@ namespace
 	const std::string ShutdownLogged = "Log LogTemp: Warning: ShutdownModule() called";
 	const std::string SettingsRemoved = "UnregisterSettings Project/ExampleCategory/ExampleSettings";
 
-	TEST(LodexShell, StartupRunsEveryStepInOrderThroughTheModulesAddModuleListeners)
+	TEST(LodexShell, StartupRunsEveryStepThroughTheModulesAddModuleListenersAndShutdownTakesItAllBackInOrder)
 	{
 		FRecordingShellHost Host;
 		Host.Shell.StartupModule(Host);
@@ -179,22 +173,9 @@ namespace
 				"AddMenuExtension Before REPL_TOOL", "StartListener DetailsTool", "Initialize DetailsTool",
 				"RegisterNomadTabSpawner DetailsTool in Menu Root", "AddMenuExtension Before DETAILS_TOOL"}));
 
-		// A module whose AddModuleListeners adds nothing has nothing started.
-		FRecordingShellHost Bare;
-		Bare.bModuleAddsListeners = false;
-		Bare.Shell.StartupModule(Bare);
-		EXPECT_EQ(Bare.TakeCalls().back(), "AddModuleListeners");
-		EXPECT_TRUE(Bare.Shell.GetModuleListeners().empty());
-	}
-
-	TEST(LodexShell, ShutdownStopsTheListenersInOrderThenTakesBackEverythingTheEditorHolds)
-	{
-		FRecordingShellHost Host;
-		Host.Loaded = {"PropertyEditor", "Settings"};
-		FLodexShell& Shell = Host.Shell;
-		Shell.StartupModule(Host);
-		Host.TakeCalls();
-		Shell.ShutdownModule(Host, Host);
+		// Shut down: the listeners stopped in order, then everything the editor holds taken back.
+		Host.Loaded.insert({"PropertyEditor", "Settings"});
+		Host.Shell.ShutdownModule(Host, Host);
 		EXPECT_EQ(Host.TakeCalls(),
 			(FLines{ShutdownLogged, "IsModuleLoaded PropertyEditor", "LoadModule PropertyEditor",
 				"IsModuleLoaded Settings", SettingsRemoved, "StopListener MenuTool", "StopListener TabTool",
@@ -204,19 +185,26 @@ namespace
 				"RemoveMenuExtenderFromLevelEditor", "ReleaseMenuExtender", "DestroyListeners"}));
 		EXPECT_TRUE(Host.Spawners.GetSpawners().empty());
 		EXPECT_TRUE(Host.Tools.empty());
-		EXPECT_TRUE(Shell.GetModuleListeners().empty());
+		EXPECT_TRUE(Host.Shell.GetModuleListeners().empty());
 
 		// Loaded again (a live reload): the five listeners once, not ten; a level editor unloaded first keeps
 		// nothing of the module, so only the module's own references are let go.
-		Shell.StartupModule(Host);
-		EXPECT_EQ(Shell.GetModuleListeners().size(), 5u);
+		Host.Shell.StartupModule(Host);
+		EXPECT_EQ(Host.Shell.GetModuleListeners().size(), 5u);
 		EXPECT_EQ(Host.Spawners.GetSpawners().size(), 4u);
 		Host.Loaded.erase("LevelEditor");
 		Host.TakeCalls();
-		Shell.ShutdownModule(Host, Host);
+		Host.Shell.ShutdownModule(Host, Host);
 		const FLines Calls = Host.TakeCalls();
 		EXPECT_EQ(FLines(Calls.end() - 3, Calls.end()),
 			(FLines{"IsModuleLoaded LevelEditor", "ReleaseMenuExtender", "DestroyListeners"}));
+
+		// A module whose AddModuleListeners adds nothing has nothing started.
+		FRecordingShellHost Bare;
+		Bare.bModuleAddsListeners = false;
+		Bare.Shell.StartupModule(Bare);
+		EXPECT_EQ(Bare.TakeCalls().back(), "AddModuleListeners");
+		EXPECT_TRUE(Bare.Shell.GetModuleListeners().empty());
 	}
 
 	TEST(LodexShell, UnderACommandletAddsNothingAndShutdownRemovesTheSettingsSectionOnlyWhenLoaded)
@@ -240,30 +228,6 @@ namespace
 			Host.Shell.ShutdownModule(Host, Host);
 			EXPECT_EQ(Host.TakeCalls(), Expected);
 		}
-	}
-
-	TEST(LodexPullDown, ShowsEachToolBeforeItsSeparatorWhateverTheStartOrder)
-	{
-		const FLines Expected{"heading Veltrane", "entry Lodestring Debugger -> TabTool", "separator LODEX",
-			"entry Input Recorder -> RecorderTool", "separator RECORDER_TOOL", "entry Lodex REPL -> ReplTool",
-			"separator REPL_TOOL", "entry Object Explorer -> DetailsTool", "separator DETAILS_TOOL"};
-		std::vector<std::size_t> Order{0, 1, 2, 3};
-		int Orders = 0;
-		do
-		{
-			FRecordingShellHost Host;
-			std::string Started;
-			for (const std::size_t Index : Order)
-			{
-				const FLodexTabInfo& Tab = GetLodexTabs()[Index];
-				Host.CreateListener(GetLodexListener(Tab.Listener));
-				StartLodexTabTool(*Host.Tools.at(Tab.TabName), Tab);
-				Started += std::string(Tab.TabName) + " ";
-			}
-			EXPECT_EQ(DescribeItems(BuildLodexPullDownModel(Host.Extender, Host.Spawners)), Expected) << Started;
-			++Orders;
-		} while (std::next_permutation(Order.begin(), Order.end()));
-		EXPECT_EQ(Orders, 24);
 	}
 
 	TEST(LodexMenuModelBuilder, AppliesExtensionsAtTheEngineHookPointsInTheOrderAdded)

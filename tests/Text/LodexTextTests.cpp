@@ -11,7 +11,7 @@
 
 using namespace LodexText;
 
-TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppended)
+TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppendedAndKeepsNonFiniteTextAsPrinted)
 {
 	struct FRow
 	{
@@ -21,9 +21,7 @@ TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppended)
 	};
 	const FRow Rows[] = {
 		{2.0, 1, "2.0"},
-		{0.5, 1, "0.5"},
 		{0.016666668, 1, "0.016667"},
-		{1.25, 1, "1.25"},
 		{-3.5, 1, "-3.5"},
 		{-0.0, 1, "0.0"},
 		{0.0, 0, "0"},
@@ -35,6 +33,8 @@ TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppended)
 		{100.0, 1, "100.0"},
 		{0.1f, 1, "0.1"},
 		{1e20, 1, "100000000000000000000.0"},
+		{std::numeric_limits<double>::infinity(), 1, "inf"},
+		{-std::numeric_limits<double>::infinity(), 1, "-inf"},
 	};
 	for (const FRow& Row : Rows)
 	{
@@ -44,12 +44,7 @@ TEST(LodexTextFloat, RendersAsTheEngineDoesAloneOrAppended)
 		AppendSanitizedFloat(Line, Row.Value, Row.MinDigits);
 		EXPECT_EQ(Line, "x=" + std::string(Row.Expected)) << Row.Value;
 	}
-}
-
-TEST(LodexTextFloat, NonFiniteTextIsKeptAsPrinted)
-{
-	EXPECT_EQ(SanitizeFloat(std::numeric_limits<double>::infinity()), "inf");
-	EXPECT_EQ(SanitizeFloat(-std::numeric_limits<double>::infinity()), "-inf");
+	// Text that is not a plain decimal is kept as printed.
 	const std::string Nan = SanitizeFloat(std::nan(""));
 	EXPECT_TRUE(Nan == "nan" || Nan == "-nan") << Nan;
 	// The largest double prints all of its 309 integer digits.
@@ -151,7 +146,6 @@ TEST(LodexTextAnsi, EightBitTextReadsAsTheEngineWidensItsSignedCharacters)
 {
 	EXPECT_EQ(FromAnsi(nullptr), "");
 	EXPECT_EQ(FromAnsi(""), "");
-	EXPECT_EQ(FromAnsi("T?r"), "T?r");
 	// 0xFC is not 'ü' (U+00FC) but U+FFFC: the engine casts a signed char to its 16-bit character.
 	EXPECT_EQ(FromAnsi("T\xFCr"), "T\xEF\xBF\xBCr");
 
@@ -245,7 +239,7 @@ namespace
 	const std::string Replacement = "\xEF\xBF\xBD";
 }
 
-TEST(LodexTextUtf16Decode, PairsJoinAndLoneSurrogatesAreReplaced)
+TEST(LodexTextUtf16Decode, PairsJoinAndLoneSurrogatesAndAnOddLastByteAreReplaced)
 {
 	struct FRow
 	{
@@ -279,56 +273,27 @@ TEST(LodexTextUtf16Decode, PairsJoinAndLoneSurrogatesAreReplaced)
 			AppendUtf16AsUtf8(Out, Bytes.data(), Bytes.size(), Order);
 			EXPECT_EQ(Out, "<" + Row.Expected) << Row.Name;
 		}
-		// One unit at a time, as escapes give them.
+		// One unit at a time, as escapes give them: a high surrogate is held until the next unit.
 		std::string Out;
 		FUtf16Decoder Decoder(Out);
 		for (const std::uint32_t Unit : Row.Units)
 		{
 			Decoder.Unit(Unit);
+			EXPECT_EQ(Decoder.IsHolding(), Unit >= 0xD800 && Unit <= 0xDBFF) << Row.Name;
 		}
 		Decoder.Flush();
+		EXPECT_FALSE(Decoder.IsHolding());
 		EXPECT_EQ(Out, Row.Expected) << Row.Name;
 	}
-}
 
-TEST(LodexTextUtf16Decode, OddLastByteIsOneMoreReplacement)
-{
-	struct FRow
-	{
-		std::string Bytes;
-		EUtf16ByteOrder Order;
-		std::string Expected;
-	};
-	const FRow Rows[] = {
-		{std::string("a\0b", 3), EUtf16ByteOrder::LittleEndian, "a" + Replacement},
-		{"x", EUtf16ByteOrder::BigEndian, Replacement},
-		// A high surrogate cut short by the odd byte is replaced too.
-		{std::string("\xD8\x3D\x00", 3), EUtf16ByteOrder::BigEndian, Replacement + Replacement},
-		{"", EUtf16ByteOrder::BigEndian, ""},
-	};
-	for (const FRow& Row : Rows)
+	// An odd last byte is one more replacement, after a high surrogate it cut short too.
+	const auto Decode = [](const std::string& Bytes, EUtf16ByteOrder Order)
 	{
 		std::string Out;
-		AppendUtf16AsUtf8(Out, Row.Bytes.data(), Row.Bytes.size(), Row.Order);
-		EXPECT_EQ(Out, Row.Expected) << Row.Bytes.size();
-	}
-}
-
-TEST(LodexTextUtf16Decode, DecoderHoldsAHighSurrogateUntilTheNextUnit)
-{
-	std::string Out;
-	FUtf16Decoder Decoder(Out);
-	Decoder.Unit(0xD83D);
-	EXPECT_TRUE(Decoder.IsHolding());
-	EXPECT_EQ(Out, "");
-	Decoder.Unit(0xDE00);
-	EXPECT_FALSE(Decoder.IsHolding());
-	EXPECT_EQ(Out, "\xF0\x9F\x98\x80");
-	// What the caller appends itself comes after the replaced half it flushed first.
-	Decoder.Unit(0xD83D);
-	Decoder.Flush();
-	EXPECT_FALSE(Decoder.IsHolding());
-	Out += 'z';
-	Decoder.Flush();
-	EXPECT_EQ(Out, "\xF0\x9F\x98\x80" + Replacement + "z");
+		AppendUtf16AsUtf8(Out, Bytes.data(), Bytes.size(), Order);
+		return Out;
+	};
+	EXPECT_EQ(Decode(std::string("a\0b", 3), EUtf16ByteOrder::LittleEndian), "a" + Replacement);
+	EXPECT_EQ(Decode("x", EUtf16ByteOrder::BigEndian), Replacement);
+	EXPECT_EQ(Decode(std::string("\xD8\x3D\x00", 3), EUtf16ByteOrder::BigEndian), Replacement + Replacement);
 }
