@@ -245,7 +245,7 @@ namespace
 				"kind 7, frames 1044-1044, code 1, from 0,0 to 0,0"}));
 	}
 
-	TEST_F(RecorderTest, APointerMoveStretchesItsOpenRecordUntilAPressClosesIt)
+	TEST_F(RecorderTest, APointerMoveStretchesItsOpenRecordUntilAPressOrTheStopClosesIt)
 	{
 		StartRecording();
 		Move(1000, 400, 300);
@@ -266,6 +266,13 @@ namespace
 		EXPECT_EQ(Written(),
 			(FLines{"api.MouseMoveToPoint(new Vector2( 520, 332) , 8, new Vector2( 400, 300));", "api.Wait(166); ",
 				"api.MouseDrag(MouseButtons.LEFT, new Vector2( 600, 400) , 4, new Vector2( 520, 332));"}));
+
+		// A move still open when the recording stops is written with the rest.
+		Move(1210, 600, 400);
+		Move(1216, 640, 420);
+		ASSERT_TRUE(Panel.Stop());
+		EXPECT_EQ(Written().size(), 4u);
+		EXPECT_EQ(Written().back(), "api.MouseMoveToPoint(new Vector2( 640, 420) , 6, new Vector2( 600, 400));");
 	}
 
 	TEST_F(RecorderTest, AMoveWithAButtonAndNoPressIsADragRecordWrittenAsAMove)

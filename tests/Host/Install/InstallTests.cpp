@@ -216,8 +216,10 @@ namespace
 		EXPECT_NE(After.st_ino, Before.st_ino) << "replaced whole, not written in place";
 	}
 
-	TEST(LodexInstallUnprivileged, AReadOnlyDescriptorOrAnUnreadableSourceFileIsRefusedToAnOrdinaryUser)
+	TEST(LodexInstallUnprivileged, AReadOnlyDescriptorOrFolderOrAnUnreadableSourceFileIsRefusedToAnOrdinaryUser)
 	{
+		const fs::perms ReadOnlyFolder = fs::perms::owner_read | fs::perms::owner_exec | fs::perms::group_read |
+			fs::perms::group_exec | fs::perms::others_read | fs::perms::others_exec;
 		const struct
 		{
 			const char* File;
@@ -229,11 +231,15 @@ namespace
 				": the descriptor is read-only; nothing was changed"},
 			{"lodex/Source/LodexDebugger/Private/LodexDebugger.cpp", fs::perms::none,
 				": cannot read the file (Permission denied)"},
+			{"Game/Plugins/UnrealCLR", ReadOnlyFolder, ": the folder cannot be written; nothing was changed"},
+			{"Game/Plugins/UnrealCLR/Source", ReadOnlyFolder, ": cannot be written (read-only?); nothing was changed"},
 		};
 		for (const auto& Row : Rows)
 		{
 			FProject Project;
 			const std::string Path = Project.Dir.Path + "/" + Row.File;
+			std::error_code AFileIsThere; // a folder no install has made yet is made
+			fs::create_directories(Path, AFileIsThere);
 			fs::permissions(Path, Row.Permissions);
 			if (geteuid() == 0)
 			{
